@@ -1,0 +1,29 @@
+# What every target of the project shares: warnings, sanitizers, hardening, and how a folder
+# becomes a library.
+
+add_library(quarnel_flags INTERFACE)
+target_compile_options(
+  quarnel_flags INTERFACE -Wall -Wextra -Wpedantic -Werror -Wshadow -Wconversion -Wsign-conversion
+                          -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align -Wunused
+                          -Wnull-dereference -Wdouble-promotion -Wimplicit-fallthrough)
+target_include_directories(quarnel_flags INTERFACE ${CMAKE_SOURCE_DIR}/src)
+if(QUARNEL_SANITIZE)
+  # Null-dereference analysis reports false finds inside instrumented library code.
+  target_compile_options(quarnel_flags INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=all
+                                                 -fno-omit-frame-pointer -Wno-null-dereference
+                                                 -Wno-maybe-uninitialized)
+  target_link_options(quarnel_flags INTERFACE -fsanitize=address,undefined)
+endif()
+if(CMAKE_BUILD_TYPE STREQUAL "Release")
+  target_compile_definitions(quarnel_flags INTERFACE _FORTIFY_SOURCE=2)
+  target_compile_options(quarnel_flags INTERFACE -fstack-protector-strong -Wno-null-dereference)
+endif()
+
+# Makes the library quarnel_NAME of all sources in the current folder. DEPENDS names the libraries
+# that it may include from; an arrow that is not listed here does not link.
+function(quarnel_library name)
+  cmake_parse_arguments(ARG "" "" "DEPENDS;SOURCES" ${ARGN})
+  file(GLOB sources CONFIGURE_DEPENDS *.cpp)
+  add_library(quarnel_${name} STATIC ${sources} ${ARG_SOURCES})
+  target_link_libraries(quarnel_${name} PUBLIC quarnel_flags ${ARG_DEPENDS})
+endfunction()

@@ -1,0 +1,34 @@
+#include "controls/control.h"
+
+#include "base/runtime_error.h"
+#include "controls/form.h"
+
+namespace quarnel {
+
+Control::Control(Form& form, std::string name) : form_(form), name_(std::move(name)) {
+  form_.Register(*this);
+}
+
+Control::~Control() { form_.Unregister(*this); }
+
+std::string FlagText(bool flag) { return flag ? "1" : "0"; }
+
+std::optional<std::string> Control::Property(std::string_view name) const {
+  if (name == "visible") return FlagText(visible_);
+  if (name == "enabled") return FlagText(enabled_);
+  if (name == "tag") return tag_;
+  if (name == "tooltip") return toolTip_;
+  if (name == "type") return std::string(Type());
+  if (name == "revision") return std::to_string(revision_);
+  return std::nullopt;
+}
+
+void Control::SetByUser(std::string_view) {
+  throw RuntimeError(ErrorNumber::kInvalidCall, name_ + " takes no value");
+}
+
+void Control::ClickByUser() {
+  throw RuntimeError(ErrorNumber::kInvalidCall, name_ + " takes no click");
+}
+
+}  // namespace quarnel

@@ -1,0 +1,122 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "controls/control.h"
+
+namespace quarnel {
+
+class Host;
+
+enum class WindowState { kNormal = 0, kMinimised = 1, kMaximised = 2 };
+
+// Why a form is asked to close.
+enum class UnloadMode { kUser = 0, kCode = 1, kSessionEnd = 2 };
+
+// A form: a set of named controls with the life of a window. Load runs Form_Load once; Show loads,
+// becomes visible, and runs Form_Resize and Form_Activate; Close asks Form_QueryUnload and then
+// runs Form_Unload. After Form_Unload the form is dead; a FormSlot makes a new one when it is
+// touched.
+class Form {
+ public:
+  Form(Host& host, std::string name);
+  virtual ~Form();
+  Form(const Form&) = delete;
+  Form& operator=(const Form&) = delete;
+
+  const std::string& Name() const { return name_; }
+  Host& host() const { return host_; }
+
+  const std::string& Caption() const { return caption_; }
+  void SetCaption(std::string_view caption);
+  const std::string& Tag() const { return tag_; }
+  void SetTag(std::string_view tag);
+  bool Visible() const { return visible_; }
+  bool IsLoaded() const { return state_ == State::kLoaded; }
+  WindowState StateOfWindow() const { return windowState_; }
+  void SetWindowState(WindowState state);
+  // Whether the window has an entry in the task bar.
+  bool ShowInTaskbar() const { return showInTaskbar_; }
+  void SetShowInTaskbar(bool show);
+  uint64_t Revision() const { return revision_; }
+
+  void Load();
+  void Show();
+  // Shows the form and returns when it was hidden or unloaded.
+  void ShowModal();
+  void Hide();
+  // Asks the form; false when it declined. A form that is not loaded counts as closed.
+  bool Close(UnloadMode mode);
+  // The window became the active one.
+  void Activate();
+  // Asks the front to repaint now.
+  void Refresh() { ++revision_; }
+
+  const std::vector<Control*>& Controls() const { return controls_; }
+  // The control of this name, letter case folded; null when there is none.
+  Control* Find(std::string_view name) const;
+
+ protected:
+  virtual void Form_Load() {}
+  virtual void Form_Activate() {}
+  virtual void Form_Resize() {}
+  // Sets `cancel` to stay open.
+  virtual void Form_QueryUnload(bool& cancel, UnloadMode mode);
+  virtual void Form_Unload() {}
+
+ private:
+  friend class Control;
+  enum class State { kNew, kLoaded, kUnloaded };
+  void Register(Control& control) { controls_.push_back(&control); }
+  void Unregister(Control& control);
+
+  Host& host_;
+  std::string name_;
+  std::string caption_;
+  std::string tag_;
+  std::vector<Control*> controls_;
+  uint64_t revision_ = 0;
+  State state_ = State::kNew;
+  WindowState windowState_ = WindowState::kNormal;
+  bool visible_ = false;
+  bool showInTaskbar_ = true;
+};
+
+// The place of a form in the program. Touching it gives the loaded form, made anew when it was
+// never loaded or has been unloaded since: its controls then stand as designed.
+template <typename FormType>
+class FormSlot {
+ public:
+  using Factory = std::function<std::unique_ptr<FormType>()>;
+  explicit FormSlot(Factory factory) : factory_(std::move(factory)) {}
+
+  FormType& Touch() {
+    if (!form_ || !form_->IsLoaded()) {
+      // The old instance may still be inside one of its handlers further up the stack, so it is
+      // kept until the next one has taken its place.
+      retired_ = std::move(form_);
+      form_ = factory_();
+      form_->Load();
+    }
+    return *form_;
+  }
+  FormType* operator->() { return &Touch(); }
+
+  bool IsLoaded() const { return form_ && form_->IsLoaded(); }
+  // Unloads the form if it is loaded.
+  void Unload() {
+    if (IsLoaded()) form_->Close(UnloadMode::kCode);
+  }
+
+ private:
+  Factory factory_;
+  std::unique_ptr<FormType> form_;
+  std::unique_ptr<FormType> retired_;
+};
+
+}  // namespace quarnel

@@ -1,0 +1,83 @@
+#include "controls/host.h"
+
+#include <algorithm>
+
+namespace quarnel {
+
+void Host::DoEvents() {
+  const Milliseconds now = clock_->Ticks();
+  if (now >= earliest_) FireDue(now);
+  ProcessFrontEvents();
+}
+
+std::optional<Milliseconds> Host::NextDue() const {
+  std::optional<Milliseconds> next;
+  for (const Timer* timer : timers_) {
+    if (timer->Runs() && (!next || timer->due_ < *next)) next = timer->due_;
+  }
+  return next;
+}
+
+Timer* Host::FirstDue(Milliseconds now) const {
+  Timer* first = nullptr;
+  for (Timer* timer : timers_) {
+    if (timer->Runs() && timer->due_ <= now && (!first || timer->due_ < first->due_)) first = timer;
+  }
+  return first;
+}
+
+void Host::FireDue(Milliseconds now) {
+  // Handlers may add, remove and switch timers, and process events themselves, so the next one is
+  // looked up anew each time. A timer's next tick is never due at `now` again: the loop ends.
+  while (Timer* timer = FirstDue(now)) {
+    timer->due_ = now + timer->interval_;
+    timer->inHandler_ = true;
+    struct Leave {
+      Host& host;
+      Timer* timer;
+      ~Leave() {
+        const auto& timers = host.timers_;
+        if (std::find(timers.begin(), timers.end(), timer) != timers.end()) {
+          timer->inHandler_ = false;
+        }
+      }
+    } leave{*this, timer};
+    if (timer->Tick) timer->Tick();
+  }
+  earliest_ = NextDue().value_or(Milliseconds::max());
+}
+
+void Host::Advance(Milliseconds duration) {
+  const Milliseconds end = clock_->Ticks() + duration;
+  while (true) {
+    const std::optional<Milliseconds> next = NextDue();
+    const Milliseconds stop = next ? std::min(*next, end) : end;
+    const Milliseconds now = clock_->Ticks();
+    if (stop > now) clock_->Pass(stop - now);
+    DoEvents();
+    if (clock_->Ticks() >= end) return;
+  }
+}
+
+[[noreturn]] void Host::EndProcess() { throw ProcessEnded(); }
+
+void Host::SetClock(Clock& clock) {
+  const Milliseconds shift = clock.Ticks() - clock_->Ticks();
+  for (Timer* timer : timers_) timer->due_ += shift;
+  earliest_ = Milliseconds(0);
+  clock_ = &clock;
+}
+
+void Host::AddTimer(Timer& timer) {
+  timers_.push_back(&timer);
+  Restart(timer);
+}
+
+void Host::RemoveTimer(Timer& timer) { std::erase(timers_, &timer); }
+
+void Host::Restart(Timer& timer) {
+  timer.due_ = clock_->Ticks() + timer.interval_;
+  earliest_ = std::min(earliest_, timer.due_);
+}
+
+}  // namespace quarnel

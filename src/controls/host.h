@@ -1,0 +1,103 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "controls/clock.h"
+#include "controls/form.h"
+#include "controls/timer.h"
+
+namespace quarnel {
+
+enum class MessageIcon {
+  kNone = 0,
+  kCritical = 16,
+  kQuestion = 32,
+  kExclamation = 48,
+  kInformation = 64
+};
+enum class MessageButtons { kOk = 0, kOkCancel = 1, kYesNoCancel = 3, kYesNo = 4 };
+enum class Answer { kOk = 1, kCancel = 2, kYes = 6, kNo = 7 };
+
+struct MessageBox {
+  std::string text;
+  std::string title;
+  MessageIcon icon = MessageIcon::kNone;
+  MessageButtons buttons = MessageButtons::kOk;
+};
+
+enum class Pointer { kDefault = 0, kHourglass = 11 };
+
+// What a front provides, and the one message loop: it knows the loaded forms and fires their
+// timers. Everything happens on one thread; a handler may run inside another one's event
+// processing.
+class Host {
+ public:
+  explicit Host(Clock& clock) : clock_(&clock) {}
+  virtual ~Host() = default;
+  Host(const Host&) = delete;
+  Host& operator=(const Host&) = delete;
+
+  // Runs the handlers of all due timers, each at most once and in the order in which they fell due,
+  // then whatever the front has pending. Costs one look at the clock when there is nothing to do.
+  void DoEvents();
+
+  // Lets time go by, firing each timer when it falls due.
+  void Advance(Milliseconds duration);
+
+  // Shows a message box and returns the button that was pressed. Timers go on ticking meanwhile.
+  virtual Answer MsgBox(const MessageBox& box) = 0;
+  // Asks for one line of text; nothing when the user cancelled.
+  virtual std::optional<std::string> InputBox(std::string_view prompt, std::string_view title,
+                                              std::string_view initial) = 0;
+  // Returns when the visible form `form` was hidden or unloaded.
+  virtual void RunModal(Form& form) = 0;
+  virtual void SetClipboardText(std::string_view text) = 0;
+  // Ends the process at once. It does not return: a front that must unwind its own frames first
+  // throws ProcessEnded, which nobody else catches.
+  [[noreturn]] virtual void EndProcess();
+
+  Pointer MousePointer() const { return pointer_; }
+  void SetMousePointer(Pointer pointer) { pointer_ = pointer; }
+
+  Clock& clock() const { return *clock_; }
+  // Timers keep what was left of their intervals.
+  void SetClock(Clock& clock);
+
+  // The loaded forms in the order of their loading.
+  const std::vector<Form*>& LoadedForms() const { return forms_; }
+
+ protected:
+  // The front's own pending events; called in every DoEvents, so it has to be cheap.
+  virtual void ProcessFrontEvents() {}
+  // When the next timer falls due; nothing when none runs.
+  std::optional<Milliseconds> NextDue() const;
+
+ private:
+  friend class Form;
+  friend class Timer;
+  void Add(Form& form) {
+    forms_.push_back(&form);
+    earliest_ = Milliseconds(0);  // the form's timers run from now on
+  }
+  void Forget(Form& form) { std::erase(forms_, &form); }
+  void AddTimer(Timer& timer);
+  void RemoveTimer(Timer& timer);
+  void Restart(Timer& timer);
+  void FireDue(Milliseconds now);
+  Timer* FirstDue(Milliseconds now) const;
+
+  Clock* clock_;
+  std::vector<Form*> forms_;
+  std::vector<Timer*> timers_;
+  // No timer falls due before this moment.
+  Milliseconds earliest_{0};
+  Pointer pointer_ = Pointer::kDefault;
+};
+
+// Thrown by EndProcess to leave every handler on the stack.
+struct ProcessEnded {};
+
+}  // namespace quarnel

@@ -1,0 +1,244 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "base/date_time.h"
+#include "controls/control.h"
+
+namespace quarnel {
+
+// A colour as 0xRRGGBB.
+enum class Colour : uint32_t { kBlack = 0x000000, kRed = 0xFF0000, kHighlight = 0x316AC5 };
+
+// A part of the window that only shows or hides what stands on it.
+class Panel : public Control {
+ public:
+  using Control::Control;
+  std::string_view Type() const override { return "Panel"; }
+};
+
+// A control that can be clicked, whatever it looks like.
+class Clickable : public Control {
+ public:
+  using Control::Control;
+  void ClickByUser() override {
+    if (Click) Click();
+  }
+  Handler Click;
+};
+
+class Image : public Clickable {
+ public:
+  using Clickable::Clickable;
+  std::string_view Type() const override { return "Image"; }
+};
+
+// A control with a caption.
+class Captioned : public Clickable {
+ public:
+  using Clickable::Clickable;
+  const std::string& Caption() const { return caption_; }
+  void SetCaption(std::string_view caption) { Assign(caption_, caption); }
+  std::string ValueText() const override { return caption_; }
+  std::optional<std::string> Property(std::string_view name) const override;
+
+ private:
+  std::string caption_;
+};
+
+class Label : public Captioned {
+ public:
+  Label(Form& form, std::string name, std::string_view caption = {})
+      : Captioned(form, std::move(name)) {
+    SetCaption(caption);
+  }
+  std::string_view Type() const override { return "Label"; }
+  Colour ForeColour() const { return foreColour_; }
+  void SetForeColour(Colour colour) { Assign(foreColour_, colour); }
+  std::optional<std::string> Property(std::string_view name) const override;
+
+ private:
+  Colour foreColour_ = Colour::kBlack;
+};
+
+class Button : public Captioned {
+ public:
+  Button(Form& form, std::string name, std::string_view caption = {})
+      : Captioned(form, std::move(name)) {
+    SetCaption(caption);
+  }
+  std::string_view Type() const override { return "Button"; }
+};
+
+class MenuItem : public Captioned {
+ public:
+  MenuItem(Form& form, std::string name, std::string_view caption = {})
+      : Captioned(form, std::move(name)) {
+    SetCaption(caption);
+  }
+  std::string_view Type() const override { return "MenuItem"; }
+  bool Checked() const { return checked_; }
+  void SetChecked(bool checked) { Assign(checked_, checked); }
+  std::optional<std::string> Property(std::string_view name) const override;
+
+ private:
+  bool checked_ = false;
+};
+
+// A check box. Its click handler runs whenever its value changes, by a user or in code.
+class CheckBox : public Captioned {
+ public:
+  CheckBox(Form& form, std::string name, std::string_view caption = {})
+      : Captioned(form, std::move(name)) {
+    SetCaption(caption);
+  }
+  std::string_view Type() const override { return "CheckBox"; }
+
+  // 0 is unchecked, 1 checked, 2 undecided (grey); kInvalidPropertyValue for any other number.
+  int Value() const { return value_; }
+  void SetValue(int value);
+  bool Checked() const { return value_ == 1; }
+
+  std::string ValueText() const override { return std::to_string(value_); }
+  std::optional<std::string> Property(std::string_view name) const override;
+  void SetByUser(std::string_view text) override;
+  void ClickByUser() override { SetValue(value_ == 1 ? 0 : 1); }
+
+ private:
+  int value_ = 0;
+};
+
+class OptionButton;
+
+// Option buttons of which one is chosen.
+class OptionGroup {
+ public:
+  // The index of the chosen button; -1 when none is.
+  int Chosen() const;
+
+  // Chooses in code: no click handler runs. An index outside the group chooses none.
+  void Choose(int index);
+
+ private:
+  friend class OptionButton;
+  std::vector<OptionButton*> buttons_;
+};
+
+class OptionButton : public Captioned {
+ public:
+  OptionButton(Form& form, std::string name, OptionGroup& group, std::string_view caption = {});
+  std::string_view Type() const override { return "OptionButton"; }
+
+  bool Value() const { return value_; }
+  std::string ValueText() const override { return FlagText(value_); }
+  std::optional<std::string> Property(std::string_view name) const override;
+  void SetByUser(std::string_view text) override;
+  // Chooses this button and runs its click handler, as a user's click does.
+  void ClickByUser() override;
+
+ private:
+  friend class OptionGroup;
+  OptionGroup& group_;
+  bool value_ = false;
+};
+
+class TextBox : public Control {
+ public:
+  using Control::Control;
+  std::string_view Type() const override { return "TextBox"; }
+  const std::string& Text() const { return text_; }
+  void SetText(std::string_view text) { Assign(text_, text); }
+  std::string ValueText() const override { return text_; }
+  std::optional<std::string> Property(std::string_view name) const override;
+  void SetByUser(std::string_view text) override;
+  Handler Change;
+
+ private:
+  std::string text_;
+};
+
+// A drop-down list; its click handler runs when a user chooses.
+class ComboBox : public Control {
+ public:
+  using Control::Control;
+  std::string_view Type() const override { return "ComboBox"; }
+
+  const std::vector<std::string>& Items() const { return items_; }
+  void SetItems(std::vector<std::string> items);
+  // -1 when nothing is chosen; kInvalidPropertyValue for an index outside the list.
+  int ListIndex() const { return listIndex_; }
+  void SetListIndex(int index);
+  std::string Text() const;
+
+  std::string ValueText() const override { return Text(); }
+  std::optional<std::string> Property(std::string_view name) const override;
+  // Takes an item's text, or its index from 0.
+  void SetByUser(std::string_view text) override;
+  Handler Click;
+
+ private:
+  std::vector<std::string> items_;
+  int listIndex_ = -1;
+};
+
+// A picker of a date or of a time of day; it may hold nothing.
+class DatePicker : public Control {
+ public:
+  enum class Kind { kDate, kTime };
+  DatePicker(Form& form, std::string name, Kind kind)
+      : Control(form, std::move(name)), kind_(kind) {}
+  std::string_view Type() const override { return "DatePicker"; }
+  std::optional<DateTime> Value() const { return value_; }
+  void SetValue(std::optional<DateTime> value);
+  std::string ValueText() const override;
+  void SetByUser(std::string_view text) override;
+  Handler Change;
+
+ private:
+  Kind kind_;
+  std::optional<DateTime> value_;
+};
+
+// A bar between Min and Max. A strict one refuses a value outside them with kInvalidPropertyValue;
+// the other takes any value and shows it at the nearer end.
+class ProgressBar : public Control {
+ public:
+  enum class Range { kStrict, kLoose };
+  ProgressBar(Form& form, std::string name, Range range = Range::kStrict)
+      : Control(form, std::move(name)), range_(range) {}
+  std::string_view Type() const override { return "ProgressBar"; }
+  double Min() const { return min_; }
+  double Max() const { return max_; }
+  double Value() const { return value_; }
+  // A strict bar refuses a minimum above the maximum and the other way round.
+  void SetMin(double min);
+  void SetMax(double max);
+  void SetValue(double value);
+  std::string ValueText() const override;
+  std::optional<std::string> Property(std::string_view name) const override;
+
+ private:
+  Range range_;
+  double min_ = 0;
+  double max_ = 100;
+  double value_ = 0;
+};
+
+// A page shown from a file or an address.
+class Browser : public Control {
+ public:
+  using Control::Control;
+  std::string_view Type() const override { return "Browser"; }
+  const std::string& Location() const { return location_; }
+  void Navigate(std::string_view location) { Assign(location_, location); }
+  std::string ValueText() const override { return location_; }
+
+ private:
+  std::string location_;
+};
+
+}  // namespace quarnel

@@ -1,0 +1,104 @@
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace quarnel {
+
+// File attribute bits, as the system numbers them.
+namespace file_attribute {
+inline constexpr uint32_t kReadOnly = 0x1;
+inline constexpr uint32_t kHidden = 0x2;
+inline constexpr uint32_t kSystem = 0x4;
+inline constexpr uint32_t kDirectory = 0x10;
+inline constexpr uint32_t kArchive = 0x20;
+inline constexpr uint32_t kNormal = 0x80;
+inline constexpr uint32_t kTemporary = 0x100;
+inline constexpr uint32_t kReparsePoint = 0x400;
+}  // namespace file_attribute
+
+// A moment of the file system, in UTC, to 100 nanoseconds.
+using FileTime = std::chrono::sys_time<std::chrono::duration<int64_t, std::ratio<1, 10000000>>>;
+
+struct DirectoryEntry {
+  std::string name;  // in the letter case in which the file system keeps it
+  uint32_t attributes = 0;
+  uint64_t size = 0;  // bytes; 0 for a folder
+  FileTime modified;
+
+  bool IsFolder() const { return (attributes & file_attribute::kDirectory) != 0; }
+};
+
+enum class OpenMode {
+  kRead,       // must exist
+  kReadWrite,  // made when absent, kept as it is when present
+  kCreate,     // made when absent, emptied when present
+  kAppend,     // made when absent, every write goes to the end
+};
+
+// An open file; closing happens when it is destroyed. All operations raise RuntimeError.
+class File {
+ public:
+  virtual ~File() = default;
+  // Reads up to buffer.size() bytes at the current position; 0 at the end of the file.
+  virtual size_t Read(std::span<char> buffer) = 0;
+  virtual void Write(std::string_view bytes) = 0;
+  // Moves the position, in bytes from the start; it may lie behind the end.
+  virtual void Seek(uint64_t position) = 0;
+  virtual uint64_t Size() = 0;
+  // Returns when all that was written is on the disk.
+  virtual void Flush() = 0;
+};
+
+// The file system, by Windows paths: "C:\WINDOWS\system32". A path is taken in any letter case and
+// with either slash; one without a drive is relative to the program's folder. Operations that
+// change something or open a file raise RuntimeError with the kind of the failure: kFileNotFound,
+// kPathNotFound (a folder on the way is missing), kPermissionDenied, kFileExists, kPathFileAccess
+// (a folder where a file is meant, or a folder that is not empty), kBadFileName, kDiskFull,
+// kDeviceError. Links are followed when a file is opened; they are never followed by deletion.
+class Files {
+ public:
+  virtual ~Files() = default;
+
+  // What stands under this path; nothing when there is none or it cannot be reached.
+  virtual std::optional<DirectoryEntry> Stat(std::string_view path) = 0;
+
+  // The entries of a folder without "." and "..", in the order of their names with letter case
+  // folded, as they stand at this moment. Raises when the folder cannot be read.
+  virtual std::vector<DirectoryEntry> List(std::string_view folder) = 0;
+
+  virtual std::unique_ptr<File> Open(std::string_view path, OpenMode mode) = 0;
+
+  virtual void Delete(std::string_view path) = 0;        // a file; a read-only one is refused
+  virtual void DeleteFolder(std::string_view path) = 0;  // an empty folder
+  virtual void CreateFolder(std::string_view path) = 0;  // its parent must exist
+  // Moves a file or folder, also to another drive (files only); an existing target is refused.
+  virtual void Move(std::string_view from, std::string_view to) = 0;
+  // Puts `from` in the place of `to`, in one step that a crash cannot tear; same folder.
+  virtual void ReplaceFile(std::string_view from, std::string_view to) = 0;
+  virtual void Copy(std::string_view from, std::string_view to) = 0;  // replaces the target
+  virtual void SetAttributes(std::string_view path, uint32_t attributes) = 0;
+  virtual void SetModified(std::string_view path, FileTime time) = 0;
+};
+
+// The whole content of a file; raises as Files::Open does. `limit` is the most it may hold, in
+// bytes: a larger file is kOverflow.
+std::string ReadWholeFile(Files& files, std::string_view path, uint64_t limit = uint64_t{1} << 31);
+
+// Makes or replaces a file with this content. Not atomic.
+void WriteWholeFile(Files& files, std::string_view path, std::string_view bytes);
+
+// Adds bytes to the end of a file, which is made when absent.
+void AppendToFile(Files& files, std::string_view path, std::string_view bytes);
+
+// Makes a folder and all folders above it; one that stands already is no error.
+void CreateFolders(Files& files, std::string_view path);
+
+}  // namespace quarnel
