@@ -1,0 +1,57 @@
+#include "support/test_host.h"
+
+#include <gtest/gtest.h>
+
+namespace quarnel {
+namespace {
+
+DateTime Start() {
+  using namespace std::chrono;
+  return local_days(2024y / March / 5) + hours(14) + minutes(30);
+}
+
+}  // namespace
+
+// The base class only keeps the address of the clock, which is made after it.
+TestHost::TestHost() : Host(clock_), clock_(Start()) {}
+
+Answer TestHost::MsgBox(const MessageBox& box) {
+  messages.push_back(box);
+  DoEvents();
+  if (!answers.empty()) {
+    const Answer answer = answers.front();
+    answers.pop_front();
+    return answer;
+  }
+  if (box.buttons != MessageButtons::kOk) ADD_FAILURE() << "no answer for: " << box.text;
+  return box.buttons == MessageButtons::kOk ? Answer::kOk : Answer::kCancel;
+}
+
+void TestHost::RunModal(Form& form) {
+  if (const auto player = players.find(form.Name()); player != players.end()) {
+    player->second(form);
+  }
+  for (int turn = 0; turn < 1000 && form.IsLoaded() && form.Visible(); ++turn) {
+    const auto due = NextDue();
+    Advance(due ? std::max(*due - clock().Ticks(), Milliseconds(0)) : Milliseconds(10));
+  }
+  if (form.IsLoaded() && form.Visible()) {
+    ADD_FAILURE() << "modal form " << form.Name() << " stays open";
+    form.Hide();
+  }
+}
+
+[[noreturn]] void TestHost::EndProcess() {
+  ended = true;
+  throw ProcessEnded();
+}
+
+void TestHost::ProcessFrontEvents() {
+  ++eventTurns;
+  if (!onEvents || inEvents_) return;
+  inEvents_ = true;
+  onEvents();
+  inEvents_ = false;
+}
+
+}  // namespace quarnel

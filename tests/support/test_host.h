@@ -1,0 +1,54 @@
+#pragma once
+
+#include <deque>
+#include <functional>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "controls/host.h"
+
+namespace quarnel {
+
+// A front for tests: a virtual clock, answers given in advance, and a record of what was shown.
+class TestHost : public Host {
+ public:
+  TestHost();
+
+  // Answers for the coming message boxes, in order. A box without one is answered by its only
+  // button, or fails the test.
+  std::deque<Answer> answers;
+  std::vector<MessageBox> messages;
+  std::string clipboard;
+  bool ended = false;
+
+  // Runs once inside every DoEvents, while set.
+  Handler onEvents;
+  // Plays the user in a modal form of this name. A modal form without a player gets time to close
+  // by its own timers.
+  std::map<std::string, std::function<void(Form&)>> players;
+
+  // The number of DoEvents calls so far.
+  long eventTurns = 0;
+
+  VirtualClock& virtualClock() { return clock_; }
+
+  Answer MsgBox(const MessageBox& box) override;
+  std::optional<std::string> InputBox(std::string_view, std::string_view,
+                                      std::string_view) override {
+    return std::nullopt;
+  }
+  void RunModal(Form& form) override;
+  void SetClipboardText(std::string_view text) override { clipboard = text; }
+  [[noreturn]] void EndProcess() override;
+
+ protected:
+  void ProcessFrontEvents() override;
+
+ private:
+  VirtualClock clock_;
+  bool inEvents_ = false;
+};
+
+}  // namespace quarnel
