@@ -1,0 +1,25 @@
+#pragma once
+
+#include <memory>
+
+#include "platform/platform.h"
+#include "platform/posix/machine_folder.h"
+#include "platform/posix/path_map.h"
+
+// What makes each family's backend on a machine folder. References are kept: the platform holds
+// what they refer to for as long as the backends live.
+namespace quarnel {
+
+std::unique_ptr<Files> MakeFiles(PathMap& paths);
+std::unique_ptr<Registry> MakeRegistry(const MachineFolder& folder);
+std::unique_ptr<Machine> MakeMachine(const MachineFolder& folder, PathMap& paths);
+
+// Processes whose executable lies on a drive of the machine: PathMap::ToWindows decides.
+std::unique_ptr<Processes> MakeProcesses(PathMap& paths);
+std::unique_ptr<VersionRecords> MakeVersionRecords(Files& files);
+std::unique_ptr<Shell> MakeShell(const MachineFolder& folder, PathMap& paths, Files& files,
+                                 Registry& registry);
+std::unique_ptr<Desktop> MakeDesktop(const MachineFolder& folder);
+std::unique_ptr<Power> MakePower();
+
+}  // namespace quarnel
