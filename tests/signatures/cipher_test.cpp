@@ -1,0 +1,65 @@
+#include "signatures/cipher.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+namespace quarnel {
+namespace {
+
+std::string RandomBytes(std::mt19937& random, size_t size) {
+  std::string bytes(size, '\0');
+  for (char& c : bytes) c = static_cast<char>(random());
+  return bytes;
+}
+
+// The two steps of the algorithm as they are defined, one character at a time.
+std::string DecryptAsDefined(std::string_view cipher) {
+  std::string plain;
+  for (size_t i = 0; i < cipher.size(); ++i) {
+    int code = static_cast<unsigned char>(cipher[i]) - kCipherKey[i % kCipherKey.size()];
+    if (code < 0) code += 256;
+    plain += static_cast<char>(code);
+  }
+  std::string ordered;
+  for (size_t i = 0; i < plain.size(); i += 2) {
+    std::string pair = plain.substr(i, 2);
+    ordered = std::string(pair.rbegin(), pair.rend()) + ordered;
+  }
+  return ordered;
+}
+
+TEST(Cipher, KnownTexts) {
+  EXPECT_EQ(Encrypt(""), "");
+  EXPECT_EQ(Decrypt(""), "");
+  // "AB" is mirrored to "BA"; 'M' and 'E' are added.
+  EXPECT_EQ(Encrypt("AB"), std::string("\x8F\x86"));
+  EXPECT_EQ(Encrypt("A"), std::string("\x6D\x86"));
+  EXPECT_EQ(Decrypt(Encrypt("odd")), "odd ");
+  EXPECT_EQ(Decrypt(Encrypt("even")), "even");
+}
+
+TEST(Cipher, EveryLevelIsTheDefinition) {
+  std::mt19937 random(7);
+  for (size_t size = 0; size < 200; ++size) {
+    const std::string cipher = RandomBytes(random, size);
+    const std::string expected = DecryptAsDefined(cipher);
+    for (const CipherLevel level :
+         {CipherLevel::kPortable, CipherLevel::kSsse3, CipherLevel::kAvx2}) {
+      std::string plain(size + 2, '#');
+      DecryptTo(cipher, plain.data() + 1, level);
+      ASSERT_EQ(plain, '#' + expected + '#') << size << " characters, level " << int(level);
+    }
+    std::string padded = size % 2 == 0 ? cipher : cipher + ' ';
+    ASSERT_EQ(Decrypt(Encrypt(cipher)), padded);
+  }
+}
+
+TEST(Cipher, BufferIsReusedForShorterText) {
+  std::string plain = "something longer than the next line";
+  DecryptInto(Encrypt("next"), plain);
+  EXPECT_EQ(plain, "next");
+}
+
+}  // namespace
+}  // namespace quarnel
