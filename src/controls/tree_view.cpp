@@ -44,6 +44,7 @@ TreeNodeRef TreeView::Insert(std::vector<TreeNodeRef>& siblings, TreeNode* paren
     throw RuntimeError(ErrorNumber::kKeyNotUnique);
   }
   auto node = std::make_shared<TreeNode>();
+  node->tree = this;
   node->key = key;
   node->text = text;
   node->parent = parent;
@@ -60,6 +61,7 @@ TreeNodeRef TreeView::AddRoot(std::string_view key, std::string_view text) {
 
 TreeNodeRef TreeView::AddChild(const TreeNodeRef& parent, std::string_view key,
                                std::string_view text) {
+  if (parent->tree != this) throw RuntimeError(ErrorNumber::kElementNotFound);
   return Insert(parent->children, parent.get(), key, text);
 }
 
@@ -85,6 +87,7 @@ void TreeView::Forget(const TreeNodeRef& node) {
   for (const TreeNodeRef& child : node->children) Forget(child);
   if (!node->key.empty()) byKey_.erase(node->key);
   node->parent = nullptr;
+  node->tree = nullptr;
 }
 
 void TreeView::Remove(const TreeNodeRef& node) {

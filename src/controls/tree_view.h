@@ -17,6 +17,8 @@ namespace quarnel {
 // A node of a tree. Nodes are shared, so that one held across event processing stays readable even
 // when a handler removed it from its tree meanwhile.
 struct TreeNode {
+  // The tree in which the node stands; nothing for one that was removed.
+  const Control* tree = nullptr;
   std::string key;
   std::string text;
   std::vector<std::string> columns;  // column 1 is columns[0]; the text is column 0
@@ -47,7 +49,7 @@ class TreeView : public Control {
   void SetColumns(std::vector<Column> columns);
 
   // Adds a root, or a child at the end of `parent`'s children. Raises kKeyNotUnique when the key
-  // stands already; an empty key is none.
+  // stands already (an empty key is none), and kElementNotFound when the parent was removed.
   TreeNodeRef AddRoot(std::string_view key, std::string_view text);
   TreeNodeRef AddChild(const TreeNodeRef& parent, std::string_view key, std::string_view text);
 
