@@ -1,0 +1,245 @@
+#include "scan/scan_controller.h"
+
+#include <array>
+
+#include "base/text.h"
+#include "core/inifile.h"
+#include "core/paths.h"
+#include "signatures/signature_files.h"
+
+namespace quarnel {
+namespace {
+
+constexpr std::string_view kCongratulations = "Congratulations! No Spyware found on your system.";
+
+}  // namespace
+
+Answer ScanController::Box(std::string_view text, MessageIcon icon, MessageButtons buttons) {
+  return u_.host.MsgBox({.text = std::string(text),
+                         .title = u_.settings.ApplicationName(),
+                         .icon = icon,
+                         .buttons = buttons});
+}
+
+void ScanController::Congratulate() {
+  u_.resultsPage.lvwPicRemoveListOfSpywareFoundAndToBeRemoved.SetTag("1");
+  Box(kCongratulations, MessageIcon::kExclamation, MessageButtons::kOk);
+}
+
+// The buttons of a scan that runs, or of one that does not: visible where they can be used.
+void ScanController::ShowRunning(bool running) {
+  u_.page.ImgStopScanMouseMove.SetEnabled(running);
+  u_.page.ImgStartScanMouseMove.SetEnabled(!running);
+  u_.page.imgPause.SetEnabled(running);
+  for (Image* image :
+       {&u_.page.ImgStopScanMouseMove, &u_.page.ImgStartScanMouseMove, &u_.page.imgPause}) {
+    image->SetVisible(image->Enabled());
+  }
+}
+
+void ScanController::ResetPage() {
+  ResultsPage& results = u_.resultsPage;
+  results.txtSpywareDescription.SetText("");
+  u_.flags.lastProcessCount = 0;
+  results.imgNext0.SetVisible(false);
+  u_.page.form.SetTag(kDoNotShow);
+  results.lvwPicRemoveListOfSpywareFoundAndToBeRemoved.SetTag("0");
+
+  u_.surroundings.SelectScanTab();
+  u_.surroundings.Done();
+  u_.surroundings.SwitchSummary(false);
+  for (Control* control : std::initializer_list<Control*>{
+           &results.cmdDone, &results.cmdRemoveSpywares, &results.cmdCheckUncheckAll,
+           &results.chkCreateRestore, &results.ImgAddToIgnoredListNormal,
+           &results.cmdIgnoredProcesses}) {
+    control->SetVisible(false);
+  }
+  results.picSearchResultsLeftWindow.SetVisible(true);
+  u_.page.picScanningProcessRightWindow.SetVisible(true);
+  u_.page.pbgMain.SetVisible(true);
+
+  results.vbatvwResults.Clear();
+  results.sfttvwResults.Clear();
+  results.lvwPicRemoveListOfSpywareFoundAndToBeRemoved.Clear();
+  results.lvwRegistryEntriesFound.Clear();
+  results.lvwFilesToBeDeleted.Clear();
+  for (Label* counter :
+       {&u_.page.lblMemoryInfected, &u_.page.lblMemoryInspected, &u_.page.lblFilesFolderInspected,
+        &u_.page.lblRegistryInspected, &u_.page.lblTrackingObjectScanned}) {
+    counter->SetCaption("0");
+  }
+  results.chkSelectAllDetectedSpywares.SetValue(0);
+}
+
+void ScanController::ImgStartScanMouseMove_Click() {
+  Reporting(u_.log, "ImgStartScanMouseMove_Click in frmMain", [&] {
+    ResetPage();
+    u_.surroundings.MakeTimersEnabledOrDisableAcordingToSetting(true);
+    ShowRunning(true);
+    u_.results.RecomputeCounters();
+    u_.flags.scanStopRequested = false;
+    u_.page.lblStatus.SetCaption("");
+    u_.page.lblStatus.SetVisible(false);
+    if (const std::string_view total = Trim(u_.page.lblTotalNoOfSignature.Caption());
+        total != "0") {
+      u_.page.pbgMain.SetMax(Val(total));
+    }
+    const DateTime start = u_.host.clock().Now();
+    const std::string historyKey = SingleText(static_cast<float>(SecondsOfDay(start)));
+    u_.settings.Save(setting::kScanStart, GeneralDateText(start));
+    if (u_.surroundings.MemoryShieldOn()) u_.surroundings.StopMemoryTimer();
+
+    StartScanning();
+
+    u_.page.ImgStopScanMouseMove.SetEnabled(false);
+    WriteHistory(historyKey, GeneralDateText(start));
+    u_.settings.Save(setting::kScanEnd, GeneralDateText(u_.host.clock().Now()));
+    u_.surroundings.RefreshSystemSummary();
+    SaveLastScanResults();
+    EndScan();
+  });
+}
+
+void ScanController::EndScan() {
+  ResultsPage& results = u_.resultsPage;
+  u_.page.lblPercentageCompleted.SetVisible(false);
+  ShowRunning(false);
+  u_.results.RecomputeCounters();
+  u_.page.lblStatus.SetCaption(u_.flags.scanStopRequested ? "Scanning cancelled."
+                                                          : "Scanning completed.");
+  u_.surroundings.MakeTimersEnabledOrDisableAcordingToSetting(false);
+  ListView& threats = results.lvwPicRemoveListOfSpywareFoundAndToBeRemoved;
+  if (threats.Empty()) {
+    if (threats.Tag() != "1") {
+      Congratulate();
+      u_.surroundings.SwitchSummary(true);
+      u_.surroundings.Done();
+    }
+    results.imgNext0.SetVisible(false);
+    results.imgNext1.SetVisible(false);
+    return;
+  }
+  u_.surroundings.Next();
+  if (u_.flags.scheduledScanRunning) {
+    Box("Scheduled scan complete. Click [Next >>] button to proceed to the removal process.",
+        MessageIcon::kInformation, MessageButtons::kOk);
+  }
+}
+
+void ScanController::WriteHistory(std::string_view key, std::string_view start) {
+  cInifile history(u_.files);
+  history.SetPath(GetPathWithSlash(u_.machine.ProgramFolder()) + "ScanHistory.ini");
+  history.SetSection("Scan History");
+  history.SetKey(key);
+  history.SetValue(Join({std::string(start), GeneralDateText(u_.host.clock().Now()),
+                         u_.page.lblTotalSpywares.Caption()},
+                        ";"));
+}
+
+void ScanController::SaveLastScanResults() {
+  struct Dump {
+    std::string_view file;
+    const ListView& list;
+  };
+  const ResultsPage& results = u_.resultsPage;
+  const std::array<Dump, 4> dumps = {
+      Dump{"10001.qks", results.lvwPicRemoveListOfSpywareFoundAndToBeRemoved},
+      Dump{"10002.qks", results.lvwTrackingCookieObjectrecognized},
+      Dump{"10003.qks", results.lvwRegistryEntriesFound},
+      Dump{"10004.qks", results.lvwFilesToBeDeleted},
+  };
+  for (const Dump& dump : dumps) {
+    std::string text;
+    for (const ListRow& row : dump.list.Rows()) {
+      text += row.text;
+      for (size_t column = 1; column < dump.list.ColumnHeaders().size(); ++column) {
+        text.append("[[]]").append(row.SubItem(column));
+      }
+      text += "\r\n";
+    }
+    WriteWholeFile(u_.files, DataFolder(u_.machine) + std::string(dump.file), text);
+  }
+}
+
+void ScanController::NextPhase(std::string_view caption) {
+  u_.page.form.Refresh();
+  u_.page.pbgMain.SetValue(0);
+  u_.page.lblPercentageCompleted.SetCaption(caption);
+}
+
+void ScanController::BeginPhases() {
+  u_.page.form.Refresh();
+  u_.resultsPage.vbatvwResults.Clear();
+  u_.page.lblMD5Scanned.SetCaption("0");
+  u_.page.lblMD5Infected.SetCaption("0");
+  u_.resultsPage.sfttvwResults.SetVisible(true);
+  for (Label* label : {&u_.page.lblScanning, &u_.page.lblPercentageCompleted}) {
+    label->SetCaption("");
+    label->SetVisible(true);
+  }
+  u_.page.pbgMain.SetValue(0);
+  u_.page.pbgMain.SetVisible(true);
+}
+
+void ScanController::FilePhase() {
+  u_.page.lblStatus.SetVisible(true);
+  NextPhase("Scanning Files/Folder - 0% Completed");
+  if (!SignaturePresent(u_.files, u_.machine, signature_file::kFiles)) return;
+  u_.page.pbgMain.SetMax(GetSignatureCount(u_.files, u_.machine, signature_file::kFiles));
+  u_.fileScan.ScanSignatureFiles();
+}
+
+void ScanController::EndPhases() {
+  u_.page.form.Refresh();
+  u_.page.pbgMain.SetVisible(false);
+  u_.page.lblStatus.SetCaption("");
+  u_.page.pbgMain.SetValue(0);
+}
+
+void ScanController::StartScanning() {
+  Reporting(u_.log, "StartScanning in frmMain", [&] {
+    BeginPhases();
+    using Phase = void (ScanController::*)();
+    for (const Phase phase : {&ScanController::CookiePhase, &ScanController::MemoryPhase,
+                              &ScanController::RegistryPhase, &ScanController::FilePhase}) {
+      if (u_.flags.scanStopRequested) return;
+      (this->*phase)();
+    }
+    if (!u_.flags.scanStopRequested) EndPhases();
+  });
+}
+
+void ScanController::ImgStopScanMouseMove_Click() {
+  Reporting(u_.log, "ImgStopScanMouseMove_Click in frmMain", [&] {
+    const auto asksNothing = [&] { return u_.page.form.Tag() == kDoNotShow; };
+    if (!asksNothing() && Box("Are you sure you want to stop the scan process?",
+                              MessageIcon::kQuestion, MessageButtons::kYesNo) != Answer::kYes) {
+      return;
+    }
+    u_.page.picScanningProcessRightWindow.SetVisible(true);
+    ShowRunning(false);
+    u_.page.pbgMain.SetVisible(false);
+    u_.page.lblStatus.SetCaption("");
+    u_.flags.scanStopRequested = true;
+    ListView& threats = u_.resultsPage.lvwPicRemoveListOfSpywareFoundAndToBeRemoved;
+    if (threats.Empty() && threats.Tag() != "1") {
+      if (!asksNothing()) Congratulate();
+      u_.surroundings.Done();
+    }
+    if (asksNothing()) {
+      u_.surroundings.Done();
+    } else {
+      u_.surroundings.Next();
+    }
+  });
+}
+
+void ScanController::imgPause_Click() {
+  Reporting(u_.log, "imgPause_Click in frmMain", [&] {
+    u_.page.imgPause.SetEnabled(false);
+    Box("Click OK to resume the scanning...", MessageIcon::kInformation, MessageButtons::kOk);
+    u_.page.imgPause.SetEnabled(true);
+  });
+}
+
+}  // namespace quarnel

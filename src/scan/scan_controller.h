@@ -1,0 +1,83 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "controls/host.h"
+#include "core/error_log.h"
+#include "core/settings.h"
+#include "platform/files.h"
+#include "platform/machine.h"
+#include "scan/file_scan.h"
+#include "scan/results.h"
+#include "scan/scan_page.h"
+
+namespace quarnel {
+
+// What a scan asks of the window around its page.
+class ScanSurroundings {
+ public:
+  virtual ~ScanSurroundings() = default;
+  virtual void SelectScanTab() = 0;
+  virtual void SwitchSummary(bool show) = 0;
+  virtual void Done() = 0;  // the handler of cmdDone
+  virtual void Next() = 0;  // the handler of imgNext(0), which opens the results
+  virtual void RefreshSystemSummary() = 0;
+  virtual void MakeTimersEnabledOrDisableAcordingToSetting(bool leaveAlone) = 0;
+  // Whether the memory shield is on, and the switch of its timer.
+  virtual bool MemoryShieldOn() const = 0;
+  virtual void StopMemoryTimer() = 0;
+};
+
+// Starts, stops and pauses a scan. A scan runs inside one handler and lets events be processed at
+// each step, so that Stop and Pause run nested inside it.
+class ScanController {
+ public:
+  struct Uses {
+    ScanPage& page;
+    ResultsPage& resultsPage;
+    ScanFlags& flags;
+    ScanSurroundings& surroundings;
+    Results& results;
+    FileScan& fileScan;
+    Settings& settings;
+    Files& files;
+    Machine& machine;
+    Host& host;
+    ErrorLog& log;
+  };
+  explicit ScanController(const Uses& uses) : u_(uses) {}
+
+  // A whole scan; returns when it is over.
+  void ImgStartScanMouseMove_Click();
+  // Asks, unless the form's tag says otherwise, and stops the running scan.
+  void ImgStopScanMouseMove_Click();
+  // Holds the scan that processes these events until the user closes a box.
+  void imgPause_Click();
+  // The phases alone.
+  void StartScanning();
+  // Dumps the four lists of results into the data folder, one line a row.
+  void SaveLastScanResults();
+
+ private:
+  void ResetPage();
+  void ShowRunning(bool running);
+  void Congratulate();
+  void WriteHistory(std::string_view key, std::string_view start);
+  void EndScan();
+
+  // Each phase with its captions and its test for the signature file.
+  void BeginPhases();
+  void CookiePhase();
+  void MemoryPhase();
+  void RegistryPhase();
+  void FilePhase();
+  void EndPhases();
+  void NextPhase(std::string_view caption);
+
+  Answer Box(std::string_view text, MessageIcon icon, MessageButtons buttons);
+
+  Uses u_;
+};
+
+}  // namespace quarnel

@@ -1,0 +1,55 @@
+#pragma once
+
+#include "controls/list_view.h"
+#include "controls/simple_controls.h"
+
+namespace quarnel {
+
+// The controls of a running scan: its buttons, its bar and captions, and what it has counted so
+// far.
+struct ScanPage {
+  Form& form;
+
+  Image ImgStartScanMouseMove{form, "ImgStartScanMouseMove"};
+  Image ImgStopScanMouseMove{form, "ImgStopScanMouseMove"};
+  Image imgPause{form, "imgPause"};
+
+  ProgressBar pbgMain{form, "pbgMain"};
+  Label lblStatus{form, "lblStatus"};
+  Label lblPercentageCompleted{form, "lblPercentageCompleted"};
+  Label lblScanning{form, "lblScanning"};
+
+  Label lblMemoryInspected{form, "lblMemoryInspected", "0"};
+  Label lblMemoryInfected{form, "lblMemoryInfected", "0"};
+  Label lblRegistryInspected{form, "lblRegistryInspected", "0"};
+  Label lblFilesFolderInspected{form, "lblFilesFolderInspected", "0"};
+  Label lblTrackingObjectScanned{form, "lblTrackingObjectScanned", "0"};
+  Label lblMD5Scanned{form, "lblMD5Scanned", "0"};
+  Label lblMD5Infected{form, "lblMD5Infected", "0"};
+
+  Label lblTotalNoOfSignature{form, "lblTotalNoOfSignature", "0"};
+  Label lblTotalSpywares{form, "lblTotalSpywares", "0"};
+  Label lblTotalSignatureInTabSignature{form, "lblTotalSignatureInTabSignature"};
+
+  Panel picScanningProcessRightWindow{form, "picScanningProcessRightWindow"};
+  Panel picResultSummary{form, "picResultSummary"};
+
+  ListView lvwHardDrives{form, "lvwHardDrives", {"Drive"}};
+  ListView lvwBlockedCookies{form, "lvwBlockedCookies", {"SpyName"}};
+};
+
+// The flags that a scan shares with the handlers that run inside it.
+struct ScanFlags {
+  bool scanStopRequested = false;     // the running scan must end at its next test
+  bool scheduledScanRunning = false;  // asks for the closing message of a scheduled scan
+  long lastProcessCount = 0;          // what the memory inspection counted last
+};
+
+// "ScanStopRequested" and the rest are tested between pieces of work; this is the form's tag that
+// makes the next forced stop ask nothing.
+inline constexpr std::string_view kDoNotShow = "DO NOT SHOW";
+
+// Whether a scan runs: the Start image is hidden for exactly that time.
+inline bool ScanRuns(const ScanPage& page) { return !page.ImgStartScanMouseMove.Visible(); }
+
+}  // namespace quarnel

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "controls/host.h"
+#include "ui/console/scan_summary.h"
+
+namespace quarnel {
+
+// The program behind the console, as far as its forms and controls do not tell: how it starts, how
+// it ends, and the everyday jobs in one word. Any of these may run modal forms, show message boxes
+// and end the process.
+class ConsoleProgram {
+ public:
+  virtual ~ConsoleProgram() = default;
+  // Starts the program; false when another instance runs already. Opens no wizard.
+  virtual bool Start() = 0;
+  // A whole scan, as a click on its button runs it, and what it found.
+  virtual ScanSummary Scan() = 0;
+  // The removal of what is ticked.
+  virtual void Remove() = 0;
+  // What the last scan found, as it stands now.
+  virtual ScanSummary Report() = 0;
+  // The pages of the setup wizard, as a modal form.
+  virtual void Wizard() = 0;
+  // Closes the program as its user would, with all questions; returns when it stays open.
+  virtual void Quit() = 0;
+  // Leaves the program without any question, whatever runs. The process ends after it.
+  virtual void End() = 0;
+};
+
+// Makes the program on a host and a machine folder (empty: the usual one). RuntimeError when the
+// machine cannot be opened.
+using MakeProgram =
+    std::function<std::unique_ptr<ConsoleProgram>(Host& host, const std::string& machineFolder)>;
+
+}  // namespace quarnel

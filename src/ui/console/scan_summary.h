@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstddef>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "controls/tree_view.h"
+#include "ui/console/records.h"
+
+namespace quarnel {
+
+struct ScanThreat {
+  std::string name;
+  std::string type;
+  std::string level;
+  std::vector<std::string> traces;   // found
+  std::vector<std::string> ignored;  // found too, but on the safe list
+
+  // A threat all of whose traces are on the safe list is none.
+  bool Counts() const { return !traces.empty() || ignored.empty(); }
+};
+
+// What a scan found, and how it ended.
+struct ScanSummary {
+  std::string status;  // "Scanning completed."
+  std::vector<ScanThreat> threats;
+  std::string error;  // why there was no scan; empty when there was one
+
+  size_t ThreatCount() const;
+  size_t TraceCount() const;
+  size_t IgnoredCount() const;
+};
+
+// The threats of a results tree: roots with type and level in columns 1 and 2, and below each its
+// traces with their prefixes.
+std::vector<ScanThreat> ThreatsOf(const TreeView& results);
+
+// Prints the threats as a table with their traces below, and one line that sums up.
+void PrintSummary(const ScanSummary& summary, std::ostream& out, bool colours);
+
+// The same as records: one for each threat (threat, type, level, traces, ignored), and one with the
+// numbers of threats, traces and ignored traces and the status.
+void WriteSummary(const ScanSummary& summary, RecordWriter& records);
+
+}  // namespace quarnel

@@ -1,0 +1,27 @@
+#include "ui/frm_close.h"
+
+namespace quarnel {
+
+frmClose::frmClose(Services services) : Form(services.host, "frmClose"), s_(services) {
+  cmdYes.Click = [this] { SaveAnswer(Answer::kYes, true); };
+  cmdNo.Click = [this] { SaveAnswer(Answer::kNo, true); };
+  cmdCancel.Click = [this] { SaveAnswer(Answer::kCancel, false); };
+}
+
+void frmClose::Form_Load() {
+  const std::string& name = s_.settings.ApplicationName();
+  SetCaption(name);
+  lblMessage.SetCaption("- Click [Yes] to close the " + name + " application.\r\n\r\n" +
+                        "- Click [No] to minimize the " + name + " application.\r\n\r\n" +
+                        "- Click [Cancel] to cancel this action.");
+}
+
+void frmClose::SaveAnswer(Answer answer, bool withBox) {
+  if (withBox) {
+    s_.settings.Save(setting::kSkipMessages, std::to_string(chkSkipMessages.Value()));
+  }
+  s_.settings.Save(setting::kButton, std::to_string(static_cast<int>(answer)));
+  Close(UnloadMode::kCode);
+}
+
+}  // namespace quarnel

@@ -1,0 +1,409 @@
+#include "ui/frm_main.h"
+
+#include <algorithm>
+
+#include "base/text.h"
+#include "core/paths.h"
+#include "core/product.h"
+#include "platform/shell.h"
+#include "signatures/levels.h"
+#include "signatures/signature_files.h"
+
+namespace quarnel {
+namespace {
+
+// The marks that cmdDone and cmdRemoveSpywares carry while no result waits to be dealt with.
+constexpr std::string_view kDealtWith = "DONE";
+constexpr std::string_view kResultMode = "ResultMode";
+
+}  // namespace
+
+frmMain::frmMain(Services services, FormSlot<frmSplash>& splash, FormSlot<frmClose>& closeForm,
+                 StartOptions startOptions)
+    : Form(services.host, "frmMain"),
+      s_(services),
+      splash_(splash),
+      closeForm_(closeForm),
+      startOptions_(startOptions),
+      safeList_(s_.platform.files(), s_.log),
+      resultsModel_(
+          results,
+          [this](std::string_view name) {
+            return GetThreatLevel(s_.platform.files(), s_.platform.machine(), name);
+          },
+          s_.host, s_.log),
+      fileScan_({.page = scan,
+                 .flags = flags_,
+                 .results = resultsModel_,
+                 .files = s_.platform.files(),
+                 .machine = s_.platform.machine(),
+                 .host = s_.host,
+                 .log = s_.log}),
+      controller_({.page = scan,
+                   .resultsPage = results,
+                   .flags = flags_,
+                   .surroundings = *this,
+                   .results = resultsModel_,
+                   .fileScan = fileScan_,
+                   .settings = s_.settings,
+                   .files = s_.platform.files(),
+                   .machine = s_.platform.machine(),
+                   .host = s_.host,
+                   .log = s_.log}),
+      optionLogic_({.page = options,
+                    .results = results,
+                    .scan = scan,
+                    .settings = s_.settings,
+                    .registry = s_.platform.registry(),
+                    .machine = s_.platform.machine()},
+                   Effects()),
+      summaryLogic_({.page = summary,
+                     .options = options,
+                     .schedule = schedule,
+                     .results = results,
+                     .settings = s_.settings}) {
+  for (size_t i = 0; i < TabStrip::kCount; ++i) {
+    const std::string index = "(" + std::to_string(i) + ")";
+    tabs.imgMainTab[i] = std::make_unique<Image>(*this, "imgMainTab" + index);
+    tabs.imgMainTabC[i] = std::make_unique<Image>(*this, "imgMainTabC" + index);
+    tabs.imgMainTabC[i]->SetVisible(false);
+    tabs.imgMainTab[i]->Click = [this, i] { imgMainTab_Click(static_cast<int>(i)); };
+  }
+  WireScan();
+  WireResults();
+  WireMenu();
+  WireTimers();
+}
+
+void frmMain::WireScan() {
+  scan.ImgStartScanMouseMove.Click = [this] { controller_.ImgStartScanMouseMove_Click(); };
+  scan.ImgStartScanMouseMove.MouseDown = [this] { flags_.scheduledScanRunning = false; };
+  scan.ImgStopScanMouseMove.Click = [this] { controller_.ImgStopScanMouseMove_Click(); };
+  // A user's press takes the mark away, so that the click which follows asks.
+  scan.ImgStopScanMouseMove.MouseDown = [this] { SetTag(""); };
+  results.cmdcancel.MouseDown = [this] { SetTag(""); };
+  results.cmdcancel.Click = [this] { controller_.ImgStopScanMouseMove_Click(); };
+  scan.imgPause.Click = [this] { controller_.imgPause_Click(); };
+}
+
+void frmMain::WireResults() {
+  results.vbatvwResults.NodeCheck = [this](const TreeNodeRef& node) {
+    resultsModel_.vbatvwResults_nodeCheck(node);
+  };
+  results.vbatvwResults.NodeClick = [this](const TreeNodeRef& node) {
+    resultsModel_.vbatvwResults_nodeClick(node);
+  };
+  results.chkSelectAllDetectedSpywares.Click = [this] {
+    resultsModel_.chkSelectAllDetectedSpywares_Click();
+  };
+  results.cmdCheckUncheckAll.Click = [this] { resultsModel_.cmdCheckUncheckAll_Click(); };
+  results.cmdViewResults.Click = [this] {
+    results.picSearchResultsLeftWindow.SetVisible(true);
+    results.picResultsRightWindow.SetVisible(true);
+  };
+  results.cmdViewSpywareDetail.Click = [this] { cmdViewSpywareDetail_Click(); };
+  results.Command1.Click = [this] { Command1_Click(); };
+  results.ImgAddToIgnoredListNormal.Click = [this] { ImgAddToIgnoredListNormal_Click(); };
+  results.imgNext0.Click = [this] { imgNext_Click(0); };
+  results.imgNext1.Click = [this] { imgNext_Click(1); };
+  results.cmdDone.Click = [this] { cmdDone_Click(); };
+}
+
+void frmMain::WireMenu() {
+  menu.mnuFClose.Click = [this] { Close(UnloadMode::kCode); };
+  menu.mnuOConfiguration.Click = [this] { imgMainTab_Click(2); };
+  menu.mnuTDefender.Click = [this] { imgMainTab_Click(1); };
+  menu.mnuTSchedule.Click = [this] { imgMainTab_Click(3); };
+  menu.mnuTLiveUpdate.Click = [this] { imgMainTab_Click(4); };
+}
+
+void frmMain::WireTimers() {
+  timers.tmrAlertEnableDisable.Tick = [this] { optionLogic_.RestoreAlertOption(); };
+}
+
+OptionEffects frmMain::Effects() {
+  return {.refreshSummary = [this] { RefreshSystemSummary(); },
+          .switchMemoryTimer = [this](bool on) { timers.tmrMemoryInspected.SetEnabled(on); },
+          .switchStartupTimer = [this](bool on) { timers.tmrStartup.SetEnabled(on); },
+          .switchUpdateTimer = [this](bool on) { timers.tmrLiveUpadate.SetEnabled(on); },
+          .activeXShieldClicked =
+              [this] {
+                if (SignaturePresent(s_.platform.files(), s_.platform.machine(),
+                                     signature_file::kActiveX)) {
+                  return;
+                }
+                const std::string question =
+                    std::string(signature_file::kActiveX) +
+                    " is missing or it has been corrupted. Would you like to download this "
+                    "signature?";
+                const Answer answer = s_.host.MsgBox({.text = question,
+                                                      .title = s_.settings.ApplicationName(),
+                                                      .icon = MessageIcon::kInformation,
+                                                      .buttons = MessageButtons::kYesNo});
+                if (answer == Answer::kYes) imgMainTab_Click(4);
+              }};
+}
+
+Answer frmMain::Inform(std::string_view text) {
+  return s_.host.MsgBox({.text = std::string(text),
+                         .title = s_.settings.ApplicationName(),
+                         .icon = MessageIcon::kInformation});
+}
+
+bool frmMain::DownloadRuns() const {
+  return !update.cmdDownload.Visible() && update.cmdFTPDownloadCancel.Visible();
+}
+
+void frmMain::MakeTimersEnabledOrDisableAcordingToSetting(bool leaveAlone) {
+  if (leaveAlone) return;
+  if (!bMainWindowShowing_) {
+    timers.tmrMemoryInspected.SetEnabled(options.chkMemorySheild.Checked());
+  }
+  timers.tmrScheduler.SetEnabled(schedule.chkAutomaticScanYesOrNo.Checked());
+  timers.tmrLiveUpadate.SetEnabled(options.chkEnableAutoUpdaterNotifications.Checked());
+  timers.tmrStartup.SetEnabled(options.chkStartupShield.Checked());
+}
+
+void frmMain::ChangePicOnTabClicked(const ShownPages& shown) {
+  tabs.picSpywareAdwareRightWindow.SetVisible(shown.scan);
+  tabs.PicSecondTabConfiguration.SetVisible(shown.configuration);
+  tabs.picHiJackRestore.SetVisible(shown.hijack);
+  tabs.PicFifthTabSchedule.SetVisible(shown.schedule);
+  tabs.PicSixthTabLiveUpdate.SetVisible(shown.liveUpdate);
+  tabs.picBHOLeftView.SetVisible(shown.bho);
+  update.cmdFTPDownloadCancel.SetEnabled(!(update.cmdDownload.Enabled() && shown.liveUpdate));
+  update.cmdFTPDownloadCancel.SetVisible(update.cmdFTPDownloadCancel.Enabled());
+}
+
+bool frmMain::AskToInterruptScan() {
+  if (!ScanRuns(scan)) return true;
+  const Answer answer = s_.host.MsgBox(
+      {.text = "Scanning process is in progress. Clicking [Yes] will interrupt the scanning "
+               "process. Do you want to cancel the scanning?",
+       .title = s_.settings.ApplicationName(),
+       .icon = MessageIcon::kQuestion,
+       .buttons = MessageButtons::kYesNo});
+  if (answer != Answer::kYes) return false;
+  StopScanUnasked();
+  return true;
+}
+
+void frmMain::StopScanUnasked() {
+  SetTag(kDoNotShow);
+  controller_.ImgStopScanMouseMove_Click();
+}
+
+// The question stays unasked on every path of the program, since the stop just before has left the
+// form's mark; the results page closes all the same.
+bool frmMain::AskToCloseResults() {
+  if (!results.cmdDone.Tag().empty() && !results.cmdRemoveSpywares.Tag().empty()) return true;
+  if (Tag() != kDoNotShow &&
+      s_.host.MsgBox({.text = "Scanning process has completed. Clicking [Yes] will close the "
+                              "scanned results. Do you want to proceed?",
+                      .title = s_.settings.ApplicationName(),
+                      .icon = MessageIcon::kQuestion,
+                      .buttons = MessageButtons::kYesNo}) != Answer::kYes) {
+    return false;
+  }
+  results.picSearchResultsLeftWindow.SetVisible(false);
+  results.picResultsRightWindow.SetVisible(true);
+  results.imgNext1.SetVisible(false);
+  StopScanUnasked();
+  return true;
+}
+
+void frmMain::imgMainTab_Click(int index) {
+  Reporting(s_.log, "imgMainTab_Click in frmMain", [&] {
+    if (!AskToInterruptScan()) return Form_Activate();
+    results.imgNext1.SetVisible(false);
+    StopScanUnasked();
+    if (!AskToCloseResults()) return Form_Activate();
+    SelectTab(index);
+  });
+}
+
+void frmMain::MarkTab(int index) {
+  mCurrentTab_ = index;
+  for (size_t i = 0; i < TabStrip::kCount; ++i) {
+    const bool selected = static_cast<int>(i) == index;
+    tabs.imgMainTabC[i]->SetVisible(selected);
+    tabs.imgMainTab[i]->SetVisible(!selected);
+  }
+  tabs.picSpywareAdwareLeftWindow.SetVisible(index == 0);
+  tabs.picNewsAndReport.SetVisible(index == 6);
+}
+
+void frmMain::SelectTab(int index) {
+  MarkTab(index);
+  switch (index) {
+    case 0:
+      ChangePicOnTabClicked({.scan = true});
+      if (results.imgNext0.Tag() == kResultMode) {
+        results.picResultsRightWindow.SetVisible(false);
+        results.cmdRemoveSpywares.SetVisible(true);
+        results.imgNext0.SetEnabled(false);
+        results.imgNext1.SetVisible(false);
+        for (Control* control : std::initializer_list<Control*>{
+                 &results.cmdCheckUncheckAll, &results.ImgAddToIgnoredListNormal}) {
+          control->SetVisible(true);
+          control->SetEnabled(true);
+        }
+      }
+      break;
+    case 1:
+      cmdDone_Click();
+      ChangePicOnTabClicked({.hijack = true});
+      break;
+    case 2:
+      ChangePicOnTabClicked({.configuration = true});
+      break;
+    case 3:
+      ChangePicOnTabClicked({.schedule = true});
+      break;
+    case 4:
+      ChangePicOnTabClicked({.liveUpdate = true});
+      break;
+    case 5:
+      ChangePicOnTabClicked({.bho = true});
+      break;
+    case 6:
+      ChangePicOnTabClicked({});
+      break;
+    default:
+      break;
+  }
+}
+
+void frmMain::SelectScanTab() {
+  MarkTab(0);
+  ChangePicOnTabClicked({.scan = true});
+}
+
+void frmMain::SwitchSummary(bool show) {
+  summary.picSummary.SetVisible(show);
+  summary.picSummaryBase.SetVisible(show);
+  scan.picResultSummary.SetVisible(!show);
+}
+
+void frmMain::imgNext_Click(int index) {
+  Reporting(s_.log, "imgNext_Click in frmMain", [&] {
+    results.txtSpywareDescription.SetText("");
+    const bool visible = results.txtSpywareDescription.Visible();
+    for (Control* control : std::initializer_list<Control*>{
+             &results.cmdRemoveSpywares, &results.cmdCheckUncheckAll, &results.chkCreateRestore}) {
+      control->SetVisible(visible);
+    }
+    scan.picScanningProcessRightWindow.SetVisible(false);
+    results.cmdcancel.SetVisible(false);
+    results.imgNext0.SetTag(kResultMode);
+    results.picResultsRightWindow.SetVisible(false);
+    results.sfttvwResults.SetVisible(false);
+    results.imgNext0.SetVisible(false);
+    results.imgNext1.SetVisible(false);
+    results.ImgAddToIgnoredListNormal.SetVisible(true);
+    results.cmdDone.SetTag("");
+    results.cmdRemoveSpywares.SetTag("");
+    results.chkSelectAllDetectedSpywares.SetValue(1);
+    if (index == 0) {
+      results.picSearchResultsLeftWindow.SetVisible(true);
+      results.cmdViewResults.ClickByUser();
+    }
+    if (results.vbatvwResults.Count() > 0) {
+      results.vbatvwResults.Select(results.vbatvwResults.At(1));
+    }
+    Form_Resize();
+    Refresh();
+  });
+}
+
+void frmMain::cmdDone_Click() {
+  Reporting(s_.log, "cmdDone_Click in frmMain", [&] {
+    results.cmdDone.SetTag(kDealtWith);
+    results.cmdRemoveSpywares.SetTag(kDealtWith);
+    if (options.chkMemorySheild.Checked()) timers.tmrMemoryInspected.SetEnabled(true);
+    results.imgNext0.SetTag("");
+    scan.picScanningProcessRightWindow.SetVisible(true);
+    results.picResultsRightWindow.SetVisible(true);
+    Form_Resize();
+  });
+}
+
+void frmMain::cmdViewSpywareDetail_Click() {
+  Reporting(s_.log, "cmdViewSpywareDetail_Click in frmMain", [&] {
+    const ListView& threats = results.lvwPicRemoveListOfSpywareFoundAndToBeRemoved;
+    if (threats.Empty()) {
+      Inform("There is no Spyware/Adware in the results list.");
+      return;
+    }
+    const auto row = threats.SelectedRow();
+    if (!row) return;
+    OpenInBrowser(s_.platform.shell(), s_.platform.machine(), s_.platform.files(), host(),
+                  std::string(kMakerPages) + "productlist.php?id=" + threats.At(*row).tag, "htm",
+                  s_.settings.ApplicationName());
+  });
+}
+
+void frmMain::Command1_Click() {
+  Reporting(s_.log, "Command1_Click in frmMain", [&] {
+    host().SetClipboardText(resultsModel_.ResultsText());
+    s_.host.MsgBox({.text = "Copied to Clipboard", .title = s_.settings.ApplicationName()});
+  });
+}
+
+void frmMain::ImgAddToIgnoredListNormal_Click() {
+  const bool moved = safeList_.AddTickedTraces(SafeListPath(s_.platform.machine()), results);
+  Inform(moved ? "Added selected spyware successfully to [Ignored Spyware] List."
+               : "Select the item from the [Spyware Results] list to move to [Ignored Spyware] "
+                 "list.");
+}
+
+void frmMain::Minimise() {
+  if (StateOfWindow() == WindowState::kMinimised) return;
+  lblAllowBHO.SetTag(std::to_string(static_cast<int>(StateOfWindow())));
+  SetWindowState(WindowState::kMinimised);
+}
+
+void frmMain::Form_Resize() {
+  if (StateOfWindow() == WindowState::kMinimised) {
+    bMainWindowShowing_ = false;
+  } else if (StateOfWindow() == WindowState::kNormal) {
+    SetShowInTaskbar(true);
+    bMainWindowShowing_ = true;
+    Form_Activate();
+  }
+}
+
+void frmMain::Form_QueryUnload(bool& cancel, UnloadMode mode) {
+  if (mode == UnloadMode::kSessionEnd) return;
+  Reporting(s_.log, "ImgCloseApplication_Click in frmMain", [&] {
+    cancel = true;
+    if (Val(s_.settings.Get(setting::kSkipMessages)) == 0) {
+      closeForm_.Touch().ShowModal();
+      optionLogic_.SynchroniseCloseOptions();
+    }
+    const auto answer = static_cast<Answer>(ValLong(s_.settings.GetOther(setting::kButton)));
+    if (answer == Answer::kNo) {
+      Minimise();
+      Hide();
+    } else if (answer == Answer::kCancel) {
+      return;
+    } else if (ScanRuns(scan)) {
+      Inform("Scanning is in progress...! Please stop the scan first.");
+    } else if (DownloadRuns()) {
+      Inform(s_.settings.ApplicationName() +
+             " is downloading latest signature. However if you wish to close the application, "
+             "please click on Cancel to stop downloading.");
+    } else {
+      s_.host.EndProcess();
+    }
+  });
+}
+
+void frmMain::Form_Unload() {
+  IgnoringErrors([&] {
+    const std::string declined = SignaturePath(s_.platform.machine(), signature_file::kDeclined);
+    if (FileExists(s_.platform.files(), declined)) s_.platform.files().Delete(declined);
+  });
+}
+
+}  // namespace quarnel

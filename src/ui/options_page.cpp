@@ -1,0 +1,214 @@
+#include "ui/options_page.h"
+
+#include "base/date_time.h"
+#include "base/text.h"
+#include "core/paths.h"
+#include "scan/hard_drives.h"
+
+namespace quarnel {
+namespace {
+
+constexpr std::string_view kRunKey = "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Run";
+
+std::string CheckText(const CheckBox& box) { return std::to_string(box.Value()); }
+
+std::string_view YesNo(bool yes) { return yes ? "Yes" : "No"; }
+
+}  // namespace
+
+Options::Options(const Uses& uses, OptionEffects effects) : u_(uses), effects_(std::move(effects)) {
+  std::vector<std::string> hours;
+  for (int hour = 1; hour <= 23; ++hour) hours.push_back(std::to_string(hour));
+  u_.page.cmbHours.SetItems(std::move(hours));
+  WireScanOptions();
+  WireShields();
+  WireStartAndUpdate();
+  WireClosing();
+}
+
+void Options::WireScanOptions() {
+  const auto savesState = [this](CheckBox& box, const SettingKey& setting) {
+    box.Click = [this, &box, &setting] { u_.settings.Save(setting, CheckText(box)); };
+  };
+  savesState(u_.page.chkScanRegitry, setting::kScanRegistry);
+  savesState(u_.page.chkScanMemory, setting::kSweepMemory);
+  savesState(u_.page.chkScanCookies, setting::kScanCookies);
+  savesState(u_.page.chkDeepScan, setting::kDeepScan);
+  savesState(u_.page.chkDisplayHijakRestoreAlerts, setting::kDisplayHijakRestoreAlerts);
+  savesState(u_.page.chkReportLorrimesh, setting::kReportLorrimesh);
+  const auto savesYesNo = [this](CheckBox& box, const SettingKey& setting) {
+    box.Click = [this, &box, &setting] { u_.settings.Save(setting, YesNo(box.Checked())); };
+  };
+  savesYesNo(u_.results.chkCreateRestore, setting::kRestorePoint);
+  savesYesNo(u_.results.chkDoNotShowIgnoredItem, setting::kDoNotShowIgnoredItem);
+  u_.scan.lvwHardDrives.ItemCheck = [this](size_t) {
+    lvwHardDrives_ItemCheck(u_.scan, u_.settings);
+  };
+}
+
+void Options::WireShields() {
+  OptionsPage& page = u_.page;
+  page.chkMemorySheild.Click = [this] {
+    u_.settings.Save(setting::kMemorySheildOn, CheckText(u_.page.chkMemorySheild));
+    effects_.switchMemoryTimer(u_.page.chkMemorySheild.Checked());
+    effects_.refreshSummary();
+  };
+  page.chkStartupShield.Click = [this] {
+    u_.settings.Save(setting::kStartupShield, CheckText(u_.page.chkStartupShield));
+    effects_.switchStartupTimer(u_.page.chkStartupShield.Checked());
+  };
+  page.chkSelfDownloadingActivex.Click = [this] {
+    if (loading_) return;
+    u_.settings.Save(setting::kSheild, CheckText(u_.page.chkSelfDownloadingActivex));
+    effects_.activeXShieldClicked();
+    effects_.refreshSummary();
+  };
+  page.chkAlertsBlocksSpywareAdware.Click = [this] {
+    rememberedAlert_ = u_.page.chkAlertsBlocksSpywareAdware.Value();
+    effects_.refreshSummary();
+  };
+}
+
+void Options::WireStartAndUpdate() {
+  OptionsPage& page = u_.page;
+  page.chkRunAtStartup.Click = [this] {
+    const bool on = u_.page.chkRunAtStartup.Checked();
+    u_.settings.Save(setting::kRunAtStartup, CheckText(u_.page.chkRunAtStartup));
+    WriteRunValue(on);
+    u_.page.chkMinimizeToTrayWindowAtStartup.SetEnabled(on);
+  };
+  page.chkMinimizeToTrayWindowAtStartup.Click = [this] {
+    u_.settings.Save(setting::kMinimizeAtStartup,
+                     CheckText(u_.page.chkMinimizeToTrayWindowAtStartup));
+  };
+  page.chkEnableAutoUpdaterNotifications.Click = [this] {
+    const bool on = u_.page.chkEnableAutoUpdaterNotifications.Checked();
+    u_.settings.Save(setting::kNotification, YesNo(on));
+    effects_.switchUpdateTimer(on);
+    effects_.refreshSummary();
+  };
+  page.cmbHours.Click = [this] {
+    u_.settings.Save(setting::kAfterHours, std::to_string(u_.page.cmbHours.ListIndex()));
+  };
+}
+
+void Options::WireClosing() {
+  OptionsPage& page = u_.page;
+  page.optOnClose0.Click = [this] { u_.settings.Save(setting::kOnClose, "Minimize"); };
+  page.optOnClose1.Click = [this] { u_.settings.Save(setting::kOnClose, "Exit"); };
+
+  const auto closesBy = [this](OptionButton& option, Answer answer, std::string_view skip) {
+    option.Click = [this, answer, skip] {
+      u_.settings.Save(setting::kButton, std::to_string(static_cast<int>(answer)));
+      u_.settings.Save(setting::kSkipMessages, skip);
+    };
+  };
+  closesBy(page.optCloseOptions0, Answer::kYes, "1");
+  closesBy(page.optCloseOptions1, Answer::kNo, "1");
+  closesBy(page.optCloseOptions2, Answer::kCancel, "0");
+
+  const auto saveAllThree = [this] {
+    const OptionsPage& p = u_.page;
+    u_.settings.Save(setting::kShowAlways, BooleanText(p.optShowAlways.Value()));
+    u_.settings.Save(setting::kCloseAllIE,
+                     BooleanText(p.optCloseAllIEAndDonotShowIfFuture.Value()));
+    u_.settings.Save(setting::kSkipClosing, BooleanText(p.optSkipClosingAndDonotShow.Value()));
+  };
+  page.optShowAlways.Click = saveAllThree;
+  page.optCloseAllIEAndDonotShowIfFuture.Click = saveAllThree;
+  page.optSkipClosingAndDonotShow.Click = saveAllThree;
+}
+
+void Options::WriteRunValue(bool on) {
+  const std::string name = u_.machine.ExecutableName();
+  if (on) {
+    RegCreateKeyValue(u_.registry, hive::kLocalMachine, kRunKey, name,
+                      GetPathWithSlash(u_.machine.ProgramFolder()) + name + ".exe");
+  } else {
+    DeleteValue(u_.registry, hive::kLocalMachine, kRunKey, name);
+  }
+}
+
+void Options::Load() {
+  OptionsPage& page = u_.page;
+  const auto loadState = [this](CheckBox& box, const SettingKey& setting) {
+    box.SetValue(ValLong(u_.settings.Get(setting)));
+  };
+  loadState(page.chkScanRegitry, setting::kScanRegistry);
+  loadState(page.chkScanMemory, setting::kSweepMemory);
+  loadState(page.chkScanCookies, setting::kScanCookies);
+  loadState(page.chkDeepScan, setting::kDeepScan);
+  loadState(page.chkStartupShield, setting::kStartupShield);
+  loadState(page.chkDisplayHijakRestoreAlerts, setting::kDisplayHijakRestoreAlerts);
+  loadState(page.chkMemorySheild, setting::kMemorySheildOn);
+  loading_ = true;
+  loadState(page.chkSelfDownloadingActivex, setting::kSheild);
+  loading_ = false;
+  // The one check state that is converted straight: text that is no number is an error.
+  page.chkReportLorrimesh.SetValue(
+      ToInteger(std::string_view(u_.settings.Get(setting::kReportLorrimesh))));
+  loadState(page.chkRunAtStartup, setting::kRunAtStartup);
+  loadState(page.chkMinimizeToTrayWindowAtStartup, setting::kMinimizeAtStartup);
+  page.chkMinimizeToTrayWindowAtStartup.SetEnabled(page.chkRunAtStartup.Checked());
+
+  u_.results.chkCreateRestore.SetValue(u_.settings.Get(setting::kRestorePoint) == "Yes" ? 1 : 0);
+  u_.results.chkDoNotShowIgnoredItem.SetValue(
+      u_.settings.Get(setting::kDoNotShowIgnoredItem) == "Yes" ? 1 : 0);
+
+  page.onClose.Choose(u_.settings.Get(setting::kOnClose) == "Exit" ? 1 : 0);
+  SynchroniseCloseOptions();
+  const std::initializer_list<const SettingKey*> browserChoices = {
+      &setting::kShowAlways, &setting::kCloseAllIE, &setting::kSkipClosing};
+  int chosen = 0;
+  for (const SettingKey* choice : browserChoices) {
+    if (ToBoolean(u_.settings.Get(*choice))) page.closeBrowser.Choose(chosen);
+    ++chosen;
+  }
+  LoadDriveTicks(u_.scan, u_.settings);
+  LoadLastUpdateLabel();
+}
+
+void Options::LoadLastUpdateLabel() {
+  const std::string stored = u_.settings.Get(setting::kProgramUpdated);
+  Label& label = u_.page.lblLastUpdateDefinationDate;
+  // A date text that begins with no digit reads as never updated.
+  if (Val(stored) == 0) {
+    label.SetCaption(setting::kProgramUpdated.fallback);
+    return;
+  }
+  if (const auto moment = ParseDate(stored)) {
+    label.SetCaption(FormatDate(*moment, "mmm dd, yyyy at hh:nn:ss AMPM"));
+  }
+}
+
+void Options::LoadUpdateOptions() {
+  OptionsPage& page = u_.page;
+  page.cmbHours.SetListIndex(ValLong(u_.settings.Get(setting::kAfterHours)));
+  const bool on = u_.settings.Get(setting::kNotification) == "Yes";
+  page.chkEnableAutoUpdaterNotifications.SetValue(on ? 1 : 0);
+  effects_.switchUpdateTimer(on);
+}
+
+void Options::SynchroniseCloseOptions() {
+  OptionGroup& group = u_.page.closeOptions;
+  switch (static_cast<Answer>(ValLong(u_.settings.Get(setting::kButton)))) {
+    case Answer::kYes:
+      group.Choose(0);
+      break;
+    case Answer::kNo:
+      group.Choose(1);
+      break;
+    case Answer::kCancel:
+      group.Choose(2);
+      break;
+    default:
+      break;
+  }
+  if (Val(u_.settings.Get(setting::kSkipMessages)) == 0) group.Choose(2);
+}
+
+void Options::RestoreAlertOption() {
+  u_.page.chkAlertsBlocksSpywareAdware.SetValue(rememberedAlert_);
+}
+
+}  // namespace quarnel

@@ -1,0 +1,148 @@
+#include "ui/summary_page.h"
+
+#include "base/runtime_error.h"
+#include "base/text.h"
+#include "core/startup.h"
+
+namespace quarnel {
+namespace {
+
+enum Row : size_t { kLastScan, kLastResults, kSchedule, kProtection, kDefinitions, kUpdater };
+
+constexpr std::array<std::string_view, 6> kRowNames = {
+    "Last Spyware Scan",    "Last Spyware Scan Results",       "Spyware Scan Schedule",
+    "Real-time Protection", "Last Spyware Definitions Update", "Auto-Updater Notification"};
+
+std::string Indexed(std::string_view name, size_t index) {
+  return std::string(name) + "(" + std::to_string(index) + ")";
+}
+
+}  // namespace
+
+SummaryRow::SummaryRow(Form& form, size_t index)
+    : lblSystemSummaryLabel(form, Indexed("lblSystemSummaryLabel", index)),
+      lblSystemSummaryValue(form, Indexed("lblSystemSummaryValue", index)),
+      imgSystemSummaryBigSmallBlue(form, Indexed("imgSystemSummaryBigSmallBlue", index)),
+      imgSystemSummaryBigSmallRed(form, Indexed("imgSystemSummaryBigSmallRed", index)) {}
+
+void Summary::RefreshSystemSummary() {
+  u_.page.lblSignatureVersion.SetCaption("Signature version: " + SignatureVersion(u_.settings));
+  u_.page.lblApplicationVersion.SetCaption("Application version: " + RunningVersion(u_.settings));
+  Reset();
+  const std::string start = u_.settings.Get(setting::kScanStart);
+  ShowLastScan(start);
+  ShowLastResults(start != setting::kScanStart.fallback);
+  ShowSchedule();
+  ShowProtection();
+  ShowDefinitions();
+  ShowUpdater();
+}
+
+void Summary::Reset() {
+  for (size_t i = 0; i < kRowNames.size(); ++i) {
+    u_.page.rows[i].lblSystemSummaryLabel.SetCaption(kRowNames[i]);
+    ShowGood(i, "");
+  }
+  u_.page.lblSummaryTitle.SetCaption("Your computer is free of known spyware.");
+  u_.page.lblSummaryTitle.SetForeColour(Colour::kHighlight);
+  u_.page.imgSystemSummaryBigLogoRed.SetVisible(false);
+  u_.page.imgSystemSummaryBigLogoBlue.SetVisible(true);
+}
+
+void Summary::ShowGood(size_t row, std::string_view value) {
+  SummaryRow& line = u_.page.rows[row];
+  line.lblSystemSummaryValue.SetCaption(value);
+  line.lblSystemSummaryValue.SetForeColour(Colour::kBlack);
+  line.imgSystemSummaryBigSmallRed.SetVisible(false);
+  line.imgSystemSummaryBigSmallBlue.SetVisible(true);
+}
+
+void Summary::ShowBad(size_t row, std::string_view value) {
+  SummaryRow& line = u_.page.rows[row];
+  line.lblSystemSummaryValue.SetCaption(value);
+  line.lblSystemSummaryValue.SetForeColour(Colour::kRed);
+  line.imgSystemSummaryBigSmallBlue.SetVisible(false);
+  line.imgSystemSummaryBigSmallRed.SetVisible(true);
+  u_.page.imgSystemSummaryBigLogoBlue.SetVisible(false);
+  u_.page.imgSystemSummaryBigLogoRed.SetVisible(true);
+}
+
+void Summary::RequireAttention() {
+  u_.page.lblSummaryTitle.SetCaption("The item(s) marked in red require your attention.");
+  u_.page.lblSummaryTitle.SetForeColour(Colour::kRed);
+}
+
+void Summary::ShowLastScan(const std::string& start) {
+  if (start == setting::kScanStart.fallback) {
+    ShowBad(kLastScan, start);
+    u_.page.lblSummaryTitle.SetForeColour(Colour::kRed);
+    return;
+  }
+  const auto moment = ParseDate(start);
+  if (!moment) throw RuntimeError(ErrorNumber::kTypeMismatch);
+  ShowGood(kLastScan, FormatDate(*moment, "mmm dd, yyyy at h:nn:ss AMPM"));
+}
+
+void Summary::ShowLastResults(bool scanned) {
+  const size_t count = u_.results.lvwRegistryEntriesFound.Count() +
+                       u_.results.lvwTrackingCookieObjectrecognized.Count() +
+                       u_.results.lvwFilesToBeDeleted.Count();
+  if (count == 0 && scanned) return ShowGood(kLastResults, "No threats detected");
+  ShowBad(kLastResults, count > 0 ? std::to_string(count) + " threats detected" : "N/A");
+  RequireAttention();
+}
+
+std::string Summary::ScheduleText() const {
+  const SchedulePage& schedule = u_.schedule;
+  std::string text;
+  if (schedule.dtpScheduleDate.Value() && schedule.dtpScheduleDate.Enabled()) {
+    text += FormatDate(*schedule.dtpScheduleDate.Value(), "mmm dd, yyyy") + " ";
+  }
+  if (schedule.dtpScheduleTime.Value() && schedule.dtpScheduleTime.Enabled()) {
+    text += text.empty() ? "At " : "at ";
+    text += FormatDate(*schedule.dtpScheduleTime.Value(), "hh:nn:ss AMPM") + " ";
+  }
+  const std::string day = schedule.cmbDays.Text();
+  if (day == "Date & Time") return text;
+  return text + (day == "Daily" ? day : "Every " + day);
+}
+
+void Summary::ShowSchedule() {
+  if (u_.schedule.chkAutomaticScanYesOrNo.Checked()) return ShowGood(kSchedule, ScheduleText());
+  ShowBad(kSchedule, "In-active");
+  RequireAttention();
+}
+
+// Each shield that is on raises the number, and brings its own denominator: four in a row read
+// "4 of 4", the first three "3 of 3". Icon and picture stay out of it.
+void Summary::ShowProtection() {
+  Label& value = u_.page.rows[kProtection].lblSystemSummaryValue;
+  value.SetCaption("0 of 4");
+  value.SetForeColour(Colour::kRed);
+  const auto count = [&](const CheckBox& shield, std::string_view denominator) {
+    if (!shield.Checked()) return;
+    value.SetCaption(std::to_string(ValLong(value.Caption()) + 1) + std::string(denominator));
+    value.SetForeColour(Colour::kBlack);
+  };
+  count(u_.options.chkDisplayHijakRestoreAlerts, " of 3");
+  count(u_.options.chkSelfDownloadingActivex, " of 3");
+  count(u_.options.chkMemorySheild, " of 3");
+  count(u_.options.chkStartupShield, " of 4");
+}
+
+void Summary::ShowDefinitions() {
+  const std::string& updated = u_.options.lblLastUpdateDefinationDate.Caption();
+  if (updated == setting::kProgramUpdated.fallback) {
+    ShowBad(kDefinitions, updated);
+  } else {
+    ShowGood(kDefinitions, updated);
+  }
+}
+
+void Summary::ShowUpdater() {
+  if (u_.settings.Get(setting::kNotification) == "Yes") return ShowGood(kUpdater, "Active");
+  ShowBad(kUpdater, "In-active");
+  RequireAttention();
+}
+
+}  // namespace quarnel
