@@ -4,38 +4,18 @@
 #include <string>
 #include <string_view>
 
+#include "core/setting_keys.h"
 #include "platform/registry.h"
 
 namespace quarnel {
 
-// In which text form a setting holds its value. The four forms of truth are not interchangeable.
-enum class SettingForm {
-  kCheckState,      // "0" or "1", read through Val
-  kYesNo,           // "Yes" or "No"
-  kTrueFalse,       // "True" or "False"
-  kUpperTrueFalse,  // "TRUE" or "FALSE"
-  kNumber,
-  kText,
-  kDateTime,
-};
-
-// One line of the table of settings.
-struct SettingKey {
-  std::string_view section;
-  std::string_view key;
-  SettingForm form;
-  std::string_view fallback;  // what the reader passes when the key is absent
-  // A second reader's fallback where readers disagree on purpose; empty when they agree.
-  std::string_view otherFallback = {};
-};
-
-// All settings with their sections, keys, forms and defaults: `setting::kScanRegistry` and so on
-// are members of this table.
+// All settings with their sections, keys, forms and fallbacks.
 std::span<const SettingKey> AllSettings();
 
 // The two-level store of named text values, under the registry key
 // "Software\VB and VBA Program Settings\" & application name below HKEY_CURRENT_USER.
-// Every read goes to the store; absence is never an error.
+// Every read goes to the store; absence is never an error, and a value of another type than text
+// counts as absent.
 class Settings {
  public:
   Settings(Registry& registry, std::string applicationName);
@@ -47,7 +27,8 @@ class Settings {
 
   // The same by a line of the table.
   std::string Get(const SettingKey& setting) const;
-  std::string GetOther(const SettingKey& setting) const;  // with the second fallback
+  std::string GetOther(const SettingKey& setting) const;      // with the second fallback
+  std::string GetForToggle(const SettingKey& setting) const;  // with the third
   void Save(const SettingKey& setting, std::string_view value);
 
   // Empties the store when an installer asked for it by writing any text to
@@ -61,6 +42,7 @@ class Settings {
 
   Registry& registry_;
   std::string applicationName_;
+  std::string root_;  // the application's key
 };
 
 }  // namespace quarnel
