@@ -1,0 +1,34 @@
+#include "core/error_log.h"
+
+#include "base/date_time.h"
+#include "core/paths.h"
+
+namespace quarnel {
+
+ErrorLog::ErrorLog(Files& files, Machine& machine, Clock& clock, std::string applicationName)
+    : files_(files),
+      machine_(machine),
+      clock_(clock),
+      applicationName_(std::move(applicationName)) {}
+
+std::string ErrorLog::Path() const {
+  return DataFolder(machine_) + applicationName_ + "_ErrLogFile.txt";
+}
+
+void ErrorLog::WriteErrorLog(std::string_view label, const RuntimeError& error) {
+  const DateTime now = clock_.Now();
+  std::string entry = "Error Number :  ";
+  entry += std::to_string(static_cast<int>(error.Number()));
+  entry += "\r\nError Description :  ";
+  entry += error.Description();
+  entry += "\r\n";
+  entry += DateText(now);
+  entry += TimeText(now);
+  entry += label;
+  entry += "\r\n";
+  entry.append(33, '-');
+  entry += "\r\n";
+  AppendToFile(files_, Path(), entry);
+}
+
+}  // namespace quarnel

@@ -1,0 +1,47 @@
+#include "core/startup.h"
+
+#include <array>
+
+#include "base/runtime_error.h"
+#include "core/paths.h"
+#include "core/product.h"
+
+namespace quarnel {
+
+std::string RunningVersion(const Settings& settings) {
+  constexpr SettingKey kKey = setting::kApplicationVersion;
+  return settings.GetSetting(kKey.section, kKey.key, VersionRecordText());
+}
+
+std::string SignatureVersion(const Settings& settings) {
+  constexpr SettingKey kKey = setting::kSignatureVersion;
+  return settings.GetSetting(kKey.section, kKey.key, VersionRecordText());
+}
+
+std::string MainCaption(const Settings& settings) {
+  return settings.ApplicationName() + " v" + RunningVersion(settings);
+}
+
+std::string WizardCaption(const Settings& settings) {
+  return "Getting Started with " + settings.ApplicationName();
+}
+
+bool IsPrevInstanceRunning(Desktop& desktop, const Settings& settings) {
+  for (const std::string& caption : std::array{WizardCaption(settings), MainCaption(settings)}) {
+    if (const auto window = desktop.FindWindow(kWindowClass, caption)) {
+      desktop.BringForward(*window);
+      return true;
+    }
+  }
+  return false;
+}
+
+void DeleteOldExe(Files& files, Machine& machine) {
+  const std::string path =
+      GetPathWithSlash(machine.ProgramFolder()) + "Old" + machine.ExecutableName() + ".exe";
+  IgnoringErrors([&] {
+    if (FileExists(files, path)) files.Delete(path);
+  });
+}
+
+}  // namespace quarnel
