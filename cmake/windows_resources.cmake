@@ -1,0 +1,67 @@
+# What a Windows program carries beside its code.
+
+# Sets in the caller's scope RC_PRODUCT, RC_COMPANY, RC_VERSION_COMMAS and RC_VERSION from the
+# program's own record of these facts.
+function(quarnel_read_product)
+  set(header ${CMAKE_CURRENT_FUNCTION_LIST_DIR}/../src/core/product.h)
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${header})
+  file(READ ${header} text)
+  foreach(fact "PRODUCT;kProductName = \"([^\"]+)\"" "COMPANY;kCompanyName = \"([^\"]+)\""
+               "VERSION_COMMAS;kFileVersion = {([0-9, ]+)}")
+    list(GET fact 0 name)
+    list(GET fact 1 pattern)
+    if(NOT text MATCHES "${pattern}")
+      message(FATAL_ERROR "${header}: nothing matches ${pattern}")
+    endif()
+    set(RC_${name} "${CMAKE_MATCH_1}")
+    set(RC_${name} "${CMAKE_MATCH_1}" PARENT_SCOPE)
+  endforeach()
+  string(REPLACE ", " "." RC_VERSION "${RC_VERSION_COMMAS}")
+  set(RC_VERSION ${RC_VERSION} PARENT_SCOPE)
+endfunction()
+
+# Gives a target its version record and, for a program, manifest and icon, and makes it start on
+# Windows XP (see windows_xp_imports.c). Does nothing in builds for other systems.
+#   quarnel_windows_resources(TARGET DESCRIPTION "..." [ICON file.ico])
+function(quarnel_windows_resources target)
+  if(NOT WIN32)
+    return()
+  endif()
+  cmake_parse_arguments(ARG "" "DESCRIPTION;ICON" "" ${ARGN})
+  quarnel_read_product()
+  set(RC_DESCRIPTION "${ARG_DESCRIPTION}")
+  get_target_property(RC_NAME ${target} OUTPUT_NAME)
+  if(NOT RC_NAME)
+    set(RC_NAME ${target})
+  endif()
+
+  set(folder ${CMAKE_CURRENT_BINARY_DIR}/${target}_resources)
+  set(RC_MANIFEST_LINE "")
+  set(RC_ICON_LINE "")
+  get_target_property(type ${target} TYPE)
+  if(type STREQUAL "EXECUTABLE")
+    set(RC_FILE_NAME ${RC_NAME}.exe)
+    set(RC_FILE_TYPE VFT_APP)
+    set(manifest ${folder}/${RC_NAME}.manifest)
+    set(RC_MANIFEST_LINE "CREATEPROCESS_MANIFEST_RESOURCE_ID RT_MANIFEST \"${manifest}\"")
+    set(RC_ARCHITECTURE amd64)
+    if(CMAKE_SYSTEM_PROCESSOR STREQUAL "i686")
+      set(RC_ARCHITECTURE x86)
+    endif()
+    configure_file(${CMAKE_CURRENT_FUNCTION_LIST_DIR}/quarnel.manifest.in ${manifest} @ONLY)
+    set_property(SOURCE ${folder}/version.rc APPEND PROPERTY OBJECT_DEPENDS ${manifest})
+  else()
+    set(RC_FILE_NAME ${RC_NAME}.dll)
+    set(RC_FILE_TYPE VFT_DLL)
+  endif()
+  if(ARG_ICON)
+    get_filename_component(icon ${ARG_ICON} ABSOLUTE)
+    # The shell shows a program's first icon in the order of names.
+    set(RC_ICON_LINE "AAAA ICON \"${icon}\"")
+    set_property(SOURCE ${folder}/version.rc APPEND PROPERTY OBJECT_DEPENDS ${icon})
+  endif()
+  configure_file(${CMAKE_CURRENT_FUNCTION_LIST_DIR}/version.rc.in ${folder}/version.rc @ONLY)
+
+  target_sources(${target} PRIVATE ${folder}/version.rc
+                                   ${CMAKE_CURRENT_FUNCTION_LIST_DIR}/windows_xp_imports.c)
+endfunction()
