@@ -5,18 +5,15 @@
 
 namespace quarnel {
 
-ErrorLog::ErrorLog(Files& files, Machine& machine, Clock& clock, std::string applicationName)
-    : files_(files),
-      machine_(machine),
-      clock_(clock),
-      applicationName_(std::move(applicationName)) {}
+ErrorLog::ErrorLog(Files& files, Machine& machine, const Host& host, std::string applicationName)
+    : files_(files), machine_(machine), host_(host), applicationName_(std::move(applicationName)) {}
 
 std::string ErrorLog::Path() const {
   return DataFolder(machine_) + applicationName_ + "_ErrLogFile.txt";
 }
 
 void ErrorLog::WriteErrorLog(std::string_view label, const RuntimeError& error) {
-  const DateTime now = clock_.Now();
+  const DateTime now = host_.clock().Now();
   std::string entry = "Error Number :  ";
   entry += std::to_string(static_cast<int>(error.Number()));
   entry += "\r\nError Description :  ";

@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "base/runtime_error.h"
-#include "controls/clock.h"
+#include "controls/host.h"
 #include "platform/files.h"
 #include "platform/machine.h"
 
@@ -14,7 +14,7 @@ namespace quarnel {
 // The one error log: a text file in the Windows system folder that is only ever appended to.
 class ErrorLog {
  public:
-  ErrorLog(Files& files, Machine& machine, Clock& clock, std::string applicationName);
+  ErrorLog(Files& files, Machine& machine, const Host& host, std::string applicationName);
 
   // Appends one entry for `error` under the procedure's label. A failure of the write itself goes
   // up to the caller.
@@ -25,7 +25,7 @@ class ErrorLog {
  private:
   Files& files_;
   Machine& machine_;
-  Clock& clock_;
+  const Host& host_;
   std::string applicationName_;
 };
 

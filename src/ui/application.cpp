@@ -9,7 +9,7 @@ Application::Application(Platform& platform, Host& host, StartOptions options)
     : platform_(platform),
       host_(host),
       settings_(platform.registry(), std::string(kProductName)),
-      log_(platform.files(), platform.machine(), host.clock(), std::string(kProductName)),
+      log_(platform.files(), platform.machine(), host, std::string(kProductName)),
       splash_([this] {
         return std::make_unique<frmSplash>(Services{platform_, host_, settings_, log_});
       }),
