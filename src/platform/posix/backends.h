@@ -10,6 +10,10 @@
 // what they refer to for as long as the backends live.
 namespace quarnel {
 
+// Read-only is a missing owner's right to write. Hidden, system, archive and temporary stand in an
+// extended attribute, and are not kept by a file system without those. A name that begins with "."
+// is not hidden for that. What changes something never leaves the machine's drives, wherever links
+// lead; pipes and devices are shown and deleted, but not opened.
 std::unique_ptr<Files> MakeFiles(PathMap& paths);
 std::unique_ptr<Registry> MakeRegistry(const MachineFolder& folder);
 std::unique_ptr<Machine> MakeMachine(const MachineFolder& folder, PathMap& paths);

@@ -2,7 +2,6 @@
 
 #include <sys/stat.h>
 
-#include <ctime>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -10,6 +9,19 @@
 #include <vector>
 
 namespace quarnel {
+
+// What tells one state of a folder from another. Trusted when every later change of the folder must
+// show as another time of change: the system's clock for file times moves in ticks, and a change
+// within the tick of the last one leaves the time as it was.
+struct FolderStamp {
+  struct stat status = {};
+  bool trusted = false;
+
+  // Takes the state that `fresh` shows now; what is read from the folder after this call belongs to
+  // it.
+  static FolderStamp Of(const struct stat& fresh);
+  bool StillHolds(const struct stat& fresh) const;
+};
 
 // Windows paths onto the host tree of a machine folder, in any letter case and with either slash.
 //
@@ -19,19 +31,20 @@ namespace quarnel {
 // holds such a private-use character itself shows it behind U+F07F. "." and ".." are resolved in
 // the text and never lead out of the drive. A path without a drive starts at the program's folder.
 //
-// Lookups that miss are answered from listings of the folders, kept until the folder's time of
-// change differs. Copes with hostile input: the memory for listings and the length of a path are
-// bounded.
+// Lookups that miss are answered from listings of the folders, each kept until the folder's time of
+// change differs. The memory for listings and the length of a path are bounded.
 class PathMap {
  public:
   // `machineFolder` is an absolute host path.
-  explicit PathMap(std::string machineFolder);
+  explicit PathMap(std::string machineFolder) : root_(std::move(machineFolder)) {}
 
   struct Location {
-    std::string host;        // the host path; the name of a missing last component as given
+    std::string host;        // the host path; what is missing of it stands as it was given
+    size_t driveLength = 0;  // the length of its part that is the drive's root
     bool exists = false;     // something stands there, be it a link to nothing
-    bool hasFolder = false;  // the folder that holds it exists
-    size_t driveLength = 0;  // the length of the part of `host` that is the drive's root
+    bool hasFolder = false;  // the folder that holds it, or would, exists
+
+    bool IsDriveRoot() const { return host.size() == driveLength; }
   };
 
   // Raises kBadFileName for a text that cannot be a path.
@@ -46,35 +59,43 @@ class PathMap {
 
   struct DriveRoot {
     char letter = 'C';  // upper case
-    std::string host;   // canonical host path
+    std::string host;   // canonical host path without a slash at the end
   };
   // The drives that the machine folder has now, by letter.
   const std::vector<DriveRoot>& Drives();
 
-  const std::string& MachineFolder() const { return machineFolder_; }
+  // The machine folder.
+  const std::string& Root() const { return root_; }
 
  private:
-  struct Path;
   struct Listing {
-    struct stat status = {};
-    bool trusted = false;   // no change can hide behind an equal time of change
-    bool tooLarge = false;  // not kept; every lookup reads the folder
-    std::unordered_map<std::string, std::string> names;  // folded name to one name as it stands
+    FolderStamp stamp;
+    bool kept = false;          // its names are here; else every lookup reads the folder
+    bool caseVariants = false;  // some names differ in letter case only
+    size_t bytes = 0;           // about what it holds in memory
+    std::unordered_map<std::string, std::string> names;  // by folded name
   };
 
-  Path Parse(std::string_view windowsPath) const;
-  const std::string* Folder(const Path& path, size_t components);
-  Listing* ListingOf(const std::string& hostFolder);
-  std::optional<std::string> FindName(const std::string& hostFolder, const std::string& name);
-  void MakeRoom(size_t names);
+  struct Lookup {
+    bool found = false;
+    std::string name;  // as it stands on the disk
+  };
 
-  std::string machineFolder_;
+  std::optional<std::string> Folder(std::string_view exact, size_t driveLength);
+  std::optional<std::string> KnownFolder(const std::string& exact);
+  std::string Remember(std::string_view exact, std::string host);
+  Listing* ListingOf(const std::string& folder);
+  void Read(const std::string& folder, Listing& listing);
+  std::optional<Lookup> Find(const std::string& folder, std::string_view name);
+  void MakeRoom(size_t bytes);
+
+  std::string root_;
   std::vector<DriveRoot> drives_;
-  struct timespec drivesChanged_ = {};
-  // By the path of a folder as callers write it: where it was found last.
+  FolderStamp drivesStamp_;
+  // Where folders were found, by their host path in the letter case that callers gave.
   std::unordered_map<std::string, std::string> folders_;
   std::unordered_map<std::string, Listing> listings_;  // by host path
-  size_t listedNames_ = 0;
+  size_t cachedBytes_ = 0;
 };
 
 // A host name as it is shown in a Windows path, and back.

@@ -1,0 +1,54 @@
+#include "platform/files.h"
+
+#include <algorithm>
+
+#include "base/runtime_error.h"
+
+namespace quarnel {
+
+std::string ReadWholeFile(Files& files, std::string_view path, uint64_t limit) {
+  const std::unique_ptr<File> file = files.Open(path, OpenMode::kRead);
+  const uint64_t size = file->Size();
+  if (size > limit) throw RuntimeError(ErrorNumber::kOverflow, path);
+  // The size is a hint: the file may grow or shrink meanwhile. One byte more than it shows the end
+  // without another round.
+  std::string bytes(static_cast<size_t>(size) + 1, '\0');
+  size_t length = 0;
+  while (const size_t count = file->Read({bytes.data() + length, bytes.size() - length})) {
+    length += count;
+    if (length > limit) throw RuntimeError(ErrorNumber::kOverflow, path);
+    if (length == bytes.size()) bytes.resize(bytes.size() * 2);
+  }
+  bytes.resize(length);
+  return bytes;
+}
+
+void WriteWholeFile(Files& files, std::string_view path, std::string_view bytes) {
+  files.Open(path, OpenMode::kCreate)->Write(bytes);
+}
+
+void AppendToFile(Files& files, std::string_view path, std::string_view bytes) {
+  files.Open(path, OpenMode::kAppend)->Write(bytes);
+}
+
+void CreateFolders(Files& files, std::string_view path) {
+  while (!path.empty() && (path.back() == '\\' || path.back() == '/')) path.remove_suffix(1);
+  // From the top down; each slash ends the name of a folder.
+  size_t end = 0;
+  do {
+    end = std::min(path.find_first_of("\\/", end + 1), path.size());
+    const std::string_view folder = path.substr(0, end);
+    if (folder.ends_with(':') || folder.empty()) continue;
+    const auto entry = files.Stat(folder);
+    if (entry && entry->IsFolder()) continue;
+    try {
+      files.CreateFolder(folder);
+    } catch (const RuntimeError& error) {
+      // Another program may have made it in between.
+      const auto made = files.Stat(folder);
+      if (error.Number() != ErrorNumber::kFileExists || !made || !made->IsFolder()) throw;
+    }
+  } while (end < path.size());
+}
+
+}  // namespace quarnel

@@ -1,0 +1,223 @@
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <string>
+#include <utility>
+
+#include "base/text.h"
+#include "platform/posix/at_path.h"
+#include "platform/posix/attributes.h"
+#include "platform/posix/backends.h"
+#include "platform/posix/change_place.h"
+#include "platform/posix/directory_stream.h"
+#include "platform/posix/posix_file.h"
+#include "platform/posix/system_error.h"
+
+namespace quarnel {
+namespace {
+
+FileTime TimeFromSystem(const struct timespec& time) {
+  return FileTime(std::chrono::duration_cast<FileTime::duration>(
+      std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec)));
+}
+
+bool IsReadOnly(const struct stat& status) {
+  return !S_ISLNK(status.st_mode) && (status.st_mode & S_IWUSR) == 0;
+}
+
+// What stands at a name, as the target of a link shows it; a link to nothing shows itself. False
+// with errno when the name is gone.
+bool ReadEntry(int folder, const char* name, const std::string& path, DirectoryEntry& entry) {
+  struct stat status = {};
+  if (fstatat(folder, name, &status, AT_SYMLINK_NOFOLLOW) != 0) return false;
+  const bool isLink = S_ISLNK(status.st_mode);
+  struct stat target = {};
+  if (isLink && fstatat(folder, name, &target, 0) == 0) status = target;
+  uint32_t attributes = 0;
+  if (S_ISDIR(status.st_mode)) attributes |= file_attribute::kDirectory;
+  if (IsReadOnly(status)) attributes |= file_attribute::kReadOnly;
+  // Only files and folders carry extended attributes.
+  if (S_ISREG(status.st_mode) || S_ISDIR(status.st_mode)) attributes |= StoredAttributes(path);
+  if (isLink) attributes |= file_attribute::kReparsePoint;
+  entry.attributes = attributes == 0 ? file_attribute::kNormal : attributes;
+  entry.size = S_ISREG(status.st_mode) ? static_cast<uint64_t>(status.st_size) : 0;
+  entry.modified = TimeFromSystem(status.st_mtim);
+  return true;
+}
+
+class PosixFiles : public Files {
+ public:
+  explicit PosixFiles(PathMap& paths) : paths_(paths) {}
+
+  std::optional<DirectoryEntry> Stat(std::string_view path) override {
+    PathMap::Location location;
+    if (!IgnoringErrors([&] { location = paths_.Locate(path); }) || !location.exists) {
+      return std::nullopt;
+    }
+    DirectoryEntry entry;
+    const AtPath at(location.host);
+    if (!ReadEntry(at.Folder(), at.Name(), at.ProcPath(), entry)) return std::nullopt;
+    if (location.IsDriveRoot()) {
+      entry.attributes &= ~file_attribute::kReparsePoint;
+    } else {
+      entry.name = ShownName(LastComponent(location.host));
+    }
+    return entry;
+  }
+
+  std::vector<DirectoryEntry> List(std::string_view folder) override {
+    const PathMap::Location location = paths_.Locate(folder);
+    DirectoryStream stream(location.host);
+    const AtPath at(location.host);
+    const std::string place = at.ProcPath() + "/";
+    std::vector<DirectoryEntry> entries;
+    while (const char* name = stream.Next()) {
+      DirectoryEntry entry;
+      // One that vanished since is left out; one that cannot be looked at is still named.
+      if (!ReadEntry(stream.Fd(), name, place + name, entry) && errno == ENOENT) continue;
+      entry.name = ShownName(name);
+      entries.push_back(std::move(entry));
+    }
+    // A folder that is missing as a whole is a missing path.
+    if (stream.Error() == ENOENT) throw RuntimeError(ErrorNumber::kPathNotFound, folder, ENOENT);
+    if (stream.Error() != 0) RaiseErrno(stream.Error(), folder);
+    std::sort(entries.begin(), entries.end(), [less = LessText()](const auto& a, const auto& b) {
+      return less(a.name, b.name) || (!less(b.name, a.name) && a.name < b.name);
+    });
+    return entries;
+  }
+
+  std::unique_ptr<File> Open(std::string_view path, OpenMode mode) override {
+    if (mode == OpenMode::kRead) {
+      const PathMap::Location location = paths_.Locate(path);
+      if (!location.exists) RaiseMissing(location, path);
+      return OpenForReading(location.host, path);
+    }
+    ChangePlace place = ChangePlace::OfTarget(paths_, path);
+    return OpenForWriting(place, path, mode);
+  }
+
+  void Delete(std::string_view path) override {
+    const ChangePlace place = ExistingPlace(path);
+    if (place.IsFolder()) throw RuntimeError(ErrorNumber::kPathFileAccess, path, EISDIR);
+    RefuseReadOnly(place, path);
+    if (unlinkat(place.Folder(), place.Name(), 0) != 0) RaiseErrno(errno, path);
+  }
+
+  void DeleteFolder(std::string_view path) override {
+    const ChangePlace place = ExistingPlace(path);
+    if (!place.IsFolder()) throw RuntimeError(ErrorNumber::kPathFileAccess, path, ENOTDIR);
+    RefuseReadOnly(place, path);
+    // Of a link to a folder the link alone goes.
+    const int flags = place.IsLink() ? 0 : AT_REMOVEDIR;
+    if (unlinkat(place.Folder(), place.Name(), flags) != 0) RaiseErrno(errno, path);
+  }
+
+  void CreateFolder(std::string_view path) override {
+    const ChangePlace place = ChangePlace::Of(paths_, path);
+    if (place.Exists()) throw RuntimeError(ErrorNumber::kFileExists, path, EEXIST);
+    if (mkdirat(place.Folder(), place.Name(), 0777) != 0) RaiseErrno(errno, path);
+  }
+
+  void Move(std::string_view from, std::string_view to) override {
+    const ChangePlace source = ExistingPlace(from);
+    ChangePlace target = ChangePlace::Of(paths_, to);
+    if (target.Exists()) {
+      // A change of letter case finds the file itself.
+      if (!target.IsSameEntry(source)) throw RuntimeError(ErrorNumber::kFileExists, to, EEXIST);
+      target.TakeNameOf(paths_, to);
+    }
+    if (RenameWithoutReplacing(source, target)) return;
+    const int code = errno;
+    if (code == EINVAL && source.IsFolder()) {  // a folder into itself
+      throw RuntimeError(ErrorNumber::kPermissionDenied, from, code);
+    }
+    if (code != EXDEV || source.IsFolder()) RaiseErrno(code, from);
+    Copy(from, to);
+    if (unlinkat(source.Folder(), source.Name(), 0) != 0) RaiseErrno(errno, from);
+  }
+
+  void ReplaceFile(std::string_view from, std::string_view to) override {
+    const ChangePlace source = ExistingPlace(from);
+    const ChangePlace target = ChangePlace::Of(paths_, to);
+    if (source.IsFolder() || target.IsFolder()) {
+      throw RuntimeError(ErrorNumber::kPathFileAccess, to, EISDIR);
+    }
+    RefuseReadOnly(target, to);
+    SyncFile(source, from);
+    if (renameat(source.Folder(), source.Name(), target.Folder(), target.Name()) != 0) {
+      RaiseErrno(errno, to);
+    }
+    target.SyncFolder();
+  }
+
+  void Copy(std::string_view from, std::string_view to) override {
+    const PathMap::Location source = paths_.Locate(from);
+    if (!source.exists) RaiseMissing(source, from);
+    ChangePlace target = ChangePlace::OfTarget(paths_, to);
+    if (target.IsFolder()) throw RuntimeError(ErrorNumber::kPathFileAccess, to, EISDIR);
+    CopyFile(source.host, from, target, to);
+  }
+
+  void SetAttributes(std::string_view path, uint32_t attributes) override {
+    const ChangePlace place = ChangePlace::OfTarget(paths_, path);
+    if (!place.Exists()) throw RuntimeError(ErrorNumber::kFileNotFound, path, ENOENT);
+    const mode_t mode = place.Status().st_mode & 07777;
+    const bool readOnly = (attributes & file_attribute::kReadOnly) != 0;
+    const auto setMode = [&](mode_t value) {
+      if (fchmodat(place.Folder(), place.Name(), value, AT_SYMLINK_NOFOLLOW) != 0) {
+        RaiseErrno(errno, path);
+      }
+    };
+    // The extended attribute of a file that may not be written cannot be set.
+    setMode(mode | S_IWUSR);
+    StoreAttributes(place.ProcPath(), attributes);
+    if (readOnly) setMode(mode & ~mode_t{0222});
+  }
+
+  void SetModified(std::string_view path, FileTime time) override {
+    const ChangePlace place = ChangePlace::OfTarget(paths_, path);
+    if (!place.Exists()) throw RuntimeError(ErrorNumber::kFileNotFound, path, ENOENT);
+    const auto sinceEpoch = time.time_since_epoch();
+    const auto seconds = std::chrono::floor<std::chrono::seconds>(sinceEpoch);
+    const auto rest = std::chrono::nanoseconds(sinceEpoch - seconds);
+    const struct timespec times[] = {{0, UTIME_OMIT}, {seconds.count(), rest.count()}};
+    if (utimensat(place.Folder(), place.Name(), times, AT_SYMLINK_NOFOLLOW) != 0) {
+      RaiseErrno(errno, path);
+    }
+  }
+
+ private:
+  static std::string_view LastComponent(std::string_view host) {
+    return host.substr(host.rfind('/') + 1);
+  }
+
+  [[noreturn]] static void RaiseMissing(const PathMap::Location& location, std::string_view path) {
+    throw RuntimeError(location.hasFolder ? ErrorNumber::kFileNotFound : ErrorNumber::kPathNotFound,
+                       path, ENOENT);
+  }
+
+  // The place of a name that must stand there already.
+  ChangePlace ExistingPlace(std::string_view path) {
+    ChangePlace place = ChangePlace::Of(paths_, path);
+    if (!place.Exists()) throw RuntimeError(ErrorNumber::kFileNotFound, path, ENOENT);
+    return place;
+  }
+
+  static void RefuseReadOnly(const ChangePlace& place, std::string_view path) {
+    if (place.Exists() && IsReadOnly(place.Status())) {
+      throw RuntimeError(ErrorNumber::kPermissionDenied, path, EACCES);
+    }
+  }
+
+  PathMap& paths_;
+};
+
+}  // namespace
+
+std::unique_ptr<Files> MakeFiles(PathMap& paths) { return std::make_unique<PosixFiles>(paths); }
+
+}  // namespace quarnel

@@ -1,0 +1,360 @@
+#include "platform/posix/path_map.h"
+
+#include <fcntl.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <ctime>
+#include <memory>
+#include <utility>
+
+#include "base/runtime_error.h"
+#include "base/text.h"
+#include "platform/posix/at_path.h"
+#include "platform/posix/directory_stream.h"
+#include "platform/posix/special_folders.h"
+#include "platform/posix/system_error.h"
+
+namespace quarnel {
+namespace {
+
+// The longest path of the system, 32,767 characters, at three bytes each.
+constexpr size_t kLongestPath = size_t{32767} * 3;
+// A folder with more names is read at each lookup instead of being kept.
+constexpr size_t kMostNames = size_t{1} << 18;
+constexpr size_t kMostBytes = size_t{64} << 20;
+constexpr std::string_view kForbidden = "\\:*?\"<>|";
+
+bool IsSlash(char c) { return c == '\\' || c == '/'; }
+
+bool LStat(const std::string& host, struct stat& status) {
+  const AtPath at(host);
+  return fstatat(at.Folder(), at.Name(), &status, AT_SYMLINK_NOFOLLOW) == 0;
+}
+
+bool FolderStat(const std::string& host, struct stat& status) {
+  const AtPath at(host);
+  if (fstatat(at.Folder(), at.Name(), &status, 0) == 0 && S_ISDIR(status.st_mode)) return true;
+  return false;
+}
+
+// The private-use character that stands for `c`, or for the escape when c is 0x7F: U+F000 + c in
+// UTF-8.
+std::string PrivateUse(char c) {
+  const auto code = static_cast<unsigned>(static_cast<unsigned char>(c));
+  return {'\xEF', static_cast<char>(0x80 | code >> 6), static_cast<char>(0x80 | (code & 0x3F))};
+}
+
+constexpr char kEscape = 0x7F;
+constexpr size_t kPrivateUseLength = 3;
+
+// The character whose private-use form stands at the front of `text`, NUL when there is none.
+char PrivateUseAt(std::string_view text) {
+  if (text.size() < kPrivateUseLength || text[0] != '\xEF') return 0;
+  const auto second = static_cast<unsigned char>(text[1]);
+  const auto third = static_cast<unsigned char>(text[2]);
+  if ((second & 0xFEU) != 0x80 || (third & 0xC0U) != 0x80) return 0;
+  const char c = static_cast<char>((second & 1U) << 6 | (third & 0x3FU));
+  return c == kEscape || kForbidden.find(c) != std::string_view::npos ? c : '\0';
+}
+
+void AppendComponents(std::string_view path, size_t driveLength, std::string& host) {
+  while (!path.empty()) {
+    const size_t end = std::min(path.find_first_of("\\/"), path.size());
+    const std::string_view name = path.substr(0, end);
+    path.remove_prefix(std::min(end + 1, path.size()));
+    if (name.empty() || name == ".") continue;
+    if (name == "..") {
+      if (host.size() > driveLength) host.resize(host.rfind('/'));
+      continue;
+    }
+    if (name.find_first_of(kForbidden) != std::string_view::npos) {
+      throw RuntimeError(ErrorNumber::kBadFileName, name.substr(0, 260));
+    }
+    host += '/';
+    if (name.find('\xEF') == std::string_view::npos) {
+      host += name;
+    } else {
+      host += HostName(name);
+    }
+  }
+}
+
+}  // namespace
+
+FolderStamp FolderStamp::Of(const struct stat& fresh) {
+  // The tick is 10 ms at most. File systems that keep no fractions of a second have steps of up to
+  // two seconds.
+  constexpr int64_t kMillion = 1'000'000;
+  const bool fractions = fresh.st_ctim.tv_nsec != 0;
+  const int64_t granularity = fractions ? 20 * kMillion : 3000 * kMillion;
+  struct timespec now = {};
+  clock_gettime(CLOCK_REALTIME, &now);
+  // Cut so that a time from far away cannot overflow.
+  const int64_t seconds = std::clamp<int64_t>(now.tv_sec - fresh.st_ctim.tv_sec, -10, 10);
+  const int64_t age = seconds * 1000 * kMillion + now.tv_nsec - fresh.st_ctim.tv_nsec;
+  return {fresh, age > granularity};
+}
+
+bool FolderStamp::StillHolds(const struct stat& fresh) const {
+  // Not the time of modification: a program can set that back.
+  return trusted && status.st_ino == fresh.st_ino && status.st_dev == fresh.st_dev &&
+         status.st_ctim.tv_sec == fresh.st_ctim.tv_sec &&
+         status.st_ctim.tv_nsec == fresh.st_ctim.tv_nsec;
+}
+
+PathMap::Location PathMap::Exact(std::string_view path) const {
+  if (path.empty() || path.size() > kLongestPath || path.find('\0') != std::string_view::npos) {
+    throw RuntimeError(ErrorNumber::kBadFileName,
+                       path.substr(0, std::min<size_t>(path.find('\0'), 260)));
+  }
+  if (path.starts_with("\\\\?\\")) path.remove_prefix(4);
+  if (path.size() >= 2 && IsSlash(path[0]) && IsSlash(path[1])) {
+    // Another computer's share.
+    throw RuntimeError(ErrorNumber::kBadFileName, path.substr(0, 260));
+  }
+  char drive = 'c';
+  bool relative = false;
+  if (path.size() >= 2 && path[1] == ':') {
+    drive = static_cast<char>(path[0] | 0x20);
+    if (drive < 'a' || drive > 'z')
+      throw RuntimeError(ErrorNumber::kBadFileName, path.substr(0, 260));
+    path.remove_prefix(2);
+  } else {
+    relative = !IsSlash(path[0]);
+  }
+  Location location;
+  location.host.reserve(root_.size() + path.size() + kProgramFolder.size() + 8);
+  location.host.append(root_).append("/drive_") += drive;
+  location.driveLength = location.host.size();
+  if (relative) AppendComponents(kProgramFolder.substr(2), location.driveLength, location.host);
+  AppendComponents(path, location.driveLength, location.host);
+  return location;
+}
+
+PathMap::Location PathMap::Locate(std::string_view windowsPath) {
+  Location location = Exact(windowsPath);
+  struct stat status = {};
+  if (location.IsDriveRoot()) {
+    location.exists = location.hasFolder = FolderStat(location.host, status);
+    return location;
+  }
+  const size_t slash = location.host.rfind('/');
+  const std::string exactFolder = location.host.substr(0, slash);
+  const std::string name = location.host.substr(slash + 1);
+  std::optional<std::string> folder = KnownFolder(exactFolder);
+  std::optional<Lookup> lookup;
+  if (folder) lookup = Find(*folder, name);
+  if (!lookup) {
+    // Nothing is known about the folder yet; most paths are given as they stand on the disk.
+    folders_.erase(exactFolder);
+    if (LStat(location.host, status)) {
+      location.exists = location.hasFolder = true;
+      return location;
+    }
+    folder = Folder(exactFolder, location.driveLength);
+    if (folder) lookup = Find(*folder, name);
+  }
+  if (!lookup) return location;
+  location.hasFolder = true;
+  location.exists = lookup->found;
+  location.host = *folder + "/" + (lookup->found ? lookup->name : name);
+  return location;
+}
+
+// Where the folder was found before, unless a better match stands there now.
+std::optional<std::string> PathMap::KnownFolder(const std::string& exact) {
+  const auto known = folders_.find(exact);
+  if (known == folders_.end()) return std::nullopt;
+  struct stat status = {};
+  if (known->second != exact && FolderStat(exact, status)) return std::nullopt;
+  return known->second;
+}
+
+// The host path of a folder whose path in the letter case given is `exact`.
+std::optional<std::string> PathMap::Folder(std::string_view exact, size_t driveLength) {
+  struct stat status = {};
+  if (std::string path(exact); FolderStat(path, status)) return Remember(exact, std::move(path));
+  // Down from the nearest folder that is known: what is missing is found missing with one look.
+  size_t length = driveLength;
+  std::string folder(exact.substr(0, driveLength));
+  constexpr int kLooksUp = 8;
+  size_t above = exact.size();
+  for (int look = 0; look < kLooksUp; ++look) {
+    above = exact.rfind('/', above - 1);
+    if (above == std::string_view::npos || above <= driveLength) break;
+    if (auto known = KnownFolder(std::string(exact.substr(0, above)))) {
+      folder = std::move(*known);
+      length = above;
+      break;
+    }
+  }
+  while (length < exact.size()) {
+    const size_t end = std::min(exact.find('/', length + 1), exact.size());
+    const auto lookup = Find(folder, exact.substr(length + 1, end - length - 1));
+    if (!lookup || !lookup->found) return std::nullopt;
+    folder.append("/").append(lookup->name);
+    length = end;
+    Remember(exact.substr(0, length), folder);
+  }
+  return FolderStat(folder, status) ? std::optional(folder) : std::nullopt;
+}
+
+std::string PathMap::Remember(std::string_view exact, std::string host) {
+  MakeRoom(exact.size() + host.size());
+  folders_.insert_or_assign(std::string(exact), host);
+  return host;
+}
+
+// The listing as it stands now; null when there is no such folder.
+PathMap::Listing* PathMap::ListingOf(const std::string& folder) {
+  struct stat status = {};
+  const bool isFolder = FolderStat(folder, status);
+  const auto known = listings_.find(folder);
+  if (known != listings_.end()) {
+    if (isFolder && known->second.stamp.StillHolds(status)) return &known->second;
+    cachedBytes_ -= std::min(cachedBytes_, known->second.bytes);
+    listings_.erase(known);
+  }
+  if (!isFolder) return nullptr;
+  Listing listing;
+  listing.stamp = FolderStamp::Of(status);
+  Read(folder, listing);
+  MakeRoom(listing.bytes);
+  return &listings_.insert_or_assign(folder, std::move(listing)).first->second;
+}
+
+void PathMap::Read(const std::string& folder, Listing& listing) {
+  DirectoryStream stream(folder);
+  listing.bytes = folder.size() + sizeof(Listing);
+  listing.kept = stream.Error() == 0;
+  while (const char* name = stream.Next()) {
+    if (listing.names.size() >= kMostNames) {
+      listing.kept = false;
+      break;
+    }
+    // Of names that differ in case only, the first in order answers for the other spellings.
+    auto [entry, isNew] = listing.names.try_emplace(ToUpper(name), name);
+    if (!isNew) {
+      listing.caseVariants = true;
+      if (name < entry->second) entry->second = name;
+    }
+    listing.bytes += 2 * entry->second.size() + 96;
+  }
+  if (stream.Error() != 0) listing.kept = false;
+  if (!listing.kept) listing.names.clear();
+}
+
+// What answers for `name` in a folder; nothing when there is no such folder.
+std::optional<PathMap::Lookup> PathMap::Find(const std::string& folder, std::string_view name) {
+  const Listing* listing = ListingOf(folder);
+  if (listing == nullptr) return std::nullopt;
+  Lookup lookup;
+  if (listing->kept) {
+    const auto entry = listing->names.find(ToUpper(name));
+    if (entry == listing->names.end()) return lookup;
+    lookup = {true, entry->second};
+    if (lookup.name == name || !listing->caseVariants) return lookup;
+  }
+  struct stat status = {};
+  if (LStat(folder + "/" + std::string(name), status)) return Lookup{true, std::string(name)};
+  if (listing->kept) return lookup;
+  DirectoryStream stream(folder);
+  while (const char* entry = stream.Next()) {
+    if (EqualText(entry, name) && (!lookup.found || entry < lookup.name)) lookup = {true, entry};
+  }
+  return lookup;
+}
+
+void PathMap::MakeRoom(size_t bytes) {
+  if (cachedBytes_ + bytes > kMostBytes) {
+    folders_.clear();
+    listings_.clear();
+    cachedBytes_ = 0;
+  }
+  cachedBytes_ += bytes;
+}
+
+const std::vector<PathMap::DriveRoot>& PathMap::Drives() {
+  struct stat status = {};
+  if (FolderStat(root_, status) && drivesStamp_.StillHolds(status)) return drives_;
+  drivesStamp_ = FolderStamp::Of(status);
+  drives_.clear();
+  constexpr std::string_view kPrefix = "drive_";
+  DirectoryStream stream(root_);
+  while (const char* entry = stream.Next()) {
+    const std::string_view name = entry;
+    if (name.size() != kPrefix.size() + 1 || !name.starts_with(kPrefix)) continue;
+    const char letter = name.back();
+    if (letter < 'a' || letter > 'z') continue;
+    const std::unique_ptr<char, decltype(&std::free)> real(
+        realpath((root_ + "/" + entry).c_str(), nullptr), &std::free);
+    if (real == nullptr || !FolderStat(real.get(), status)) continue;
+    const std::string_view host = real.get();
+    drives_.push_back(
+        {static_cast<char>(letter - 'a' + 'A'), std::string(host == "/" ? "" : host)});
+  }
+  std::sort(drives_.begin(), drives_.end(), [](const DriveRoot& left, const DriveRoot& right) {
+    return left.letter < right.letter;
+  });
+  return drives_;
+}
+
+std::optional<std::string> PathMap::ToWindows(std::string_view hostPath) {
+  // A drive can lie within another one: the innermost shows the path.
+  const DriveRoot* innermost = nullptr;
+  for (const DriveRoot& drive : Drives()) {
+    const size_t length = drive.host.size();
+    if (hostPath.starts_with(drive.host) &&
+        (hostPath.size() == length || hostPath[length] == '/') &&
+        (innermost == nullptr || length > innermost->host.size())) {
+      innermost = &drive;
+    }
+  }
+  if (innermost == nullptr) return std::nullopt;
+  std::string path{innermost->letter, ':'};
+  std::string_view rest = hostPath.substr(innermost->host.size());
+  while (rest.size() > 1) {
+    const size_t end = std::min(rest.find('/', 1), rest.size());
+    path.append("\\").append(ShownName(rest.substr(1, end - 1)));
+    rest.remove_prefix(end);
+  }
+  return path.size() == 2 ? path + "\\" : path;
+}
+
+std::string ShownName(std::string_view hostName) {
+  std::string shown;
+  shown.reserve(hostName.size());
+  for (size_t i = 0; i < hostName.size(); ++i) {
+    if (kForbidden.find(hostName[i]) != std::string_view::npos) {
+      shown += PrivateUse(hostName[i]);
+    } else {
+      if (PrivateUseAt(hostName.substr(i)) != 0) shown += PrivateUse(kEscape);
+      shown += hostName[i];
+    }
+  }
+  return shown;
+}
+
+std::string HostName(std::string_view shownName) {
+  std::string host;
+  host.reserve(shownName.size());
+  for (size_t i = 0; i < shownName.size();) {
+    const char c = PrivateUseAt(shownName.substr(i));
+    if (c == 0) {
+      host += shownName[i++];
+    } else if (c != kEscape) {
+      host += c;
+      i += kPrivateUseLength;
+    } else {
+      // Behind the escape such a character stands for itself; an escape in front of nothing does.
+      i += kPrivateUseLength;
+      const bool escapes = PrivateUseAt(shownName.substr(i)) != 0;
+      host += escapes ? shownName.substr(i, kPrivateUseLength) : PrivateUse(kEscape);
+      if (escapes) i += kPrivateUseLength;
+    }
+  }
+  return host;
+}
+
+}  // namespace quarnel

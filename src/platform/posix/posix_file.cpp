@@ -1,0 +1,154 @@
+#include "platform/posix/posix_file.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <limits>
+#include <utility>
+#include <vector>
+
+#include "platform/posix/at_path.h"
+#include "platform/posix/attributes.h"
+#include "platform/posix/system_error.h"
+
+namespace quarnel {
+namespace {
+
+class PosixFile : public File {
+ public:
+  PosixFile(UniqueFd fd, std::string_view about) : fd_(std::move(fd)), about_(about) {}
+
+  size_t Read(std::span<char> buffer) override {
+    for (;;) {
+      const ssize_t count = read(fd_.Get(), buffer.data(), buffer.size());
+      if (count >= 0) return static_cast<size_t>(count);
+      if (errno != EINTR) RaiseErrno(errno, about_);
+    }
+  }
+
+  void Write(std::string_view bytes) override {
+    while (!bytes.empty()) {
+      const ssize_t count = write(fd_.Get(), bytes.data(), bytes.size());
+      if (count >= 0) {
+        bytes.remove_prefix(static_cast<size_t>(count));
+      } else if (errno != EINTR) {
+        RaiseErrno(errno, about_);
+      }
+    }
+  }
+
+  void Seek(uint64_t position) override {
+    if (position > static_cast<uint64_t>(std::numeric_limits<off_t>::max())) {
+      throw RuntimeError(ErrorNumber::kInvalidCall, about_);
+    }
+    if (lseek(fd_.Get(), static_cast<off_t>(position), SEEK_SET) < 0) RaiseErrno(errno, about_);
+  }
+
+  uint64_t Size() override {
+    struct stat status = {};
+    if (fstat(fd_.Get(), &status) != 0) RaiseErrno(errno, about_);
+    return static_cast<uint64_t>(status.st_size);
+  }
+
+  void Flush() override {
+    if (fsync(fd_.Get()) != 0) RaiseErrno(errno, about_);
+  }
+
+ private:
+  UniqueFd fd_;
+  std::string about_;
+};
+
+struct stat StatusOfPlainFile(const UniqueFd& fd, std::string_view about) {
+  if (!fd.Valid()) RaiseErrno(errno, about);
+  struct stat status = {};
+  if (fstat(fd.Get(), &status) != 0) RaiseErrno(errno, about);
+  if (S_ISDIR(status.st_mode)) RaiseErrno(EISDIR, about);
+  if (!S_ISREG(status.st_mode)) RaiseErrno(ENXIO, about);
+  return status;
+}
+
+UniqueFd OpenSource(const std::string& host, std::string_view about) {
+  const AtPath at(host);
+  // Opening a pipe would wait for its other end.
+  UniqueFd fd(openat(at.Folder(), at.Name(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+  StatusOfPlainFile(fd, about);
+  // Files are read from front to end; advice that is refused costs nothing.
+  posix_fadvise(fd.Get(), 0, 0, POSIX_FADV_SEQUENTIAL);
+  return fd;
+}
+
+UniqueFd OpenTarget(const ChangePlace& place, std::string_view about, int flags) {
+  if (place.Exists() && (place.Status().st_mode & S_IWUSR) == 0 && !place.IsFolder()) {
+    // Said here because the superuser would be let through.
+    throw RuntimeError(ErrorNumber::kPermissionDenied, about, EACCES);
+  }
+  constexpr int kAlways = O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
+  UniqueFd fd(openat(place.Folder(), place.Name(), flags | kAlways, 0666));
+  StatusOfPlainFile(fd, about);
+  return fd;
+}
+
+void CopyBytes(int from, int to, std::string_view about) {
+  for (;;) {
+    const ssize_t count =
+        copy_file_range(from, nullptr, to, nullptr, std::numeric_limits<int>::max(), 0);
+    if (count == 0) return;
+    if (count > 0 || errno == EINTR) continue;
+    if (errno == ENOSPC || errno == EIO || errno == EDQUOT || errno == EFBIG) {
+      RaiseErrno(errno, about);
+    }
+    break;  // these file systems cannot do it by themselves
+  }
+  PosixFile source(UniqueFd(dup(from)), about);
+  PosixFile target(UniqueFd(dup(to)), about);
+  std::vector<char> buffer(size_t{1} << 18);
+  while (const size_t count = source.Read(buffer)) target.Write({buffer.data(), count});
+}
+
+}  // namespace
+
+std::unique_ptr<File> OpenForReading(const std::string& host, std::string_view about) {
+  return std::make_unique<PosixFile>(OpenSource(host, about), about);
+}
+
+std::unique_ptr<File> OpenForWriting(const ChangePlace& place, std::string_view about,
+                                     OpenMode mode) {
+  const int flags = mode == OpenMode::kAppend   ? O_WRONLY | O_APPEND
+                    : mode == OpenMode::kCreate ? O_RDWR | O_TRUNC
+                                                : O_RDWR;
+  return std::make_unique<PosixFile>(OpenTarget(place, about, flags), about);
+}
+
+void CopyFile(const std::string& host, std::string_view about, const ChangePlace& target,
+              std::string_view aboutTarget) {
+  const UniqueFd source = OpenSource(host, about);
+  const struct stat status = StatusOfPlainFile(source, about);
+  if (target.Exists() && target.Status().st_dev == status.st_dev &&
+      target.Status().st_ino == status.st_ino) {
+    // Emptying the target would lose the content.
+    throw RuntimeError(ErrorNumber::kPermissionDenied, aboutTarget);
+  }
+  const UniqueFd copy = OpenTarget(target, aboutTarget, O_WRONLY | O_TRUNC);
+  try {
+    CopyBytes(source.Get(), copy.Get(), aboutTarget);
+    StoreAttributes(target.ProcPath(), StoredAttributes(AtPath(host).ProcPath()));
+    const struct timespec times[] = {{0, UTIME_OMIT}, status.st_mtim};
+    if (futimens(copy.Get(), times) != 0) RaiseErrno(errno, aboutTarget);
+    if ((status.st_mode & S_IWUSR) == 0 && fchmod(copy.Get(), status.st_mode & 0555) != 0) {
+      RaiseErrno(errno, aboutTarget);
+    }
+  } catch (const RuntimeError&) {
+    unlinkat(target.Folder(), target.Name(), 0);
+    throw;
+  }
+}
+
+void SyncFile(const ChangePlace& place, std::string_view about) {
+  const UniqueFd fd(openat(place.Folder(), place.Name(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC));
+  StatusOfPlainFile(fd, about);
+  if (fsync(fd.Get()) != 0) RaiseErrno(errno, about);
+}
+
+}  // namespace quarnel

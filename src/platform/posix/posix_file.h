@@ -1,0 +1,26 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "platform/files.h"
+#include "platform/posix/change_place.h"
+
+// Open files. Only plain files are opened: a pipe or a device under a machine's drive would hold
+// the program up. `about` is the path for the text of an error.
+namespace quarnel {
+
+std::unique_ptr<File> OpenForReading(const std::string& host, std::string_view about);
+std::unique_ptr<File> OpenForWriting(const ChangePlace& place, std::string_view about,
+                                     OpenMode mode);
+
+// Makes or replaces the file at `target` with content, attributes and time of the one at `host`.
+// What was made of it is deleted when that fails.
+void CopyFile(const std::string& host, std::string_view about, const ChangePlace& target,
+              std::string_view aboutTarget);
+
+// Returns when the file's content is on the disk.
+void SyncFile(const ChangePlace& place, std::string_view about);
+
+}  // namespace quarnel
