@@ -15,6 +15,9 @@ std::span<const std::string_view> ThreatTypes();
 // code outside the table gives "Unknown".
 std::string_view GetTypeOfSpyWare(std::string_view sType);
 
+// The folder codes of file signatures go from 1 to this.
+inline constexpr int kLastFolderCode = 43;
+
 // A root of the registry: its position in the table is its code in signature lines.
 struct Hive {
   uint32_t handle;
