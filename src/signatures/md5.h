@@ -30,6 +30,13 @@ class Md5 {
 
 Md5Digest Md5Of(std::string_view message);
 
+// The last bytes of a message of this size: they make it end at a whole block. Returns their
+// number, which is at most 72.
+size_t PadMd5(uint64_t messageSize, char* padding);
+
+// The digest that the four words of a finished state stand for.
+Md5Digest Md5DigestOf(const std::array<uint32_t, 4>& state);
+
 // 32 hexadecimal digits in upper case.
 std::string HexText(const Md5Digest& digest);
 
