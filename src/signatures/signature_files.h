@@ -41,10 +41,10 @@ enum class SignatureEncoding {
 struct SignatureFile {
   std::string_view name;
   SignatureEncoding encoding;
-  // Its place in the test for the whole set, from 1; 0 when it is not asked for.
-  int presenceOrder = 0;
+  bool inPresenceTest = false;
 };
-// All files of the table; those that are counted stand in the order in which they are.
+// All of them. The test for the whole set asks for its files in this order; the files with a count
+// are counted in it.
 std::span<const SignatureFile> SignatureFiles();
 // The entry of a name, letter case ignored; null when there is none.
 const SignatureFile* FindSignatureFile(std::string_view name);
@@ -60,11 +60,8 @@ bool SignaturePresent(Files& files, Machine& machine, std::string_view name);
 void AllSignatureArePresent(Files& files, Machine& machine, bool& result);
 
 // The number that the first line states, which nobody checks against the lines; 1 for an empty
-// file. Raises when the file cannot be read.
+// file. Raises when the file cannot be read, and kOverflow for a first line over kLongestLine.
 int32_t GetSignatureCount(Files& files, Machine& machine, std::string_view name);
-
-// The text of the counting line, as GetSignatureCount takes it: 1 when there is no line at all.
-int32_t SignatureCountOf(std::string_view bytes);
 
 // Reads a file line by line in pieces, so that memory stays bounded whatever the file holds. Lines
 // end at CR LF, CR or LF. A line longer than kLongestLine raises kOverflow.
@@ -76,17 +73,19 @@ class LineFile {
   std::optional<std::string_view> Next();
   // Passes over one line of any length.
   void Skip();
+  uint64_t Size() { return file_->Size(); }
 
  private:
+  std::string_view Unread() const { return {buffer_.data() + begin_, end_ - begin_}; }
   bool Refill();
-  size_t FindLineEnd(size_t from) const;
-  void PassLineEnd();
+  void PassLineFeed();
+  std::string_view Take(size_t length);
 
   std::unique_ptr<File> file_;
   std::vector<char> buffer_;
   size_t begin_ = 0;  // the unread bytes of the buffer
   size_t end_ = 0;
-  bool atEnd_ = false;
+  bool afterReturn_ = false;  // the last line ended at a CR, whose LF may follow
 };
 
 // The deciphered lines of a counted signature file, without its first line. Nothing is copied more
@@ -106,11 +105,10 @@ class SignatureLines {
 };
 
 // The text of a whole enciphered file: every line deciphered and ended by CR LF. The counting line
-// is deciphered too, and gives a first line without meaning. `onLine` runs after each line.
+// is deciphered too, and gives a first line without meaning. `onLine` runs before each line is
+// deciphered. Raises kOverflow for a line over kLongestLine and for a file over 512 MiB.
 std::string LoadSignatures(Files& files, Machine& machine, std::string_view sFileName,
                            const std::function<void()>& onLine = {});
-// The same for the bytes of a file.
-std::string DecipherLines(std::string_view bytes);
 
 // Reads QNLList.dll to its end when it is there, calling `onLine` after each line, and keeps
 // nothing.
