@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/text.h"
 #include "platform/posix/at_path.h"
 #include "platform/posix/attributes.h"
 #include "platform/posix/system_error.h"
@@ -85,7 +86,9 @@ UniqueFd OpenTarget(const ChangePlace& place, std::string_view about, int flags)
     throw RuntimeError(ErrorNumber::kPermissionDenied, about, EACCES);
   }
   constexpr int kAlways = O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
-  UniqueFd fd(openat(place.Folder(), place.Name(), flags | kAlways, 0666));
+  // Windows knows no right to run a file: what is called a program may be run.
+  const mode_t mode = EndsWithText(place.Name(), ".exe") ? 0777 : 0666;
+  UniqueFd fd(openat(place.Folder(), place.Name(), flags | kAlways, mode));
   StatusOfPlainFile(fd, about);
   return fd;
 }
