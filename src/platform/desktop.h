@@ -28,6 +28,9 @@ class Desktop {
   // Makes this process findable under a class name and a caption, for a second instance; an empty
   // caption takes it back.
   virtual void Announce(std::string_view className, std::string_view caption) = 0;
+  // Whether another process asked since the last call that this one's announced window come forward
+  // and the window itself has to see to it. Where the system does it by itself this stays false.
+  virtual bool TakeForwardRequest() { return false; }
 };
 
 // Whether windows of this class are browser or folder windows ("ExploreWClass", "IEFrame",
