@@ -2,12 +2,13 @@
 
 #include <cstddef>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
 // The signature compiler: from source texts that people write to the files that the scan reads, and
-// back. Pure functions of bytes; tool.h has the command line around them.
+// back. Pure functions of bytes; signature_tool.h has the command line around them.
 namespace quarnel {
 
 // The texts of the source files, as they stand on the disk. In all but the levels a line that is
@@ -26,7 +27,7 @@ struct SourceFile {
   std::string_view name;
   std::string SignatureSources::*text;
 };
-const std::vector<SourceFile>& SourceFiles();
+std::span<const SourceFile> SourceFiles();
 
 // What is wrong with a line, for a person to read: "QNLFSig.txt:12: the hash has 31 digits".
 struct SourceError {
