@@ -33,6 +33,12 @@ void Form::SetWindowState(WindowState state) {
   if (visible_) Form_Resize();
 }
 
+void Form::SetPlace(const ScreenArea& place) {
+  if (place_ == place) return;
+  place_ = place;
+  ++revision_;
+}
+
 void Form::Load() {
   if (state_ == State::kLoaded) return;
   state_ = State::kLoaded;

@@ -18,6 +18,16 @@ enum class WindowState { kNormal = 0, kMinimised = 1, kMaximised = 2 };
 // Why a form is asked to close.
 enum class UnloadMode { kUser = 0, kCode = 1, kSessionEnd = 2 };
 
+// A rectangle on the screen, in twips.
+struct ScreenArea {
+  int left = 0;
+  int top = 0;
+  int width = 0;
+  int height = 0;
+
+  bool operator==(const ScreenArea&) const = default;
+};
+
 // A form: a set of named controls with the life of a window. Load runs Form_Load once; Show loads,
 // becomes visible, and runs Form_Resize and Form_Activate; Close asks Form_QueryUnload and then
 // runs Form_Unload. After Form_Unload the form is dead; a FormSlot makes a new one when it is
@@ -40,6 +50,9 @@ class Form {
   bool IsLoaded() const { return state_ == State::kLoaded; }
   WindowState StateOfWindow() const { return windowState_; }
   void SetWindowState(WindowState state);
+  // Where the window stands while it is neither minimised nor maximised.
+  const ScreenArea& Place() const { return place_; }
+  void SetPlace(const ScreenArea& place);
   // Whether the window has an entry in the task bar.
   bool ShowInTaskbar() const { return showInTaskbar_; }
   void SetShowInTaskbar(bool show);
@@ -83,6 +96,7 @@ class Form {
   uint64_t revision_ = 0;
   State state_ = State::kNew;
   WindowState windowState_ = WindowState::kNormal;
+  ScreenArea place_;
   bool visible_ = false;
   bool showInTaskbar_ = true;
 };

@@ -1,16 +1,21 @@
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "controls/controls_fwd.h"
+#include "controls/form.h"
+#include "core/ini_text.h"
 #include "platform/files.h"
 
 namespace quarnel {
 
 // Access to one ini file. A new instance is filled in the order Path, Section, Key, Value, and then
-// discarded. Nothing is raised: callers may look at Success.
+// discarded. Nothing is raised: callers may look at Success. Each operation reads the file anew; a
+// write replaces it in one step, so that a crash leaves the old text or the new one. What an edit
+// does not concern survives it (see IniText).
 class cInifile {
  public:
   explicit cInifile(Files& files) : files_(files) {}
@@ -28,19 +33,36 @@ class cInifile {
 
   // The value of the current key, or Default; at most 254 characters.
   std::string Value() const;
-  // NUL characters are removed from the text.
+  // NUL characters are removed from the text. A key that begins with "[" or ";" is refused.
   void SetValue(std::string_view text);
   void DeleteKey();
   void DeleteSection();
+
   // The current section's "key=value" lines, each ended by a NUL, at most 8190 characters.
   std::string INISection() const;
   void SetINISection(std::string_view nulSeparatedLines);
   // All section names, each ended by a NUL, at most 8190 characters.
   std::string Sections() const;
+  // The keys of the current section, and the names of all sections: what stands whole in the two
+  // texts above.
   void EnumerateCurrentSection(std::vector<std::string>& keys, long& count) const;
   void EnumerateAllSections(std::vector<std::string>& names, long& count) const;
 
+  // Stores where a form's window stands under "Left", "Top", "Width", "Height" and "Maximised", in
+  // the section of the form's name.
+  void SaveFormPosition(const Form& form);
+  // Applies what was stored; what is absent leaves the form as it is. A window that would reach
+  // over the screen's edge is moved back.
+  void LoadFormPosition(Form& form, const ScreenArea& screen) const;
+
+  // The number in a text, or `fallback` when the text is none.
+  static int32_t CLngDefault(std::string_view text, int32_t fallback);
+
  private:
+  std::optional<IniText> Read() const;
+  template <typename Edit>
+  void Rewrite(Edit&& edit);
+
   Files& files_;
   std::string path_, section_, key_, default_;
   long lastReturnCode_ = 0;
