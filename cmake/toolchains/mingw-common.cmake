@@ -47,6 +47,7 @@ set(CMAKE_FIND_ROOT_PATH
     ${QUARNEL_THIRD_PARTY}/libzip
     ${QUARNEL_THIRD_PARTY}/libpng
     ${QUARNEL_THIRD_PARTY}/wx
+    ${QUARNEL_THIRD_PARTY}  # for absolute paths into its store
     /usr/${quarnelTriplet})
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
