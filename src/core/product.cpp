@@ -3,8 +3,9 @@
 namespace quarnel {
 
 std::string VersionRecordText() {
-  return std::to_string(kFileVersion[0]) + "." + std::to_string(kFileVersion[1]) + "." +
-         std::to_string(kFileVersion[2]);
+  // The revision is the fourth number of the record; the third one is not part of the version.
+  const auto& [major, minor, build, revision] = kFileVersion;
+  return std::to_string(major) + "." + std::to_string(minor) + "." + std::to_string(revision);
 }
 
 }  // namespace quarnel
