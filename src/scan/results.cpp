@@ -67,16 +67,15 @@ TreeNodeRef Results::AddThreatRoot(std::string_view name, std::string_view type)
   return root;
 }
 
-void Results::AddTraceChild(const TreeNodeRef& root, std::string_view prefix,
-                            std::string_view trace, bool oncePerTrace) {
+void Results::AddTraceChild(const TreeNodeRef& root, std::string_view prefix, const Trace& trace) {
+  const std::string text = std::string(prefix) + std::string(trace.text);
   // The count makes equal traces of one threat distinct keys.
-  const std::string key =
-      "K" + std::to_string(page_.vbatvwResults.Count()) + "[[]]" + std::string(trace);
-  const std::string text = std::string(prefix) + std::string(trace);
+  const std::string key = "K" + std::to_string(page_.vbatvwResults.Count()) + "[[]]" +
+                          (trace.keyHasPrefix ? text : std::string(trace.text));
   const TreeNodeRef child = page_.vbatvwResults.AddChild(root, key, text);
   child->image = child->selectedImage = 1;
-  if (oncePerTrace &&
-      page_.sfttvwResults.FindText(std::string(kIgnoredPrefix) + std::string(trace))) {
+  if (trace.oncePerTrace &&
+      page_.sfttvwResults.FindText(std::string(kIgnoredPrefix) + std::string(trace.text))) {
     return;
   }
   if (const auto threat = ThreatItem(page_.sfttvwResults, root->text)) {
@@ -85,12 +84,11 @@ void Results::AddTraceChild(const TreeNodeRef& root, std::string_view prefix,
   }
 }
 
-void Results::ShowTrace(const TreeNodeRef& root, std::string_view trace, bool ignored,
-                        bool oncePerTrace) {
-  if (!ignored) {
-    AddTraceChild(root, kFoundPrefix, trace, oncePerTrace);
+void Results::ShowTrace(const TreeNodeRef& root, const Trace& trace) {
+  if (!trace.ignored) {
+    AddTraceChild(root, kFoundPrefix, trace);
   } else if (!page_.chkDoNotShowIgnoredItem.Checked()) {
-    AddTraceChild(root, kIgnoredPrefix, trace, oncePerTrace);
+    AddTraceChild(root, kIgnoredPrefix, trace);
   }
   // The first find of a threat shows at once.
   if (root->children.size() == 1) page_.vbatvwResults.Refresh();
@@ -107,7 +105,8 @@ void Results::AddSpaywareToResults(std::string_view key) {
     }
     page_.lvwFilesToBeDeleted.Add({.text = current.path, .subItems = {current.type, current.name}});
     if (!root) return;
-    ShowTrace(root, current.path, IsSpywareIgnored(current.path, key, current.name), false);
+    ShowTrace(root,
+              {.text = current.path, .ignored = IsSpywareIgnored(current.path, key, current.name)});
   });
 }
 
@@ -126,7 +125,7 @@ void Results::AddFileTrace(const FileTrace& trace, TreeNodeRef& root) {
     page_.lvwFilesToBeDeleted.Add(
         {.text = trace.path, .subItems = {trace.typeName, trace.threatName}});
   }
-  if (root) ShowTrace(root, trace.path, ignored, true);
+  if (root) ShowTrace(root, {.text = trace.path, .ignored = ignored, .oncePerTrace = true});
 }
 
 void Results::vbatvwResults_nodeCheck(const TreeNodeRef& node) {

@@ -134,12 +134,22 @@ class Results {
   // them.
   std::string ResultsText() const;
 
- private:
+  // The pieces of which every phase's finds are made. The root of a new threat, in both trees;
+  // raises kKeyNotUnique when one stands already.
   TreeNodeRef AddThreatRoot(std::string_view name, std::string_view type);
-  // With `oncePerTrace` the flat tree takes no second line for a trace that it shows as ignored.
-  void AddTraceChild(const TreeNodeRef& root, std::string_view prefix, std::string_view trace,
-                     bool oncePerTrace);
-  void ShowTrace(const TreeNodeRef& root, std::string_view trace, bool ignored, bool oncePerTrace);
+
+  struct Trace {
+    std::string_view text;      // the trace's own text
+    bool ignored = false;       // it is on the safe list
+    bool keyHasPrefix = false;  // the node's key holds the prefix before the text
+    // The flat tree takes no second line for a trace that it shows as ignored.
+    bool oncePerTrace = false;
+  };
+  // Shows a trace under its root as found, or as ignored unless the user hides those.
+  void ShowTrace(const TreeNodeRef& root, const Trace& trace);
+
+ private:
+  void AddTraceChild(const TreeNodeRef& root, std::string_view prefix, const Trace& trace);
   std::string LevelColumn(std::string_view name) const;
 
   ResultsPage& page_;

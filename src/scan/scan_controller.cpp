@@ -181,11 +181,58 @@ void ScanController::BeginPhases() {
   u_.page.pbgMain.SetVisible(true);
 }
 
+bool ScanController::Present(std::string_view signatureFile) {
+  return SignaturePresent(u_.files, u_.machine, signatureFile);
+}
+
+// The bar's maximum is what the file's first line says, whatever it holds.
+void ScanController::MeasureBy(std::string_view signatureFile) {
+  u_.page.pbgMain.SetMax(GetSignatureCount(u_.files, u_.machine, signatureFile));
+}
+
+void ScanController::CookiePhase() {
+  u_.page.form.Refresh();
+  if (!ToBoolean(u_.settings.GetOther(setting::kScanCookies))) return;
+  u_.page.lblStatus.SetCaption("Scanning Cookies...");
+  u_.page.lblPercentageCompleted.SetCaption("Scanning Cookies...         ");
+  if (Present(signature_file::kBlockedCookies)) {
+    u_.resultsPage.lvwTrackingCookieObjectrecognized.Clear();
+    u_.cookieScan.DeleteSelectedCookies(u_.resultsPage.lvwTrackingCookieObjectrecognized, false);
+  }
+  u_.page.lblStatus.SetCaption("");
+}
+
+void ScanController::MemoryPhase() {
+  NextPhase("Scanning Memory - 0% Completed");
+  if (!ToBoolean(u_.settings.GetOther(setting::kSweepMemory))) return;
+  u_.page.lblStatus.SetCaption("Inspecting memory...");
+  if (!Present(signature_file::kPrograms)) return;
+  MeasureBy(signature_file::kPrograms);
+  switch (GetOSVersionInfo(u_.machine, u_.host, u_.settings.ApplicationName())) {
+    case static_cast<int>(SystemFamily::kWindows9x):
+      u_.memoryScan.CountProcessIn95();
+      break;
+    case static_cast<int>(SystemFamily::kWindowsNt):
+      u_.memoryScan.MemoryItemsInspection(u_.page.pbgMain);
+      break;
+    default:
+      break;
+  }
+}
+
+void ScanController::RegistryPhase() {
+  NextPhase("Scanning Registry - 0% Completed");
+  if (!ToBoolean(u_.settings.GetOther(setting::kScanRegistry))) return;
+  if (!Present(signature_file::kRegistry)) return;
+  MeasureBy(signature_file::kRegistry);
+  u_.registryScan.ScanRegistry();
+}
+
 void ScanController::FilePhase() {
   u_.page.lblStatus.SetVisible(true);
   NextPhase("Scanning Files/Folder - 0% Completed");
-  if (!SignaturePresent(u_.files, u_.machine, signature_file::kFiles)) return;
-  u_.page.pbgMain.SetMax(GetSignatureCount(u_.files, u_.machine, signature_file::kFiles));
+  if (!Present(signature_file::kFiles)) return;
+  MeasureBy(signature_file::kFiles);
   u_.fileScan.ScanSignatureFiles();
 }
 

@@ -8,7 +8,10 @@
 #include "core/settings.h"
 #include "platform/files.h"
 #include "platform/machine.h"
+#include "scan/cookie_scan.h"
 #include "scan/file_scan.h"
+#include "scan/memory_scan.h"
+#include "scan/registry_scan.h"
 #include "scan/results.h"
 #include "scan/scan_page.h"
 
@@ -39,6 +42,9 @@ class ScanController {
     ScanFlags& flags;
     ScanSurroundings& surroundings;
     Results& results;
+    CookieScan& cookieScan;
+    MemoryScan& memoryScan;
+    RegistryScan& registryScan;
     FileScan& fileScan;
     Settings& settings;
     Files& files;
@@ -74,6 +80,8 @@ class ScanController {
   void FilePhase();
   void EndPhases();
   void NextPhase(std::string_view caption);
+  bool Present(std::string_view signatureFile);
+  void MeasureBy(std::string_view signatureFile);
 
   Answer Box(std::string_view text, MessageIcon icon, MessageButtons buttons);
 

@@ -43,6 +43,7 @@ struct ScanFlags {
   bool scanStopRequested = false;     // the running scan must end at its next test
   bool scheduledScanRunning = false;  // asks for the closing message of a scheduled scan
   long lastProcessCount = 0;          // what the memory inspection counted last
+  bool alertScanRequested = false;    // the alert asked for a scan: the inspection ends
 };
 
 // "ScanStopRequested" and the rest are tested between pieces of work; this is the form's tag that

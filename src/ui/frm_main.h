@@ -188,6 +188,9 @@ class frmMain : public Form, private ScanSurroundings {
   ScanFlags flags_;
   SafeList safeList_;
   Results resultsModel_;
+  CookieScan cookieScan_;
+  MemoryScan memoryScan_;
+  RegistryScan registryScan_;
   FileScan fileScan_;
   ScanController controller_;
   Options optionLogic_;

@@ -39,7 +39,7 @@ void ConsoleHost::Notice(std::string_view text) {
 void ConsoleHost::Fail(std::string_view text) {
   if (!failed_) Notice(text);
   failed_ = true;
-  EndProcess();
+  throw ProcessEnded();
 }
 
 Answer ConsoleHost::MsgBox(const MessageBox& box) {
@@ -183,7 +183,7 @@ void ConsoleHost::RunDueWatches() {
     const PlacedWatch due = std::move(watches_[i]);
     watches_.erase(watches_.begin() + static_cast<std::ptrdiff_t>(i));
     UpdateListening();
-    if (gone) continue;
+    if (gone) continue;  // its form was unloaded: it can never fall due
     if (progress_) progress_->Wipe();
     player_->RunCommand(due.watch.command, due.line);
     // The command may have processed events itself, and so have run or added others.
@@ -202,7 +202,8 @@ void ConsoleHost::SetVirtualTime(DateTime now) {
 Milliseconds ConsoleHost::AdvanceToNextTimer(Milliseconds limit) {
   const Milliseconds start = clock().Ticks();
   const Milliseconds next = NextDue().value_or(start + limit);
-  Advance(std::clamp(next - start, Milliseconds(0), limit));
+  // At least one millisecond, so that a caller's loop gets on whatever the timers do.
+  Advance(std::min(std::max(next - start, Milliseconds(1)), limit));
   return clock().Ticks() - start;
 }
 

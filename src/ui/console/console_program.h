@@ -25,8 +25,8 @@ class ConsoleProgram {
   virtual ScanSummary Report() = 0;
   // The pages of the setup wizard, as a modal form.
   virtual void Wizard() = 0;
-  // Closes the program as its user would, with all questions; returns when it stays open.
-  virtual void Quit() = 0;
+  // Closes the program as its user would, with all questions; false when it stays open.
+  virtual bool Quit() = 0;
   // Leaves the program without any question, whatever runs. The process ends after it.
   virtual void End() = 0;
 };

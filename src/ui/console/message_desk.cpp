@@ -34,9 +34,8 @@ constexpr std::array kButtons{
 };
 
 const Buttons& Find(MessageButtons buttons) {
-  const auto found = std::find_if(kButtons.begin(), kButtons.end(), [&](const Buttons& entry) {
-    return entry.buttons == buttons;
-  });
+  const auto found = std::find_if(kButtons.begin(), kButtons.end(),
+                                  [&](const Buttons& entry) { return entry.buttons == buttons; });
   return found == kButtons.end() ? kButtons.front() : *found;
 }
 

@@ -30,7 +30,8 @@ std::string ProgressLine::Text(size_t columns) const {
   constexpr size_t kNarrow = 40;
   constexpr size_t kMostCells = 30;
   std::string text;
-  if (controls_.bar && columns >= kNarrow) text = Bar(*controls_.bar, std::min(columns / 4, kMostCells));
+  if (controls_.bar && columns >= kNarrow)
+    text = Bar(*controls_.bar, std::min(columns / 4, kMostCells));
   for (const Control* part : {controls_.percentage, controls_.status}) {
     if (!part) continue;
     const std::string value = part->ValueText();

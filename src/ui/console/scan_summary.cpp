@@ -68,11 +68,10 @@ std::string Counted(size_t count, std::string_view one) {
 }
 
 std::string SummaryLine(const ScanSummary& summary) {
-  std::string line = summary.ThreatCount() == 0 ? "No threats found"
-                                                : Counted(summary.ThreatCount(), "threat") +
-                                                      " with " +
-                                                      Counted(summary.TraceCount(), "trace") +
-                                                      " found";
+  std::string line = summary.ThreatCount() == 0
+                         ? "No threats found"
+                         : Counted(summary.ThreatCount(), "threat") + " with " +
+                               Counted(summary.TraceCount(), "trace") + " found";
   if (summary.IgnoredCount() > 0) {
     line += ", " + Counted(summary.IgnoredCount(), "trace") + " ignored";
   }
@@ -84,8 +83,8 @@ std::string SummaryLine(const ScanSummary& summary) {
 }  // namespace
 
 size_t ScanSummary::ThreatCount() const {
-  return static_cast<size_t>(std::count_if(threats.begin(), threats.end(),
-                                           [](const ScanThreat& threat) { return threat.Counts(); }));
+  return static_cast<size_t>(std::count_if(
+      threats.begin(), threats.end(), [](const ScanThreat& threat) { return threat.Counts(); }));
 }
 
 size_t ScanSummary::TraceCount() const {

@@ -25,7 +25,8 @@ struct ScanThreat {
 struct ScanSummary {
   std::string status;  // "Scanning completed."
   std::vector<ScanThreat> threats;
-  std::string error;  // why there was no scan; empty when there was one
+  // Why nothing can be concluded from it, such as missing signature files; empty when all is well.
+  std::string problem;
 
   size_t ThreatCount() const;
   size_t TraceCount() const;

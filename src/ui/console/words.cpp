@@ -102,9 +102,9 @@ Milliseconds ParseDuration(std::string_view text) {
 DateTime ParseMoment(std::string_view text) {
   using namespace std::chrono;
   constexpr std::string_view kForm = "dddd-dd-ddTdd:dd:dd";
-  const bool fits = std::equal(
-      text.begin(), text.end(), kForm.begin(), kForm.end(),
-      [](char c, char form) { return form == 'd' ? c >= '0' && c <= '9' : c == form; });
+  const bool fits =
+      std::equal(text.begin(), text.end(), kForm.begin(), kForm.end(),
+                 [](char c, char form) { return form == 'd' ? c >= '0' && c <= '9' : c == form; });
   const auto number = [&](size_t begin, size_t length) {
     return static_cast<int>(ParseCount(text.substr(begin, length)).value_or(0));
   };

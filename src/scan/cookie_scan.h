@@ -1,0 +1,72 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "controls/host.h"
+#include "core/error_log.h"
+#include "core/settings.h"
+#include "platform/files.h"
+#include "platform/machine.h"
+#include "scan/results.h"
+#include "scan/scan_page.h"
+
+namespace quarnel {
+
+// The one threat under which all tracking cookies stand.
+inline constexpr std::string_view kTrackingObject = "Tracking Object";
+inline constexpr std::string_view kTrackingCookies = "Tracking Cookies";
+
+// The cookie phase: the files of the user's cookie folder are looked up by their domains in the
+// list of blocked patterns. The same procedures delete the ticked cookies.
+class CookieScan {
+ public:
+  struct Uses {
+    ScanPage& page;
+    ResultsPage& resultsPage;
+    const ScanFlags& flags;
+    Results& results;
+    Files& files;
+    Machine& machine;
+    Host& host;
+    ErrorLog& log;
+    std::string title;  // of message boxes
+  };
+  explicit CookieScan(Uses uses) : u_(std::move(uses)) {}
+
+  // Scans the user's cookie folder into `list`, and with `bDelete` deletes ticked rows of it
+  // instead. Does nothing when the user has no such folder.
+  void DeleteSelectedCookies(ListView& list, bool bDelete);
+  void DeleteCookie(std::string_view folder, ListView& list, bool bDelete);
+
+  // Adds one row for each comma-delimited field of the file "BlockedCookies", whatever its folder;
+  // a file of any other name is left alone.
+  void LoadFileInListView(std::string_view file, ListView& list);
+
+  // The host that a cookie file names, with its sub-domain; the name in its file name when the file
+  // does not tell. "False" for a file that is missing or has no such name.
+  std::string FindDomianNameFromCookies(std::string_view cookieFile);
+
+ private:
+  // What the walk keeps from one file to the next.
+  struct Walk {
+    size_t lastIndex = 0;  // where the search of the file before ended, from 1
+  };
+
+  void LoadPatterns();
+  // False when the scan was stopped.
+  bool TestCookie(const std::string& path, ListView& list, bool enter, Walk& walk);
+  void Enter(const std::string& path, ListView& list);
+  void DeleteTicked(ListView& list);
+
+  Uses u_;
+};
+
+// The domain in a cookie file's name: user name, "@", domain, "[", a number, "].txt". Empty without
+// an "@".
+std::string GetExtractedFilenameFromPath(std::string_view path);
+
+// The system folder, cut at a NUL.
+std::string GetWindowsSystemDirectory(Machine& machine);
+
+}  // namespace quarnel

@@ -1,0 +1,128 @@
+#include "scan/memory_scan.h"
+
+#include "base/text.h"
+#include "core/paths.h"
+#include "platform/version_info.h"
+#include "scan/progress.h"
+#include "signatures/md5.h"
+#include "signatures/signature_files.h"
+#include "signatures/taxonomy.h"
+
+namespace quarnel {
+namespace {
+
+constexpr std::string_view kLoading = "Loading signatures. Please wait...";
+
+// The text between two positions of a line that may have been torn anywhere.
+std::string Between(std::string_view text, size_t begin, size_t end) {
+  if (begin >= text.size()) return {};
+  return std::string(text.substr(begin, end == std::string_view::npos ? end : end - begin));
+}
+
+}  // namespace
+
+std::string MemoryAlert::Question() const {
+  return ToUpper(path) + " is running in the memory and has been detected as " + typeName +
+         ".\r\n\r\n Do you wish to terminate this application?";
+}
+
+std::string MemoryScan::ActuallProcessName(std::string_view path) {
+  std::string result(path);
+  Reporting(u_.log, "ActuallProcessName of ModMemoryItemsInspected", [&] {
+    constexpr std::string_view kMark = "SYSTEM32\\";
+    const size_t mark = ToUpper(Trim(path)).rfind(kMark);
+    if (mark == std::string::npos) return;
+    result = GetWindowsSystemFolder(u_.machine) + "\\" +
+             std::string(Trim(path).substr(mark + kMark.size()));
+  });
+  return result;
+}
+
+void MemoryScan::MemoryItemsInspection(ProgressBar& progressBar) {
+  Reporting(u_.log, "MemoryItemsInspection of ModMemoryItemsInspected", [&] {
+    std::vector<ProcessRecord> processes;
+    const int count = Process32_Enum(u_.processes, processes, [this] { DoEvents(); });
+    if (count == u_.flags.lastProcessCount) return;
+    u_.flags.lastProcessCount = count;
+    const int last = Process32_Enum(u_.processes, processes, [this] { DoEvents(); });
+    if (!SignaturePresent(u_.files, u_.machine, signature_file::kPrograms)) return;
+    const std::string signatures =
+        LoadSignatures(u_.files, u_.machine, signature_file::kPrograms,
+                       [this] { u_.page.lblPercentageCompleted.SetCaption(kLoading); });
+    progressBar.SetValue(0);
+    progressBar.SetMax(std::max(last, 0) + 1);
+    u_.page.lblStatus.SetCaption(" ");
+    for (int i = 0; i <= last && !u_.flags.alertScanRequested; ++i) {
+      progressBar.SetValue(i);
+      if (InScan()) u_.page.lblMemoryInspected.SetCaption(std::to_string(i));
+      u_.page.lblPercentageCompleted.SetCaption(PercentCaption("Scanning Memory", progressBar));
+      DoEvents();
+      const auto path = u_.processes.MainModulePath(processes[static_cast<size_t>(i)].id);
+      if (path) Inspect(*path, signatures);
+    }
+  });
+}
+
+void MemoryScan::CountProcessIn95() {
+  Reporting(u_.log, "CountProcessIn95 of ModMemoryItemsInspected", [&] {
+    if (!SignaturePresent(u_.files, u_.machine, signature_file::kPrograms)) return;
+    const std::string signatures =
+        LoadSignatures(u_.files, u_.machine, signature_file::kPrograms,
+                       [this] { u_.page.lblPercentageCompleted.SetCaption(kLoading); });
+    std::vector<ProcessRecord> processes;
+    Process32_Enum(u_.processes, processes, [this] { DoEvents(); });
+    u_.page.pbgMain.SetMax(100);
+    u_.page.lblStatus.SetCaption(" ");
+    for (const ProcessRecord& process : processes) {
+      if (u_.flags.alertScanRequested) break;
+      IncrementProgressBar(u_.page.pbgMain);
+      if (InScan()) CountUp(u_.page.lblMemoryInspected);
+      u_.page.lblPercentageCompleted.SetCaption("Scanning Memory : " + u_.page.pbgMain.ValueText() +
+                                                "% completed.");
+      DoEvents();
+      Inspect(process.executable.substr(0, process.executable.find('\0')), signatures);
+    }
+    u_.page.lblPercentageCompleted.SetCaption("Scanning Memory : 100% completed.");
+  });
+}
+
+void MemoryScan::Inspect(std::string_view modulePath, std::string_view signatures) {
+  u_.page.lblStatus.SetCaption(modulePath);
+  const std::string path = ActuallProcessName(ToUpper(Trim(modulePath)));
+  const std::string company = GetCompanyName(u_.files, path, [this] { DoEvents(); });
+  const std::string hash = HashFile(u_.files, path);
+  const size_t position = FindText(signatures, hash);
+  if (position == std::string_view::npos) return;
+  const size_t first = signatures.find('^', position + 1);
+  const size_t second = first == std::string_view::npos ? first : signatures.find('^', first + 2);
+  if (second == std::string_view::npos) throw RuntimeError(ErrorNumber::kInvalidCall);
+  const Hit hit{.typeCode = Between(signatures, first + 1, second),
+                .threatName = std::string(
+                    Trim(Between(signatures, second + 1, signatures.find("\r\n", second + 1))))};
+  if (InScan()) CountUp(u_.page.lblMemoryInfected);
+  DetectRunningEXE(path, company, hash, hit);
+}
+
+void MemoryScan::DetectRunningEXE(std::string_view path, std::string_view company,
+                                  std::string_view hash, const Hit& hit) {
+  Reporting(u_.log, "DetectRunningEXE of ModMemoryItemsInspected", [&] {
+    const std::string_view baseName = path.substr(0, path.find('.'));
+    if (u_.results.IsSpywareIgnored(path, baseName, company)) return;
+    const std::string_view typeName = GetTypeOfSpyWare(hit.typeCode);
+    u_.results.current = {.type = std::string(typeName),
+                          .name = hit.threatName,
+                          .tag = "",
+                          .path = std::string(path)};
+    if (InScan()) {
+      u_.results.AddSpaywareToResults(path);
+      return;
+    }
+    u_.raiseAlert({.path = std::string(path),
+                   .company = std::string(company),
+                   .hash = std::string(hash),
+                   .typeName = std::string(typeName),
+                   .threatName = hit.threatName});
+  });
+}
+
+}  // namespace quarnel

@@ -1,0 +1,73 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "controls/host.h"
+#include "core/error_log.h"
+#include "platform/files.h"
+#include "platform/machine.h"
+#include "platform/processes.h"
+#include "scan/results.h"
+#include "scan/scan_page.h"
+
+namespace quarnel {
+
+// What the alert about a running threat shows.
+struct MemoryAlert {
+  std::string path;
+  std::string company;
+  std::string hash;
+  std::string typeName;
+  std::string threatName;
+
+  // "... is running in the memory and has been detected as ...", with its question.
+  std::string Question() const;
+};
+
+// Compares the running programs with the signature file of their hashes. During a scan, which the
+// enabled Stop image tells, a hit goes to the results; otherwise it raises the alert.
+class MemoryScan {
+ public:
+  struct Uses {
+    ScanPage& page;
+    ScanFlags& flags;
+    Results& results;
+    Processes& processes;
+    Files& files;
+    Machine& machine;
+    Host& host;
+    ErrorLog& log;
+    // Shows the alert and returns when it was answered.
+    std::function<void(const MemoryAlert& alert)> raiseAlert;
+  };
+  explicit MemoryScan(Uses uses) : u_(std::move(uses)) {}
+
+  // The NT family: inspects the main module of each process, unless the number of processes is that
+  // of the last time.
+  void MemoryItemsInspection(ProgressBar& progressBar);
+
+  // The 9x family: walks the snapshot itself, each time.
+  void CountProcessIn95();
+
+  // A module's path in a form that the file functions take: what stands behind "SYSTEM32\" is put
+  // below the system folder.
+  std::string ActuallProcessName(std::string_view path);
+
+ private:
+  struct Hit {
+    std::string typeCode;
+    std::string threatName;
+  };
+
+  void Inspect(std::string_view modulePath, std::string_view signatures);
+  void DetectRunningEXE(std::string_view path, std::string_view company, std::string_view hash,
+                        const Hit& hit);
+  void DoEvents() { u_.host.DoEvents(); }
+  bool InScan() const { return u_.page.ImgStopScanMouseMove.Enabled(); }
+
+  Uses u_;
+};
+
+}  // namespace quarnel

@@ -1,0 +1,77 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "controls/host.h"
+#include "core/error_log.h"
+#include "platform/files.h"
+#include "platform/machine.h"
+#include "platform/registry.h"
+#include "scan/results.h"
+#include "scan/scan_page.h"
+#include "signatures/signature_files.h"
+
+namespace quarnel {
+
+// How a registry trace is shown and recognised everywhere: in the tree, in the list, on the safe
+// list. For a whole key nothing stands behind the marker.
+std::string RegistryTraceText(std::string_view hiveName, std::string_view key,
+                              std::string_view valueName);
+
+// The string form of the user's security identifier: the name of the one subkey of the Protected
+// Storage key, which is made readable first. Empty for a user without that key.
+std::string GetSSID(Registry& registry);
+
+// The phase of registry signatures: each line becomes a hive, a key and a value name, which are
+// tested against the registry and entered in the results.
+class RegistryScan {
+ public:
+  struct Uses {
+    ScanPage& page;
+    ResultsPage& resultsPage;
+    const ScanFlags& flags;
+    Results& results;
+    Registry& registry;
+    Files& files;
+    Machine& machine;
+    Host& host;
+    ErrorLog& log;
+  };
+  explicit RegistryScan(const Uses& uses) : u_(uses) {}
+
+  void ScanRegistry();
+
+  // A registry signature with all forms resolved but "[[USER]]" and "CB:".
+  struct Entry {
+    std::string company;
+    std::string threatName;
+    std::string threatType;
+    uint32_t hive = 0;
+    std::string key;
+    std::string valueName;
+  };
+  // Tests one entry and enters its trace when it exists. `key` and `valueName` may be changed.
+  void LoadSpywareRegistryToBeDeleted(Entry& entry);
+
+ private:
+  // The working record of the walk. A field that a line does not set keeps the text of the line
+  // before.
+  struct Record {
+    std::string mainKey;
+    std::string key;
+    std::string valueName;
+    std::string valueData;
+  };
+
+  void ScanLine(std::string_view line, Record& record);
+  void ReadKeyField(std::string_view field, Record& record);
+  void TestFolders(const Entry& entry);
+  bool Exists(const Entry& entry);
+  void Enter(const Entry& entry);
+
+  Uses u_;
+};
+
+}  // namespace quarnel

@@ -1,0 +1,57 @@
+#include "ui/console/commands.h"
+
+#include <algorithm>
+#include <array>
+#include <string>
+
+namespace quarnel {
+namespace {
+
+constexpr std::array kCommands{
+    Command{"forms", "", command::Forms},
+    Command{"controls", "[FORM]", command::Controls},
+    Command{"get", "NAME [PROPERTY]", command::Get},
+    Command{"set", "NAME VALUE", command::Set},
+    Command{"click", "NAME [INDEX]", command::Click},
+    Command{"press", "NAME [INDEX]", command::Press},
+    Command{"rows", "LIST", command::Rows},
+    Command{"select", "LIST ROW", command::Select},
+    Command{"check", "LIST ROW 0|1", command::Check},
+    Command{"tree", "TREE", command::Tree},
+    Command{"checknode", "TREE INDEX 0|1", command::CheckNode},
+    Command{"clicknode", "TREE INDEX", command::ClickNode},
+    Command{"answer", "yes|no|ok|cancel|text:...", command::Answer},
+    Command{"messages", "", command::Messages},
+    Command{"during", "NAME COUNT COMMAND", command::During},
+    Command{"clock", "YYYY-MM-DDTHH:MM:SS", command::Clock},
+    Command{"advance", "DURATION", command::Advance},
+    Command{"wait", "DURATION", command::Wait},
+    Command{"waitfor", "NAME VALUE [TIMEOUT]", command::WaitFor},
+    Command{"scan", "", command::Scan},
+    Command{"remove", "", command::Remove},
+    Command{"report", "", command::Report},
+    Command{"expect", "NAME VALUE", command::Expect},
+    Command{"wizard", "", command::Wizard},
+    Command{"quit", "", command::Quit},
+    Command{"help", "", command::Help},
+};
+
+}  // namespace
+
+std::span<const Command> Commands() { return kCommands; }
+
+const Command* FindCommand(std::string_view name) {
+  const auto* found = std::find_if(kCommands.begin(), kCommands.end(),
+                                   [&](const Command& command) { return command.name == name; });
+  return found == kCommands.end() ? nullptr : found;
+}
+
+void command::Help(Session& session, Words& words) {
+  words.End();
+  for (const Command& entry : Commands()) {
+    session.records.Write(
+        {{"command", std::string(entry.name)}, {"arguments", std::string(entry.usage)}});
+  }
+}
+
+}  // namespace quarnel

@@ -1,0 +1,67 @@
+#include "ui/console/console_application.h"
+
+#include "base/runtime_error.h"
+#include "platform/platform.h"
+#include "signatures/signature_files.h"
+#include "ui/application.h"
+
+namespace quarnel {
+namespace {
+
+class ConsoleApplication : public ConsoleProgram {
+ public:
+  ConsoleApplication(Host& host, std::unique_ptr<Platform> platform)
+      : host_(host),
+        platform_(std::move(platform)),
+        application_(*platform_, host, {.showSplash = false}) {}
+
+  bool Start() override { return application_.Main(); }
+
+  ScanSummary Scan() override {
+    Image& start = application_.MainForm().scan.ImgStartScanMouseMove;
+    if (!start.Enabled()) throw RuntimeError(ErrorNumber::kInvalidCall, "a scan runs already");
+    if (start.MouseDown) start.MouseDown();
+    start.ClickByUser();
+    ScanSummary summary = Report();
+    bool present = false;
+    AllSignatureArePresent(platform_->files(), platform_->machine(), present);
+    if (!present) summary.problem = "signature files are missing";
+    return summary;
+  }
+
+  void Remove() override {
+    Button& remove = application_.MainForm().results.cmdRemoveSpywares;
+    if (!remove.Click) NotPartOfThisBuild("the removal");
+    remove.ClickByUser();
+  }
+
+  ScanSummary Report() override {
+    const frmMain& main = application_.MainForm();
+    return {.status = main.scan.lblStatus.Caption(),
+            .threats = ThreatsOf(main.results.vbatvwResults)};
+  }
+
+  void Wizard() override { NotPartOfThisBuild("the wizard"); }
+
+  bool Quit() override { return application_.MainForm().Close(UnloadMode::kUser); }
+
+  void End() override { host_.EndProcess(); }
+
+ private:
+  [[noreturn]] static void NotPartOfThisBuild(std::string_view what) {
+    throw RuntimeError(ErrorNumber::kInvalidCall, std::string(what) + " is not part of this build");
+  }
+
+  Host& host_;
+  std::unique_ptr<Platform> platform_;
+  Application application_;
+};
+
+}  // namespace
+
+std::unique_ptr<ConsoleProgram> MakeConsoleApplication(Host& host,
+                                                       const std::string& machineFolder) {
+  return std::make_unique<ConsoleApplication>(host, OpenPlatform(machineFolder));
+}
+
+}  // namespace quarnel

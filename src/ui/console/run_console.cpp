@@ -1,0 +1,143 @@
+#include "ui/console/run_console.h"
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "base/runtime_error.h"
+#include "ui/console/command_error.h"
+#include "ui/console/console_call.h"
+#include "ui/console/display_text.h"
+#include "ui/console/interpreter.h"
+
+namespace quarnel {
+namespace {
+
+using Kind = ConsoleCall::Kind;
+
+constexpr int kDone = 0;
+constexpr int kError = 1;
+constexpr int kThreatsFound = 2;
+constexpr int kBadCall = 2;
+
+bool IsJob(Kind kind) {
+  return kind == Kind::kScan || kind == Kind::kRemove || kind == Kind::kReport;
+}
+
+// Without an argument a person is meant when there is one, and otherwise a script on standard
+// input.
+ConsoleCall Complete(ConsoleCall call, Terminal& terminal) {
+  if (call.kind == Kind::kPrompt && !terminal.InputIsTerminal()) call.kind = Kind::kStandardInput;
+  return call;
+}
+
+bool OpenScript(const std::string& name, std::ifstream& file) {
+  const std::filesystem::path path(std::u8string(name.begin(), name.end()));
+  std::error_code ignored;
+  if (std::filesystem::is_directory(path, ignored)) return false;
+  file.open(path, std::ios::binary);
+  return file.is_open();
+}
+
+// Runs one of the jobs named on the command line.
+int RunJob(Kind kind, Session& session) {
+  if (kind == Kind::kScan) {
+    const ScanSummary summary = command::RunScan(session);
+    if (!summary.problem.empty()) return kError;
+    return summary.ThreatCount() > 0 ? kThreatsFound : kDone;
+  }
+  if (kind == Kind::kReport) {
+    command::RunReport(session);
+    return kDone;
+  }
+  const ConsoleHost::Job job(session.host);
+  session.program.Remove();
+  return kDone;
+}
+
+// Starts the program, does what the call asks for, and leaves it. ProcessEnded may come at any
+// point from the start on.
+int RunProgram(const ConsoleCall& call, Session& session, LineSource& lines, bool byPerson) {
+  if (!session.program.Start()) {
+    session.host.Notice("quarnel-console: another instance is running");
+    return kError;
+  }
+  Interpreter interpreter(session, lines, byPerson ? OnError::kGoOn : OnError::kEndScript);
+  session.host.Play(interpreter);
+  int code = kDone;
+  if (IsJob(call.kind)) {
+    code = RunJob(call.kind, session);
+  } else {
+    while (interpreter.RunNext("> ")) continue;
+  }
+  const ConsoleHost::Job leaving(session.host);
+  try {
+    session.program.End();
+  } catch (const ProcessEnded&) {
+    return session.host.HasFailed() ? kError : code;
+  }
+  return code;
+}
+
+int Run(const ConsoleCall& call, std::istream& script, const ConsoleStreams& streams,
+        const MakeProgram& makeProgram) {
+  const bool job = IsJob(call.kind);
+  const bool byPerson = (job || call.kind == Kind::kPrompt) && streams.terminal.InputIsTerminal();
+  ConsoleHost host(streams.err, {.person = byPerson ? &streams.terminal : nullptr,
+                                 .tellsBoxes = job || byPerson});
+  const std::unique_ptr<ConsoleProgram> program = makeProgram(host, call.machineFolder);
+  RecordWriter records(streams.out,
+                       call.json ? RecordWriter::Format::kJson : RecordWriter::Format::kTabs);
+  Session session{host, *program, streams.terminal, records};
+  ScriptLines written(script);
+  TypedLines typed(streams.terminal, streams.err);
+  LineSource& lines = byPerson ? static_cast<LineSource&>(typed) : written;
+  int code = kDone;
+  try {
+    code = RunProgram(call, session, lines, byPerson);
+  } catch (const ProcessEnded&) {
+    // A scan that did not come to its end has found nothing that could be told.
+    code = host.HasFailed() || call.kind == Kind::kScan ? kError : kDone;
+  }
+  streams.out.flush();
+  return code;
+}
+
+}  // namespace
+
+int RunConsole(std::span<const std::string> arguments, const ConsoleStreams& streams,
+               const MakeProgram& makeProgram) {
+  const auto complain = [&](std::string_view reason, int code) {
+    streams.err << "quarnel-console: " << reason << '\n';
+    streams.err.flush();
+    return code;
+  };
+  try {
+    const ConsoleCall call = Complete(ParseConsoleCall(arguments), streams.terminal);
+    if (call.kind == Kind::kHelp) {
+      streams.out << kConsoleUsage << '\n';
+      return kDone;
+    }
+    std::ifstream file;
+    if (call.kind == Kind::kScriptFile && !OpenScript(call.scriptFile, file)) {
+      return complain("cannot read the script " + Quoted(call.scriptFile), kBadCall);
+    }
+    std::istringstream nothing;
+    std::istream& script = call.kind == Kind::kScriptFile      ? file
+                           : call.kind == Kind::kStandardInput ? streams.in
+                                                               : nothing;
+    try {
+      return Run(call, script, streams, makeProgram);
+    } catch (const CommandError& failure) {
+      return complain(failure.text, kError);
+    }
+  } catch (const CommandError& failure) {
+    return complain(failure.text, kBadCall);
+  } catch (const RuntimeError& failure) {
+    return complain(Printable(failure.Description()), kError);
+  } catch (const std::exception& failure) {
+    return complain(Printable(failure.what()), kError);
+  }
+}
+
+}  // namespace quarnel
