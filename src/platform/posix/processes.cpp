@@ -102,7 +102,9 @@ class ProcProcesses : public Processes {
   std::optional<std::vector<ProcessRecord>> Snapshot() override {
     const std::unique_ptr<DIR, int (*)(DIR*)> folder(opendir("/proc"), closedir);
     if (!folder) return std::nullopt;
-    std::vector<ProcessRecord> records;
+    // The table of a Windows system begins with this entry, which nobody can open. Without it a
+    // machine on which one program runs would have the last index of one on which none does.
+    std::vector<ProcessRecord> records = {{0, 0, "[System Process]"}};
     startTimes_.clear();
     while (const dirent* entry = readdir(folder.get())) {
       const std::string_view name = entry->d_name;
@@ -122,6 +124,7 @@ class ProcProcesses : public Processes {
   }
 
   std::optional<std::string> MainModulePath(uint32_t id) override {
+    if (id == 0) return std::nullopt;
     const auto host = ReadExecutable(id);
     if (!host) return std::nullopt;
     return paths_.ToWindows(*host);
