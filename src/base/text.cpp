@@ -16,18 +16,28 @@ constexpr char Upper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c
 constexpr char Lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; }
 constexpr bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
+struct NumberPrefix {
+  double value = 0;
+  size_t length = 0;  // characters of the text that belong to the number
+};
+
 // Hexadecimal and octal texts are whole numbers of 16 or 32 bits with a sign: &HFFFF is -1.
-double PrefixedNumber(std::string_view digits, int base) {
+NumberPrefix PrefixedNumber(std::string_view digits, int base) {
   uint64_t value = 0;
-  for (const char c : digits) {
-    const char upper = Upper(c);
-    const int digit = IsDigit(upper) ? upper - '0' : upper - 'A' + 10;
-    if (digit < 0 || digit >= base || (!IsDigit(upper) && (upper < 'A' || upper > 'F'))) break;
-    value = value * static_cast<uint64_t>(base) + static_cast<uint64_t>(digit);
-    if (value > std::numeric_limits<uint32_t>::max()) return 0;
+  size_t length = 0;
+  for (; length < digits.size(); ++length) {
+    const char upper = Upper(digits[length]);
+    const int digit = IsDigit(upper) ? upper - '0' : upper >= 'A' ? upper - 'A' + 10 : base;
+    if (digit >= base) break;
+    // A value that is too large stays so.
+    value = std::min(value * static_cast<uint64_t>(base) + static_cast<uint64_t>(digit),
+                     uint64_t{1} << 40);
   }
-  if (value <= 0xFFFF) return static_cast<int16_t>(value);
-  return static_cast<int32_t>(value);
+  if (value > std::numeric_limits<uint32_t>::max()) {
+    return {std::numeric_limits<double>::infinity(), length};
+  }
+  if (value <= 0xFFFF) return {static_cast<double>(static_cast<int16_t>(value)), length};
+  return {static_cast<double>(static_cast<int32_t>(value)), length};
 }
 
 // The text without the white space that number reading passes over.
@@ -63,10 +73,23 @@ size_t DecimalLength(std::string_view text) {
   return length;
 }
 
-struct NumberPrefix {
-  double value = 0;
-  size_t length = 0;  // characters of the text that belong to the number
-};
+// The value of a decimal number that no double can hold: it is too large or too small.
+double OutOfRange(std::string_view number) {
+  const size_t exponentAt = std::min(number.find('E'), number.size());
+  const std::string_view mantissa = number.substr(0, exponentAt);
+  const auto point = static_cast<std::ptrdiff_t>(std::min(mantissa.find('.'), mantissa.size()));
+  const auto firstDigit = static_cast<std::ptrdiff_t>(mantissa.find_first_of("123456789"));
+  std::string_view exponentText = number.substr(std::min(exponentAt + 1, number.size()));
+  if (exponentText.starts_with('+')) exponentText.remove_prefix(1);
+  long exponent = 0;
+  const auto [end, error] =
+      std::from_chars(exponentText.data(), exponentText.data() + exponentText.size(), exponent);
+  // Far enough for any number, and no sum with it overflows.
+  constexpr long kFar = 1'000'000'000;
+  if (error == std::errc::result_out_of_range) exponent = exponentText[0] == '-' ? -kFar : kFar;
+  const bool small = point - firstDigit + std::clamp(exponent, -kFar, kFar) < 0;
+  return small ? 0 : std::numeric_limits<double>::infinity();
+}
 
 NumberPrefix ReadNumber(std::string_view text) {
   size_t sign = 0;
@@ -74,23 +97,17 @@ NumberPrefix ReadNumber(std::string_view text) {
   const bool negative = sign == 1 && text[0] == '-';
   const std::string_view body = text.substr(sign);
   if (body.size() >= 2 && body[0] == '&' && (Upper(body[1]) == 'H' || Upper(body[1]) == 'O')) {
-    const int base = Upper(body[1]) == 'H' ? 16 : 8;
-    size_t length = 2;
-    while (length < body.size() &&
-           (IsDigit(body[length]) || (Upper(body[length]) >= 'A' && Upper(body[length]) <= 'F'))) {
-      ++length;
-    }
-    const double value = PrefixedNumber(body.substr(2), base);
-    return {negative ? -value : value, sign + length};
+    const auto [value, length] = PrefixedNumber(body.substr(2), Upper(body[1]) == 'H' ? 16 : 8);
+    if (length == 0) return {};
+    return {negative ? -value : value, sign + 2 + length};
   }
   const size_t length = DecimalLength(body);
   if (length == 0) return {};
-  std::string digits(body.substr(0, length));
-  std::replace_if(
-      digits.begin(), digits.end(), [](char c) { return Upper(c) == 'D'; }, 'E');
+  std::string digits = ToUpper(body.substr(0, length));
+  std::replace(digits.begin(), digits.end(), 'D', 'E');
   double value = 0;
   const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
-  if (error == std::errc::result_out_of_range) value = std::numeric_limits<double>::infinity();
+  if (error == std::errc::result_out_of_range) value = OutOfRange(digits);
   return {negative ? -value : value, sign + length};
 }
 
@@ -202,6 +219,14 @@ std::string Join(const std::vector<std::string>& parts, std::string_view delimit
 double Val(std::string_view text) { return ReadNumber(WithoutBlanks(text)).value; }
 
 int32_t ValLong(std::string_view text) {
+  // Counters are short runs of digits, and a scan counts with every line.
+  constexpr size_t kSafeDigits = 9;
+  if (!text.empty() && text.size() <= kSafeDigits &&
+      std::all_of(text.begin(), text.end(), IsDigit)) {
+    int32_t number = 0;
+    for (const char c : text) number = number * 10 + (c - '0');
+    return number;
+  }
   const double value = std::trunc(Val(text));
   return static_cast<int32_t>(std::clamp(value,
                                          static_cast<double>(std::numeric_limits<int32_t>::min()),
@@ -223,11 +248,9 @@ std::string_view BooleanText(bool value) { return value ? "True" : "False"; }
 
 std::string SingleText(float value) {
   std::array<char, 64> buffer{};
-  const auto [end, error] = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value);
-  std::string text(buffer.data(), end);
-  if (text.starts_with("0.")) text.erase(0, 1);
-  if (text.starts_with("-0.")) text.erase(1, 1);
-  return text;
+  const auto [end, error] = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value,
+                                          std::chars_format::general, 7);
+  return ToUpper(std::string_view(buffer.data(), end));
 }
 
 }  // namespace quarnel

@@ -41,7 +41,8 @@ std::vector<std::string> Split(std::string_view text, std::string_view delimiter
 std::string Join(const std::vector<std::string>& parts, std::string_view delimiter);
 
 // The number at the front of a text: blanks are passed over, "&H" and "&O" prefixes are known, and
-// reading stops at the first character that cannot belong to a number. 0 when there is none.
+// reading stops at the first character that cannot belong to a number. 0 when there is none, an
+// infinity for a number that is too large.
 double Val(std::string_view text);
 
 // Val as a whole number, cut to the range of 32 bits (a count never needs more).
@@ -60,7 +61,7 @@ bool ToBoolean(std::string_view text);
 // "True" or "False".
 std::string_view BooleanText(bool value);
 
-// The shortest decimal form of a number: 7, 0.5 as ".5", single precision.
+// A single-precision number to its seven digits: "7", "0.5", "37516.25", "1E+07".
 std::string SingleText(float value);
 
 }  // namespace quarnel
