@@ -78,7 +78,9 @@ double OutOfRange(std::string_view number) {
   const size_t exponentAt = std::min(number.find('E'), number.size());
   const std::string_view mantissa = number.substr(0, exponentAt);
   const auto point = static_cast<std::ptrdiff_t>(std::min(mantissa.find('.'), mantissa.size()));
-  const auto firstDigit = static_cast<std::ptrdiff_t>(mantissa.find_first_of("123456789"));
+  const size_t digitAt = mantissa.find_first_of("123456789");
+  if (digitAt == std::string_view::npos) return 0;
+  const auto firstDigit = static_cast<std::ptrdiff_t>(digitAt);
   std::string_view exponentText = number.substr(std::min(exponentAt + 1, number.size()));
   if (exponentText.starts_with('+')) exponentText.remove_prefix(1);
   long exponent = 0;
