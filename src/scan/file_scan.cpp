@@ -1,12 +1,13 @@
 #include "scan/file_scan.h"
 
+#include <utility>
+
 #include "base/text.h"
 #include "core/paths.h"
 #include "platform/version_info.h"
 #include "scan/folders.h"
 #include "scan/progress.h"
 #include "signatures/md5.h"
-#include "signatures/signature_files.h"
 #include "signatures/taxonomy.h"
 
 namespace quarnel {
@@ -17,105 +18,123 @@ constexpr std::string_view kFolderToken = "[[FOLDER]]";
 // The fields of a line in QNLFSig.dll.
 enum SignatureField { kCompany, kThreatName, kTypeCode, kFolderCode, kPath, kHashCode, kSpywareId };
 
-// The fields of a candidate.
-enum CandidateField { kFullPath, kItsCompany, kItsThreat, kItsType, kItsHash, kItsId };
-
-// A field of a split line; a line that has too few raises the error which ends the phase.
-const std::string& Field(const std::vector<std::string>& fields, size_t index) {
-  if (index >= fields.size()) throw RuntimeError(ErrorNumber::kSubscriptOutOfRange);
-  return fields[index];
-}
-
 }  // namespace
 
 void FileScan::ScanSignatureFiles() {
   Reporting(u_.log, "ScanSignatureFiles in frmMain", [&] {
     if (!SignaturePresent(u_.files, u_.machine, signature_file::kFiles)) return;
-    CDirDrill dd(u_.files);
-    State state;
-    dd.NewFile = [&](bool&, const std::string& path) { dd_NewFile(path, state); };
+    Phase phase(u_.files);
+    phase.user = GetCurrentUser(u_.machine);
+    phase.dd.NewFile = [&](bool&, const std::string& path) { dd_NewFile(path, phase); };
     SignatureLines lines(u_.files, u_.machine, signature_file::kFiles);
     while (const auto line = lines.Next()) {
-      ScanLine(*line, dd, state);
+      ScanLine(*line, phase);
       if (u_.flags.scanStopRequested) return;
       u_.host.DoEvents();
     }
   });
 }
 
-void FileScan::ScanLine(std::string_view line, CDirDrill& dd, State& state) {
+void FileScan::ShowProgress() {
   const int inspected = CountUp(u_.page.lblFilesFolderInspected);
   if (inspected <= u_.page.pbgMain.Max()) u_.page.pbgMain.SetValue(inspected);
   u_.page.lblPercentageCompleted.SetCaption(
       PercentCaption("Scanning Signature Files/Folder", u_.page.pbgMain));
+}
+
+void FileScan::ScanLine(std::string_view line, Phase& phase) {
+  ShowProgress();
   if (u_.flags.scanStopRequested) return;
-  state.currentSignatureFields = Split(line, ",");
-  state.fileSearchRows.clear();
-  ExpandLine(dd, state);
+  phase.currentSignatureFields.emplace(line);
+  phase.fileSearchRows.clear();
+  ExpandLine(phase);
   if (u_.flags.scanStopRequested) return;
-  // The rows are taken out: what a handler starts meanwhile must not change them.
-  for (const std::string& row : std::exchange(state.fileSearchRows, {})) {
-    TestCandidate(row, state);
+  for (const std::string& path : phase.fileSearchRows) {
+    TestRow(path, phase);
     if (u_.flags.scanStopRequested) return;
     u_.host.DoEvents();
   }
 }
 
-void FileScan::ExpandLine(CDirDrill& dd, State& state) {
-  const auto& fields = state.currentSignatureFields;
-  for (const std::string& folder :
-       GetFolder(u_.machine, ToInteger(std::string_view(Field(fields, kFolderCode))))) {
-    std::string path =
-        Replace(folder + Field(fields, kPath), kUserToken, GetCurrentUser(u_.machine));
-    if (path.find(kFolderToken) == std::string::npos) {
-      dd_NewFile(path, state);
-      continue;
-    }
-    dd.SetFolder(Replace(path, kFolderToken, ""));
-    dd.SetPattern("*.*");
-    if (!dd.Folder().empty()) dd.BeginSearch();
-  }
+// A folder's place does not change within a phase.
+const std::string& FileScan::FolderOf(std::string_view code, Phase& phase) {
+  const int16_t number = ToInteger(code);
+  const bool known = number >= 0 && static_cast<size_t>(number) < phase.folders.size();
+  auto& folder = phase.folders[known ? static_cast<size_t>(number) : 0];
+  if (!folder) folder = GetFolder(u_.machine, number).front();
+  return *folder;
 }
 
-// A candidate is one text with commas between its fields, so a comma in its path shifts them and
-// the test of the path's first part fails quietly.
-void FileScan::dd_NewFile(const std::string& path, State& state) {
-  const auto& fields = state.currentSignatureFields;
-  state.fileSearchRows.push_back(Join({path, Field(fields, kCompany), Field(fields, kThreatName),
-                                       std::string(GetTypeOfSpyWare(Field(fields, kTypeCode))),
-                                       Field(fields, kHashCode), Field(fields, kSpywareId)},
-                                      ","));
+void FileScan::ExpandLine(Phase& phase) {
+  const SignatureFields& fields = *phase.currentSignatureFields;
+  std::string path = FolderOf(fields[kFolderCode], phase);
+  path.append(fields[kPath]);
+  if (path.find("[[") == std::string::npos) return dd_NewFile(std::move(path), phase);
+  path = Replace(path, kUserToken, phase.user);
+  if (path.find(kFolderToken) == std::string::npos) return dd_NewFile(std::move(path), phase);
+  phase.dd.SetFolder(Replace(path, kFolderToken, ""));
+  phase.dd.SetPattern("*.*");
+  if (!phase.dd.Folder().empty()) phase.dd.BeginSearch();
 }
 
-void FileScan::TestCandidate(const std::string& row, State& state) {
+void FileScan::dd_NewFile(std::string path, Phase& phase) {
+  phase.fileSearchRows.push_back(std::move(path));
+}
+
+void FileScan::TestRow(const std::string& path, Phase& phase) {
+  const SignatureFields& fields = *phase.currentSignatureFields;
   u_.results.RecomputeCounters();
-  state.currentSignatureFields = Split(row, ",");
-  const auto& fields = state.currentSignatureFields;
-  const std::string& path = Field(fields, kFullPath);
-  u_.page.lblStatus.SetCaption(path);
+  const std::string_view typeName = GetTypeOfSpyWare(fields[kTypeCode]);
+  if (path.find(',') == std::string::npos) {
+    return TestCandidate({.path = path,
+                          .company = fields[kCompany],
+                          .threatName = fields[kThreatName],
+                          .typeName = typeName,
+                          .hash = fields[kHashCode],
+                          .spywareId = fields[kSpywareId]},
+                         phase);
+  }
+  // A candidate is one text with commas between its fields: one in its path shifts them, and the
+  // test of the path's first part fails quietly.
+  std::string row = path;
+  for (const std::string_view field :
+       {fields[kCompany], fields[kThreatName], typeName, fields[kHashCode], fields[kSpywareId]}) {
+    row.append(",").append(field);
+  }
+  const SignatureFields shifted(row);
+  TestCandidate({.path = shifted[0],
+                 .company = shifted[1],
+                 .threatName = shifted[2],
+                 .typeName = shifted[3],
+                 .hash = shifted[4],
+                 .spywareId = shifted[5]},
+                phase);
+}
+
+void FileScan::TestCandidate(const Candidate& candidate, Phase& phase) {
+  u_.page.lblStatus.SetCaption(candidate.path);
+  if (!phase.index.FileExists(candidate.path)) return;
   std::string result;
-  CheckValidFile(path, Field(fields, kItsCompany), Field(fields, kItsHash), result);
+  CheckValidFile(candidate.path, candidate.company, candidate.hash, result);
   if (result != "True") return;
-  u_.results.AddFileTrace({.path = path,
-                           .company = Field(fields, kItsCompany),
-                           .threatName = Field(fields, kItsThreat),
-                           .typeName = Field(fields, kItsType),
-                           .spywareId = std::string(Trim(Field(fields, kItsId)))},
-                          state.root);
+  u_.results.AddFileTrace({.path = std::string(candidate.path),
+                           .company = std::string(candidate.company),
+                           .threatName = std::string(candidate.threatName),
+                           .typeName = std::string(candidate.typeName),
+                           .spywareId = std::string(Trim(candidate.spywareId))},
+                          phase.root);
 }
 
 void FileScan::CheckValidFile(std::string_view path, std::string_view company,
                               std::string_view hash, std::string& result) {
   result = "False";
   Reporting(u_.log, "CheckValidFile in frmMain", [&] {
-    if (!FileExists(u_.files, path)) return;
-    const bool isShortcut = GetFileExtension(path) == "lnk";
-    if (isShortcut || HasCompanyOrHash(path, company, hash)) result = "True";
+    if (FileExists(u_.files, path) && IsThreat(path, company, hash)) result = "True";
   });
 }
 
-bool FileScan::HasCompanyOrHash(std::string_view path, std::string_view company,
-                                std::string_view hash) {
+bool FileScan::IsThreat(std::string_view path, std::string_view company, std::string_view hash) {
+  if (GetFileExtension(path) == "lnk") return true;
   const auto hashFits = [&] { return EqualText(HashFile(u_.files, path), hash); };
   if (EqualText(company, "unknown")) return !hash.empty() && hashFits();
   // A named company without a hash needs only the file: the two empty hash texts are equal.

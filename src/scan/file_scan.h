@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -9,8 +11,10 @@
 #include "core/error_log.h"
 #include "platform/files.h"
 #include "platform/machine.h"
+#include "scan/folder_index.h"
 #include "scan/results.h"
 #include "scan/scan_page.h"
+#include "signatures/signature_files.h"
 
 namespace quarnel {
 
@@ -38,18 +42,30 @@ class FileScan {
                       std::string& result);
 
  private:
-  // What the phase keeps from one candidate to the next.
-  struct State {
-    std::vector<std::string> currentSignatureFields;
-    std::vector<std::string> fileSearchRows;
+  // What the phase keeps from one line and one candidate to the next.
+  struct Phase {
+    explicit Phase(Files& files) : index(files), dd(files) {}
+    FolderIndex index;
+    CDirDrill dd;
+    std::optional<SignatureFields> currentSignatureFields;
+    std::vector<std::string> fileSearchRows;  // the paths that the line describes
     TreeNodeRef root;
+    std::string user;
+    std::array<std::optional<std::string>, 44> folders;  // by code
+  };
+  // A path with the fields of its line.
+  struct Candidate {
+    std::string_view path, company, threatName, typeName, hash, spywareId;
   };
 
-  void ScanLine(std::string_view line, CDirDrill& dd, State& state);
-  void ExpandLine(CDirDrill& dd, State& state);
-  void TestCandidate(const std::string& row, State& state);
-  void dd_NewFile(const std::string& path, State& state);
-  bool HasCompanyOrHash(std::string_view path, std::string_view company, std::string_view hash);
+  void ScanLine(std::string_view line, Phase& phase);
+  void ShowProgress();
+  void ExpandLine(Phase& phase);
+  const std::string& FolderOf(std::string_view code, Phase& phase);
+  void dd_NewFile(std::string path, Phase& phase);
+  void TestRow(const std::string& path, Phase& phase);
+  void TestCandidate(const Candidate& candidate, Phase& phase);
+  bool IsThreat(std::string_view path, std::string_view company, std::string_view hash);
 
   Uses u_;
 };
