@@ -1,14 +1,17 @@
 #include "signatures/cipher.h"
 
 #include <algorithm>
-#include <bit>
+#include <cstring>
 
 #include "signatures/cipher_kernels.h"
+#include "signatures/line_end.h"
 
 // The reorder step of the algorithm takes two characters at a time from the front, turns the pair
 // and puts it in front of what it has. For every length that is the mirror image of the text.
 namespace quarnel {
 namespace {
+
+static_assert(kLongestLine == kLongestCipherLine);
 
 uint64_t Load64(const char* bytes) {
   uint64_t word;
@@ -74,8 +77,24 @@ void DecryptTo(std::string_view cipher, char* plain, [[maybe_unused]] CipherLeve
   DecryptPortable(cipher.data(), cipher.size(), plain);
 }
 
-void DecryptTo(std::string_view cipher, char* plain) {
-  DecryptTo(cipher, plain, BestCipherLevel());
+size_t DecryptLines(std::string_view bytes, char* text, [[maybe_unused]] CipherLevel level) {
+  size_t begin = 0;
+#if defined(__x86_64__) || defined(__i386__)
+  level = std::min(level, BestCipherLevel());
+  if (level == CipherLevel::kAvx2) {
+    begin = DecryptLinesAvx2(bytes.data(), bytes.size(), text);
+  } else if (level == CipherLevel::kSsse3) {
+    begin = DecryptLinesSsse3(bytes.data(), bytes.size(), text);
+  }
+#endif
+  for (;;) {
+    const size_t end = FindLineEnd(bytes, begin);
+    if (bytes.substr(end, 2) != "\r\n" || end - begin > kLongestLine) return begin;
+    DecryptPortable(bytes.data() + begin, end - begin, text + begin);
+    text[end] = '\r';
+    text[end + 1] = '\n';
+    begin = end + 2;
+  }
 }
 
 void DecryptInto(std::string_view cipher, std::string& plain) {

@@ -24,14 +24,18 @@ std::string Decrypt(std::string_view cipher);
 // must not overlap.
 void DecryptInto(std::string_view cipher, std::string& plain);
 
-// Deciphers to `plain`, which has room for cipher.size() characters and does not overlap it.
-void DecryptTo(std::string_view cipher, char* plain);
-
-// The instructions that deciphering may use: the best that the processor has is the default.
+// The instructions that deciphering may use. One that the processor lacks is replaced by the best
+// that it has; tests and measurements choose.
 enum class CipherLevel { kPortable, kSsse3, kAvx2 };
 CipherLevel BestCipherLevel();
-// As DecryptTo, with a level that the caller chose, for tests and measurements. One that the
-// processor lacks is replaced by the best that it has.
-void DecryptTo(std::string_view cipher, char* plain, CipherLevel level);
+
+// Deciphers to `plain`, which has room for cipher.size() characters and does not overlap it.
+void DecryptTo(std::string_view cipher, char* plain, CipherLevel level = BestCipherLevel());
+
+// Deciphers the lines at the front of `bytes` and keeps their ends, so that each character of the
+// text stands at the place of its byte. It stops at a line that does not end at CR LF, or is longer
+// than kLongestLine, and returns how many bytes it took. `text` has room for all of `bytes` and
+// does not overlap it; what stands behind the lines taken is lost.
+size_t DecryptLines(std::string_view bytes, char* text, CipherLevel level = BestCipherLevel());
 
 }  // namespace quarnel

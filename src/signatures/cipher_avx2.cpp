@@ -1,31 +1,41 @@
 #if defined(__x86_64__) || defined(__i386__)
 #include <immintrin.h>
 
-#include "signatures/cipher_kernels.h"
+#include "signatures/cipher_blocks.h"
 
 namespace quarnel {
 namespace {
 
-// Deciphers the 32 bytes at `position` of a text to their mirrored place.
-inline void DecryptBlock(const char* cipher, size_t size, size_t position, char* plain) {
-  const __m256i key =
-      _mm256_loadu_si256(reinterpret_cast<const __m256i*>(kKeyStream + position % 8));
-  const __m256i bytes = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(cipher + position));
-  const __m256i mirror = _mm256_broadcastsi128_si256(
-      _mm_set_epi8(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15));
-  const __m256i halves = _mm256_shuffle_epi8(_mm256_sub_epi8(bytes, key), mirror);
-  _mm256_storeu_si256(reinterpret_cast<__m256i*>(plain + (size - 32 - position)),
-                      _mm256_permute2x128_si256(halves, halves, 1));
-}
+struct Bytes32 {
+  static constexpr size_t kSize = 32;
+
+  static __m256i Load(const char* from) {
+    return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(from));
+  }
+  static void Decrypt(const char* from, const char* key, char* to) {
+    const __m256i mirror = _mm256_broadcastsi128_si256(
+        _mm_set_epi8(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15));
+    const __m256i halves = _mm256_shuffle_epi8(_mm256_sub_epi8(Load(from), Load(key)), mirror);
+    _mm256_storeu_si256(reinterpret_cast<__m256i*>(to),
+                        _mm256_permute2x128_si256(halves, halves, 1));
+  }
+  static uint64_t Find64(const char* from, char c) {
+    const __m256i wanted = _mm256_set1_epi8(c);
+    const auto mask = [&](const char* half) {
+      return static_cast<uint32_t>(_mm256_movemask_epi8(_mm256_cmpeq_epi8(Load(half), wanted)));
+    };
+    return mask(from) | static_cast<uint64_t>(mask(from + 32)) << 32;
+  }
+};
 
 }  // namespace
 
 void DecryptAvx2(const char* cipher, size_t size, char* plain) {
-  for (size_t position = 0; position + 32 <= size; position += 32) {
-    DecryptBlock(cipher, size, position, plain);
-  }
-  // The rest goes as a whole block that overlaps the one before.
-  if (size % 32 != 0) DecryptBlock(cipher, size, size - 32, plain);
+  DecryptBlocks<Bytes32>(cipher, size, plain);
+}
+
+size_t DecryptLinesAvx2(const char* bytes, size_t size, char* text) {
+  return DecryptLineBlocks<Bytes32>(bytes, size, text);
 }
 
 }  // namespace quarnel

@@ -55,6 +55,35 @@ TEST(Cipher, EveryLevelIsTheDefinition) {
   }
 }
 
+TEST(Cipher, LinesKeepTheirPlaces) {
+  std::mt19937 random(8);
+  for (size_t round = 0; round < 300; ++round) {
+    std::string bytes;
+    std::string expected;
+    for (size_t line = random() % 20; line > 0; --line) {
+      std::string cipher = RandomBytes(random, random() % (round % 3 == 0 ? 300 : 70));
+      for (char& c : cipher) c = c == '\r' || c == '\n' ? 'x' : c;
+      expected += DecryptAsDefined(cipher) + "\r\n";
+      bytes += cipher + "\r\n";
+    }
+    const std::string_view oddEnd[] = {
+        "", "rest", "rest\r", "bare\nnext\r\n", "bare\rnext\r\n", "\n\r\n"};
+    bytes += oddEnd[round % std::size(oddEnd)];
+    // Room behind the odd line, so that it is met in the middle of the text.
+    if (random() % 2 == 0 && oddEnd[round % std::size(oddEnd)].ends_with('\n'))
+      bytes.append(200, 'y');
+    for (const CipherLevel level :
+         {CipherLevel::kPortable, CipherLevel::kSsse3, CipherLevel::kAvx2}) {
+      std::string text(bytes.size(), '#');
+      const size_t taken = DecryptLines(bytes, text.data(), level);
+      ASSERT_EQ(text.substr(0, taken), expected) << round << ", level " << int(level);
+    }
+  }
+  const std::string tooLong = std::string(kLongestLine + 1, 'x') + "\r\n" + std::string(200, 'x');
+  std::string text(tooLong.size(), '#');
+  EXPECT_EQ(DecryptLines(tooLong, text.data()), 0U);
+}
+
 TEST(Cipher, BufferIsReusedForShorterText) {
   std::string plain = "something longer than the next line";
   DecryptInto(Encrypt("next"), plain);
