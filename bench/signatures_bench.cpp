@@ -1,0 +1,115 @@
+#include <benchmark/benchmark.h>
+
+#include <cstring>
+#include <memory>
+#include <random>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "signatures/cipher.h"
+#include "signatures/md5.h"
+#include "signatures/signature_files.h"
+
+namespace quarnel {
+namespace {
+
+// A signature line of usual length, as the file phase reads it.
+std::string FileLine(std::mt19937& random) {
+  std::string hash;
+  for (int i = 0; i < 32; ++i) hash += "0123456789ABCDEF"[random() % 16];
+  return "Company " + std::to_string(random() % 10000) + ",Some threat " +
+         std::to_string(random() % 100000) + ",11,37,folder\\program" + std::to_string(random()) +
+         ".exe," + hash + ",ID" + std::to_string(random());
+}
+
+const std::string& Enciphered100Megabytes() {
+  static const std::string kText = [] {
+    std::mt19937 random(1);
+    std::string text;
+    while (text.size() < 100'000'000) text += Encrypt(FileLine(random)) + "\r\n";
+    return text;
+  }();
+  return kText;
+}
+
+const std::vector<std::string>& MillionLines() {
+  static const std::vector<std::string> kLines = [] {
+    std::mt19937 random(2);
+    std::vector<std::string> lines;
+    for (int i = 0; i < 1'000'000; ++i) lines.push_back(FileLine(random));
+    return lines;
+  }();
+  return kLines;
+}
+
+void DecipherBaseline(benchmark::State& state) {
+  const std::string& text = Enciphered100Megabytes();
+  std::string copy(text.size(), '\0');
+  for ([[maybe_unused]] auto round : state) {
+    std::memcpy(copy.data(), text.data(), text.size());
+    benchmark::DoNotOptimize(copy.data());
+    benchmark::ClobberMemory();
+  }
+}
+
+void Decipher(benchmark::State& state, CipherLevel level) {
+  const std::string& text = Enciphered100Megabytes();
+  std::string plain(text.size(), '\0');
+  for ([[maybe_unused]] auto round : state) {
+    if (DecryptLines(text, plain.data(), level) != text.size()) state.SkipWithError("cut short");
+    benchmark::DoNotOptimize(plain.data());
+    benchmark::ClobberMemory();
+  }
+}
+
+// Looks at each character once and keeps where the fields are.
+void FieldsBaseline(benchmark::State& state) {
+  const auto& lines = MillionLines();
+  for ([[maybe_unused]] auto round : state) {
+    for (const std::string& line : lines) {
+      std::string_view fields[7];
+      size_t count = 0, begin = 0;
+      for (size_t i = 0; i < line.size() && count < 6; ++i) {
+        if (line[i] != ',') continue;
+        fields[count++] = std::string_view(line).substr(begin, i - begin);
+        begin = i + 1;
+      }
+      fields[count] = std::string_view(line).substr(begin);
+      benchmark::DoNotOptimize(fields);
+    }
+  }
+}
+
+void Fields(benchmark::State& state) {
+  const auto& lines = MillionLines();
+  for ([[maybe_unused]] auto round : state) {
+    for (const std::string& line : lines) {
+      const SignatureFields fields(line);
+      benchmark::DoNotOptimize(fields);
+    }
+  }
+}
+
+template <typename Function>
+void Add(const std::string& name, Function function) {
+  benchmark::RegisterBenchmark(name.c_str(), function)
+      ->Unit(benchmark::kMillisecond)
+      ->UseRealTime();
+}
+
+const bool kRegistered = [] {
+  Add("decipher_100_MB/baseline", DecipherBaseline);
+  for (const auto& [name, level] :
+       {std::pair{"portable", CipherLevel::kPortable}, std::pair{"ssse3", CipherLevel::kSsse3},
+        std::pair{"avx2", CipherLevel::kAvx2}}) {
+    Add(std::string("decipher_100_MB/") + name,
+        [level = level](benchmark::State& state) { Decipher(state, level); });
+  }
+  Add("fields_of_1M_lines/baseline", FieldsBaseline);
+  Add("fields_of_1M_lines/ours", Fields);
+  return true;
+}();
+
+}  // namespace
+}  // namespace quarnel
