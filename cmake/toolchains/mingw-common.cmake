@@ -12,9 +12,9 @@ set(CMAKE_C_COMPILER ${quarnelTriplet}-gcc-posix)
 set(CMAKE_CXX_COMPILER ${quarnelTriplet}-g++-posix)
 set(CMAKE_RC_COMPILER ${quarnelTriplet}-windres)
 
-# The compiler cannot align a stack frame to more than 16 bytes on this system,
-# yet spills AVX registers with moves that demand 32 or 64. The assembler
-# rewrites those moves to their unaligned forms, which cost the same.
+# This compiler cannot align a stack frame to more than 16 bytes here, so AVX registers must be
+# spilled with unaligned moves, which cost the same. The distribution's compiler is patched to do
+# so; the assembler sees to it for any other.
 set(quarnelCompileFlags
     "${quarnelCompileFlags} -fstack-protector-strong -Wa,-muse-unaligned-vector-move")
 
