@@ -37,13 +37,12 @@ inline void DecryptInside(const char* cipher, size_t size, char* plain) {
 // The lines at the front of `bytes`, as DecryptLines has it. The last ones are left to the caller.
 template <typename V>
 inline size_t DecryptLineBlocks(const char* bytes, size_t size, char* text) {
-  size_t begin = 0;          // of the line
-  uint64_t lineFeedDue = 0;  // 1 when the last byte of the blocks before is a CR
+  size_t begin = 0;  // of the line
+  if (size == 0 || bytes[0] == '\n') return 0;
   for (size_t block = 0; block + 64 + V::kSize <= size; block += 64) {
     uint64_t returns = V::Find64(bytes + block, '\r');
     // A CR without its LF, or an LF without its CR: such lines are rare, and the caller's.
-    if ((returns << 1 | lineFeedDue) != V::Find64(bytes + block, '\n')) break;
-    lineFeedDue = returns >> 63;
+    if (returns != V::Find64(bytes + block + 1, '\n')) break;
     for (; returns != 0; returns &= returns - 1) {
       const size_t end = block + static_cast<size_t>(__builtin_ctzll(returns));
       const size_t length = end - begin;
