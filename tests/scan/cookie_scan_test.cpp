@@ -1,0 +1,125 @@
+#include "scan/cookie_scan.h"
+
+#include <gmock/gmock.h>
+
+#include "scan/scan_fixture.h"
+#include "signatures/complement.h"
+
+namespace quarnel {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+
+class CookieScanTest : public ScanTest {
+ protected:
+  CookieScanTest() {
+    IgnoringErrors([&] {
+      for (const DirectoryEntry& entry : files().List(folder)) {
+        if (!entry.IsFolder()) files().Delete(folder + "\\" + entry.name);
+      }
+    });
+  }
+
+  CookieScan cookieScan{{.page = page,
+                         .resultsPage = resultsPage,
+                         .flags = flags,
+                         .results = results,
+                         .files = files(),
+                         .machine = machine(),
+                         .host = host,
+                         .log = log,
+                         .title = "Quarnel"}};
+  std::string folder = GetPath(machine(), csidl::kCookies);
+
+  std::string Cookie(std::string_view name, std::string_view itsHost) {
+    const std::string path = folder + "\\" + std::string(name);
+    WriteFile(path, "id\nvalue\n" + std::string(itsHost) + "/path\n1024\n*\n");
+    return path;
+  }
+
+  std::vector<std::string> Scan(const std::string& patterns) {
+    const std::string plain = DataFolder(machine()) + "BlockedCookies";
+    if (FileExists(files(), plain)) files().Delete(plain);
+    WriteWholeFile(files(), DataFolder(machine()) + "QNLBlkCoo.dll", ComplementBytes(patterns));
+    resultsPage.lvwTrackingCookieObjectrecognized.Clear();
+    cookieScan.DeleteSelectedCookies(resultsPage.lvwTrackingCookieObjectrecognized, false);
+    return Texts(resultsPage.lvwTrackingCookieObjectrecognized);
+  }
+};
+
+TEST_F(CookieScanTest, NamesInPaths) {
+  const struct {
+    std::string_view path, name;
+  } kCases[] = {
+      {"C:\\c\\user@ads.example[1].txt", "ads.example"},
+      {"user@host(2)x[1].txt", "host"},
+      {"user@host.example.txt", "host.example"},
+      {"no at sign.txt", ""},
+      {"a@b@c[1].txt", "b@c"},
+      {"user@bare", "bare"},
+  };
+  for (const auto& testCase : kCases) {
+    EXPECT_EQ(GetExtractedFilenameFromPath(testCase.path), testCase.name) << testCase.path;
+  }
+}
+
+TEST_F(CookieScanTest, HostComesFromTheFileElseFromItsName) {
+  EXPECT_EQ(cookieScan.FindDomianNameFromCookies(Cookie("u@ads.example[1].txt", "ads.example")),
+            "ads.example");
+  EXPECT_EQ(cookieScan.FindDomianNameFromCookies(Cookie("u@ads[1].txt", "x.ads.example")),
+            "ads.example");
+  EXPECT_EQ(cookieScan.FindDomianNameFromCookies(Cookie("u@other[1].txt", "ads.example")), "other");
+  EXPECT_EQ(cookieScan.FindDomianNameFromCookies(Cookie("plain.txt", "ads.example")), "False");
+  EXPECT_EQ(cookieScan.FindDomianNameFromCookies(folder + "\\u@missing[1].txt"), "False");
+}
+
+TEST_F(CookieScanTest, BlockedDomainsBecomeTracesOfOneThreat) {
+  const std::string first = Cookie("user@ads.example[1].txt", "ads.example");
+  const std::string second = Cookie("user@www.track1.example[1].txt", "www.track1.example");
+  Cookie("user@good.example[2].txt", "good.example");
+  Cookie("user@ADS.upper[1].txt", "ADS.upper");
+  EXPECT_THAT(Scan("ads.*\ntrack#.example\n"), ElementsAre(first, second));
+  EXPECT_THAT(TreeLines(),
+              ElementsAre("Tracking Object", "  [Found] - " + first, "  [Found] - " + second));
+  EXPECT_EQ(resultsPage.lbltracesFound.Caption(), "2");
+  EXPECT_EQ(resultsPage.lvwPicRemoveListOfSpywareFoundAndToBeRemoved.At(0).SubItem(1),
+            "Tracking Cookies");
+  // The patterns are loaded anew each time, so an update takes effect.
+  EXPECT_THAT(Scan("nothing\n"), ElementsAre());
+}
+
+TEST_F(CookieScanTest, InvalidPatternEndsTheWalk) {
+  Cookie("user@ads.example[1].txt", "ads.example");
+  const std::string late = Cookie("user@late.example[1].txt", "late.example");
+  EXPECT_THAT(Scan("late*\n[torn\n"), ElementsAre());
+  EXPECT_THAT(LogText(), HasSubstr("DeleteCookie"));
+  EXPECT_THAT(Scan("ads*\nlate*\n[torn\n"), ElementsAre(testing::_, late));
+}
+
+TEST_F(CookieScanTest, DeletionPassesOverTheRowBehindEachDeletedOne) {
+  std::vector<std::string> paths;
+  for (const std::string_view name : {"a@x1.example[1].txt", "a@x2.example[1].txt",
+                                      "a@x3.example[1].txt", "a@x4.example[1].txt"}) {
+    paths.push_back(Cookie(name, "ads.example"));
+  }
+  ListView& list = resultsPage.lvwTrackingCookieObjectrecognized;
+  Scan("x*\n");
+  ASSERT_EQ(list.Count(), 4U);
+  for (size_t i = 0; i < list.Count(); ++i) list.SetChecked(i, true);
+  resultsPage.lvwIgnoredSpywares.Add({.text = paths[2]});
+  cookieScan.DeleteSelectedCookies(list, true);
+  EXPECT_THAT(Texts(list), ElementsAre(paths[1], paths[2]));
+  EXPECT_FALSE(FileExists(files(), paths[0]));
+  EXPECT_TRUE(FileExists(files(), paths[1]));
+  EXPECT_FALSE(FileExists(files(), paths[3]));
+}
+
+TEST_F(CookieScanTest, StopLeavesTheSearchWithTheListAsItStands) {
+  Cookie("user@ads.example[1].txt", "ads.example");
+  host.onEvents = [&] { flags.scanStopRequested = true; };
+  EXPECT_THAT(Scan("miss1\nmiss2\nads*\n"), ElementsAre());
+}
+
+}  // namespace
+}  // namespace quarnel

@@ -1,0 +1,119 @@
+#include "scan/memory_scan.h"
+
+#include <gmock/gmock.h>
+
+#include <map>
+
+#include "base/text.h"
+#include "scan/scan_fixture.h"
+#include "signatures/md5.h"
+
+namespace quarnel {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+// A process table of files that lie on the test's machine: which programs run must be known here.
+class ListedProcesses : public Processes {
+ public:
+  std::vector<ProcessRecord> records;
+  std::optional<std::vector<ProcessRecord>> Snapshot() override { return records; }
+  std::optional<std::string> MainModulePath(uint32_t id) override {
+    for (const ProcessRecord& record : records) {
+      if (record.id == id && id != 0) return record.executable;
+    }
+    return std::nullopt;
+  }
+  bool Terminate(uint32_t, uint32_t) override { return false; }
+  bool WaitForEnd(uint32_t, std::chrono::milliseconds) override { return true; }
+  uint32_t OwnId() override { return 1; }
+};
+
+class MemoryScanTest : public ScanTest {
+ protected:
+  ListedProcesses processes;
+  std::vector<MemoryAlert> alerts;
+  MemoryScan memoryScan{
+      {.page = page,
+       .flags = flags,
+       .results = results,
+       .processes = processes,
+       .files = files(),
+       .machine = machine(),
+       .host = host,
+       .log = log,
+       .raiseAlert = [this](const MemoryAlert& alert) { alerts.push_back(alert); }}};
+
+  std::string Run(std::string_view name, std::string_view content) {
+    const std::string path = Path(name);
+    WriteFile(path, content);
+    processes.records.push_back({static_cast<uint32_t>(processes.records.size()), 1, path});
+    return ToUpper(path);
+  }
+  void Sign(std::string_view content) {
+    Install({.programs = HexText(Md5Of(content)) + "^11^Runner\n"});
+  }
+};
+
+TEST_F(MemoryScanTest, RunningThreatEntersTheResultsOfAScan) {
+  Run("idle", "");
+  const std::string path = Run("bad.exe", "bad");
+  Run("good.exe", "good");
+  Sign("bad");
+  memoryScan.MemoryItemsInspection(page.pbgMain);
+  EXPECT_THAT(TreeLines(), ElementsAre("Runner", "  [Found] - " + path));
+  EXPECT_EQ(resultsPage.vbatvwResults.At(1)->columns.front(), "Trojan");
+  EXPECT_EQ(page.lblMemoryInfected.Caption(), "1");
+  EXPECT_EQ(page.lblMemoryInspected.Caption(), "2");
+  // The number of processes is that of the last time, so nothing is inspected.
+  memoryScan.MemoryItemsInspection(page.pbgMain);
+  EXPECT_EQ(page.lblMemoryInfected.Caption(), "1");
+}
+
+TEST_F(MemoryScanTest, SecondCopyIsCountedAndNotEntered) {
+  Run("idle", "");
+  Run("one.exe", "bad");
+  Run("two.exe", "bad");
+  Sign("bad");
+  memoryScan.MemoryItemsInspection(page.pbgMain);
+  EXPECT_EQ(page.lblMemoryInfected.Caption(), "2");
+  EXPECT_EQ(resultsPage.lvwFilesToBeDeleted.Count(), 1U);
+}
+
+TEST_F(MemoryScanTest, OutsideAScanAHitRaisesTheAlert) {
+  page.ImgStopScanMouseMove.SetEnabled(false);
+  Run("idle", "");
+  const std::string path = Run("bad.exe", "bad");
+  Sign("bad");
+  memoryScan.MemoryItemsInspection(page.pbgMain);
+  EXPECT_THAT(TreeLines(), IsEmpty());
+  ASSERT_EQ(alerts.size(), 1U);
+  EXPECT_EQ(alerts[0].Question(),
+            path +
+                " is running in the memory and has been detected as Trojan.\r\n\r\n Do you "
+                "wish to terminate this application?");
+  resultsPage.lvwIgnoredSpywares.Add({.text = path});
+  flags.lastProcessCount = 0;
+  memoryScan.MemoryItemsInspection(page.pbgMain);
+  EXPECT_EQ(alerts.size(), 1U);
+}
+
+TEST_F(MemoryScanTest, SnapshotVariantWalksEachTimeAndEndsAtAHundred) {
+  page.pbgMain.SetMax(100);
+  Run("bad.exe", "bad");
+  Sign("bad");
+  memoryScan.CountProcessIn95();
+  EXPECT_EQ(resultsPage.lvwFilesToBeDeleted.Count(), 1U);
+  EXPECT_EQ(page.lblPercentageCompleted.Caption(), "Scanning Memory : 100% completed.");
+}
+
+TEST_F(MemoryScanTest, ModulePathsBelowSystem32AreMadePlain) {
+  const std::string system = GetWindowsSystemFolder(machine());
+  EXPECT_EQ(memoryScan.ActuallProcessName("\\SystemRoot\\System32\\smss.exe"),
+            system + "\\smss.exe");
+  EXPECT_EQ(memoryScan.ActuallProcessName("C:\\Program Files\\x.exe"), "C:\\Program Files\\x.exe");
+}
+
+}  // namespace
+}  // namespace quarnel
