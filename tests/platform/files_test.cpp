@@ -1,0 +1,287 @@
+#include "platform/files.h"
+
+#include <gtest/gtest.h>
+
+#include "base/text.h"
+#include "support/platform_fixture.h"
+
+namespace quarnel {
+namespace {
+
+class FilesTest : public PlatformTest {
+ protected:
+  std::string Make(std::string_view name, std::string_view bytes = "x") {
+    std::string path = Path(name);
+    WriteWholeFile(files(), path, bytes);
+    return path;
+  }
+  std::string Read(std::string_view path) { return ReadWholeFile(files(), path); }
+  bool Exists(std::string_view path) { return files().Stat(path).has_value(); }
+  std::vector<std::string> Names(std::string_view folder) {
+    std::vector<std::string> names;
+    for (const DirectoryEntry& entry : files().List(folder)) names.push_back(entry.name);
+    return names;
+  }
+};
+
+TEST_F(FilesTest, OpenModesKeepEmptyOrExtendAFile) {
+  const std::string path = Path("modes.bin");
+  const std::string allBytes = std::string("\0\r\n\xFF\x1A", 5) + "tail";
+  files().Open(path, OpenMode::kReadWrite)->Write(allBytes);
+  EXPECT_EQ(Read(path), allBytes);
+
+  const auto file = files().Open(path, OpenMode::kReadWrite);
+  EXPECT_EQ(file->Size(), 9U);
+  file->Seek(5);
+  file->Write("T");
+  file->Seek(12);
+  file->Write("!");
+  file->Flush();
+  char buffer[4] = {};
+  file->Seek(5);
+  EXPECT_EQ(file->Read(buffer), 4U);
+  EXPECT_EQ(std::string(buffer, 4), "Tail");
+  EXPECT_EQ(Read(path), std::string("\0\r\n\xFF\x1ATail\0\0\0!", 13));
+
+  AppendToFile(files(), path, "+");
+  EXPECT_EQ(Read(path).size(), 14U);
+  WriteWholeFile(files(), path, "");
+  EXPECT_EQ(Read(path), "");
+  EXPECT_EQ(file->Read(buffer), 0U);
+}
+
+TEST_F(FilesTest, ReadWholeFileHasALimit) {
+  const std::string path = Make("big", std::string(1000, 'a'));
+  EXPECT_EQ(ReadWholeFile(files(), path, 1000).size(), 1000U);
+  EXPECT_EQ(ErrorOf([&] { ReadWholeFile(files(), path, 999); }), ErrorNumber::kOverflow);
+}
+
+TEST_F(FilesTest, FindsPathsInAnyCaseWithEitherSlash) {
+  files().CreateFolder(Path("Folder"));
+  Make("Folder\\File.TXT", "found");
+  const std::string drive = Scratch().substr(0, 2);
+  const std::string rest = Scratch().substr(2);
+  for (const std::string& path :
+       {Path("folder\\file.txt"), Path("FOLDER/FILE.TXT"), ToLower(Path("Folder")) + "//file.Txt",
+        Path(".\\Folder\\..\\Folder\\.\\File.TXT"), Path("nowhere\\..\\Folder\\File.TXT"),
+        drive + "\\..\\..\\.." + rest + "\\Folder\\File.TXT", "c:" + rest + "\\Folder\\File.TXT"}) {
+    EXPECT_EQ(Read(path), "found") << path;
+    const auto entry = files().Stat(path);
+    ASSERT_TRUE(entry) << path;
+    EXPECT_EQ(entry->name, "File.TXT") << path;
+    EXPECT_EQ(entry->size, 5U);
+    EXPECT_FALSE(entry->IsFolder());
+  }
+  // Written through another case it stays the one file.
+  WriteWholeFile(files(), Path("FOLDER\\file.txt"), "again");
+  EXPECT_EQ(Names(Path("Folder")), std::vector<std::string>{"File.TXT"});
+}
+
+TEST_F(FilesTest, SeesChangesAtOnce) {
+  const std::string path = Path("sub\\appears.exe");
+  for (int turn = 0; turn < 20; ++turn) {
+    EXPECT_FALSE(Exists(path)) << turn;
+    files().CreateFolder(Path("sub"));
+    EXPECT_FALSE(Exists(path)) << turn;
+    Make("sub\\APPEARS.exe");
+    EXPECT_TRUE(Exists(path)) << turn;
+    files().Delete(path);
+    EXPECT_FALSE(Exists(path)) << turn;
+    files().DeleteFolder(Path("SUB"));
+  }
+}
+
+TEST_F(FilesTest, ListsAFolderInOrderOfFoldedNames) {
+  for (const char* name : {"b", "_c", "A2", "a10", ".hidden", "Z"}) Make(name, "12");
+  files().CreateFolder(Path("c"));
+  EXPECT_EQ(Names(Scratch()),
+            (std::vector<std::string>{".hidden", "a10", "A2", "b", "c", "Z", "_c"}));
+  const auto entries = files().List(Scratch() + "\\");
+  EXPECT_TRUE(entries[4].IsFolder());
+  EXPECT_EQ(entries[4].size, 0U);
+  EXPECT_EQ(entries[3].size, 2U);
+  EXPECT_TRUE(files().Stat("C:\\")->IsFolder());
+}
+
+TEST_F(FilesTest, KeepsEveryName) {
+  const std::string names[] = {
+      "\xC3\xA4\xE2\x82\xAC.txt",         // letters outside ASCII
+      "\xF0\x9F\x98\x80.dat",             // outside the basic plane
+      "\xED\xA0\x80lone.exe",             // a lone surrogate in its three-byte form
+      "latin\xE4.exe",                    // a byte that is no UTF-8
+      "50% off;&'()[]{}!#$+,-=@^_`~ .x",  // all that Windows allows
+      std::string(196, 'n') + ".long",
+  };
+  for (const std::string& name : names) {
+    Make(name, name);
+    EXPECT_EQ(Read(Path(name)), name);
+    ASSERT_TRUE(Exists(Path(name))) << name;
+    EXPECT_EQ(files().Stat(Path(name))->name, name);
+    EXPECT_EQ(Names(Scratch()), std::vector<std::string>{name});
+    files().Delete(Path(name));
+    EXPECT_FALSE(Exists(Path(name))) << name;
+  }
+}
+
+TEST_F(FilesTest, ReachesPathsOfAnyDepth) {
+  std::string folder = Scratch();
+  const std::string part(100, 'd');
+  for (int level = 0; level < 60; ++level) {
+    folder += "\\" + part;
+    files().CreateFolder(folder);
+  }
+  const std::string path = folder + "\\deep.exe";
+  WriteWholeFile(files(), path, "deep");
+  EXPECT_EQ(Read(ToUpper(path)), "deep");
+  EXPECT_EQ(Names(folder), std::vector<std::string>{"deep.exe"});
+  EXPECT_FALSE(Exists(folder + "\\other.exe"));
+  files().Move(path, folder + "\\moved.exe");
+  files().Delete(folder + "\\moved.exe");
+  EXPECT_TRUE(Names(folder).empty());
+}
+
+TEST_F(FilesTest, SaysWhatKindOfFailureItIs) {
+  Make("file");
+  Make("read-only");
+  files().SetAttributes(Path("read-only"), file_attribute::kReadOnly);
+  files().CreateFolder(Path("folder"));
+  files().CreateFolder(Path("full"));
+  Make("full\\x");
+  const std::string missing = Path("missing");
+  const std::string pathless = Path("no\\such\\x");
+  const auto open = [&](std::string_view path, OpenMode mode) {
+    return ErrorOf([&] { files().Open(path, mode); });
+  };
+  using enum ErrorNumber;
+  EXPECT_EQ(open(missing, OpenMode::kRead), kFileNotFound);
+  EXPECT_EQ(open(pathless, OpenMode::kRead), kPathNotFound);
+  EXPECT_EQ(open(Path("file\\x"), OpenMode::kRead), kPathNotFound);
+  EXPECT_EQ(open(Path("folder"), OpenMode::kRead), kPathFileAccess);
+  EXPECT_EQ(open(Path("a?b"), OpenMode::kRead), kBadFileName);
+  EXPECT_EQ(open("", OpenMode::kRead), kBadFileName);
+  for (const OpenMode mode : {OpenMode::kReadWrite, OpenMode::kCreate, OpenMode::kAppend}) {
+    EXPECT_EQ(open(pathless, mode), kPathNotFound);
+    EXPECT_EQ(open(Path("folder"), mode), kPathFileAccess);
+    EXPECT_EQ(open(Path("read-only"), mode), kPermissionDenied);
+    EXPECT_EQ(open(Path("a*b"), mode), kBadFileName);
+    EXPECT_EQ(open(Path(std::string(300, 'n')), mode), kBadFileName);
+  }
+  struct Case {
+    const char* what;
+    std::optional<ErrorNumber> got;
+    ErrorNumber wanted;
+  };
+  Files& f = files();
+  const Case cases[] = {
+      {"delete missing", ErrorOf([&] { f.Delete(missing); }), kFileNotFound},
+      {"delete pathless", ErrorOf([&] { f.Delete(pathless); }), kPathNotFound},
+      {"delete folder", ErrorOf([&] { f.Delete(Path("folder")); }), kPathFileAccess},
+      {"delete read-only", ErrorOf([&] { f.Delete(Path("read-only")); }), kPermissionDenied},
+      {"delete pattern", ErrorOf([&] { f.Delete(Path("*")); }), kBadFileName},
+      {"rmdir full", ErrorOf([&] { f.DeleteFolder(Path("full")); }), kPathFileAccess},
+      {"rmdir file", ErrorOf([&] { f.DeleteFolder(Path("file")); }), kPathFileAccess},
+      {"mkdir there", ErrorOf([&] { f.CreateFolder(Path("FOLDER")); }), kFileExists},
+      {"mkdir on file", ErrorOf([&] { f.CreateFolder(Path("file")); }), kFileExists},
+      {"mkdir pathless", ErrorOf([&] { f.CreateFolder(pathless); }), kPathNotFound},
+      {"move missing", ErrorOf([&] { f.Move(missing, Path("y")); }), kFileNotFound},
+      {"move onto", ErrorOf([&] { f.Move(Path("file"), Path("READ-only")); }), kFileExists},
+      {"move pathless", ErrorOf([&] { f.Move(Path("file"), pathless); }), kPathNotFound},
+      {"move into itself", ErrorOf([&] { f.Move(Path("full"), Path("full\\y")); }),
+       kPermissionDenied},
+      {"copy missing", ErrorOf([&] { f.Copy(missing, Path("y")); }), kFileNotFound},
+      {"copy onto folder", ErrorOf([&] { f.Copy(Path("file"), Path("folder")); }), kPathFileAccess},
+      {"copy onto read-only", ErrorOf([&] { f.Copy(Path("file"), Path("read-only")); }),
+       kPermissionDenied},
+      {"copy onto itself", ErrorOf([&] { f.Copy(Path("file"), Path("FILE")); }), kPermissionDenied},
+      {"replace by missing", ErrorOf([&] { f.ReplaceFile(missing, Path("file")); }), kFileNotFound},
+      {"list missing", ErrorOf([&] { f.List(missing); }), kPathNotFound},
+      {"list file", ErrorOf([&] { f.List(Path("file")); }), kPathNotFound},
+      {"attributes", ErrorOf([&] { f.SetAttributes(missing, 0); }), kFileNotFound},
+      {"time", ErrorOf([&] { f.SetModified(missing, FileTime()); }), kFileNotFound},
+  };
+  for (const Case& test : cases) {
+    EXPECT_EQ(test.got, test.wanted) << test.what;
+  }
+  for (const std::string& path :
+       {missing, pathless, Path("fi?e"), Path("f*"), std::string(), std::string("C:\\a\0b", 6),
+        std::string("1:\\"), "C:\\" + std::string(200000, '\\') + "x",
+        "C:" + std::string(100000, 'x')}) {
+    EXPECT_FALSE(Exists(path)) << path.substr(0, 80);
+  }
+  EXPECT_EQ(Read(Path("file")), "x");
+}
+
+TEST_F(FilesTest, MovesFilesAndFolders) {
+  files().CreateFolder(Path("from"));
+  Make("from\\a", "1");
+  files().Move(Path("FROM"), Path("to"));
+  EXPECT_EQ(Names(Scratch()), std::vector<std::string>{"to"});
+  files().Move(Path("to\\a"), Path("b"));
+  EXPECT_EQ(Read(Path("b")), "1");
+  files().Move(Path("b"), Path("B"));
+  EXPECT_EQ(Names(Scratch()), (std::vector<std::string>{"B", "to"}));
+}
+
+TEST_F(FilesTest, ReplacesAFileInOneStep) {
+  Make("settings.ini", "old");
+  Make("settings.new", "new");
+  files().ReplaceFile(Path("settings.new"), Path("SETTINGS.ini"));
+  EXPECT_EQ(Read(Path("settings.ini")), "new");
+  EXPECT_EQ(files().List(Scratch()).size(), 1U);
+  files().SetAttributes(Path("settings.ini"), file_attribute::kReadOnly);
+  Make("settings.new", "newer");
+  EXPECT_EQ(ErrorOf([&] { files().ReplaceFile(Path("settings.new"), Path("settings.ini")); }),
+            ErrorNumber::kPermissionDenied);
+  EXPECT_EQ(Read(Path("settings.ini")), "new");
+}
+
+TEST_F(FilesTest, CopyBringsContentAttributesAndTime) {
+  const std::string content = std::string(300'000, 'c') + "end";
+  Make("source", content);
+  Make("target", std::string(400'000, 't'));
+  const FileTime time = FileTime(std::chrono::sys_days(std::chrono::days(12'500))) +
+                        FileTime::duration(123'456'789'012);
+  files().SetModified(Path("source"), time);
+  files().SetAttributes(Path("source"), file_attribute::kReadOnly | file_attribute::kHidden);
+  files().Copy(Path("source"), Path("target"));
+  EXPECT_EQ(Read(Path("target")), content);
+  const auto entry = files().Stat(Path("target"));
+  EXPECT_EQ(entry->modified, time);
+  EXPECT_NE(entry->attributes & file_attribute::kReadOnly, 0U);
+  EXPECT_EQ(entry->attributes & file_attribute::kHidden,
+            files().Stat(Path("source"))->attributes & file_attribute::kHidden);
+}
+
+TEST_F(FilesTest, KeepsAttributes) {
+  using namespace file_attribute;
+  const std::string path = Make("attributes");
+  files().SetAttributes(path, kHidden);
+  if ((files().Stat(path)->attributes & kHidden) == 0) {
+    GTEST_SKIP() << "this file system keeps no attributes";
+  }
+  const std::string folder = Path("folder");
+  files().CreateFolder(folder);
+  constexpr uint32_t kSettable = kReadOnly | kHidden | kSystem | kArchive | kTemporary;
+  for (const uint32_t attributes :
+       {kReadOnly, kHidden | kSystem, kReadOnly | kArchive, kTemporary, kSettable, kNormal}) {
+    files().SetAttributes(path, attributes);
+    EXPECT_EQ(files().Stat(path)->attributes & kSettable, attributes & kSettable) << attributes;
+    EXPECT_EQ(files().List(Scratch())[0].attributes, files().Stat(path)->attributes);
+    // Temporary is for files alone.
+    files().SetAttributes(folder, attributes & ~kTemporary);
+    EXPECT_EQ(files().Stat(folder)->attributes & (kSettable | kDirectory),
+              (attributes & kSettable & ~kTemporary) | kDirectory);
+  }
+  files().Delete(path);
+}
+
+TEST_F(FilesTest, CreatesAllFoldersOfAPath) {
+  CreateFolders(files(), Path("a/b\\c\\"));
+  CreateFolders(files(), Path("A\\B\\c\\d"));
+  EXPECT_TRUE(files().Stat(Path("a\\b\\c\\d"))->IsFolder());
+  Make("a\\file");
+  EXPECT_EQ(ErrorOf([&] { CreateFolders(files(), Path("a\\file\\x")); }), ErrorNumber::kFileExists);
+}
+
+}  // namespace
+}  // namespace quarnel

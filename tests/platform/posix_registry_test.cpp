@@ -1,0 +1,170 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "base/text.h"
+#include "platform/posix/backends.h"
+#include "platform/posix/registry_store.h"
+#include "support/platform_fixture.h"
+
+// What the registry of a machine folder does beside the contract of all registries: rights of keys,
+// several programs at once, and databases that are none.
+namespace quarnel {
+namespace {
+
+using enum RegistryStatus;
+
+class PosixRegistryTest : public PlatformTest {
+ protected:
+  std::string File() const { return machineFolder() + "/registry.db"; }
+
+  std::string Bytes() const {
+    std::ostringstream bytes;
+    bytes << std::ifstream(File(), std::ios::binary).rdbuf();
+    return bytes.str();
+  }
+
+  void SetRights(std::string_view name, const KeyRights& rights) {
+    RegistryStore store(File());
+    const std::string path = "HKEY_USERS\\" + MachineOptions().sid + "\\" + Key(name);
+    const auto key = store.Find(ToUpper(path));
+    ASSERT_TRUE(key) << path;
+    store.SetRights(key->id, rights);
+  }
+  RegistryStatus Open(std::string_view name, uint32_t access) {
+    std::unique_ptr<RegistryKey> key;
+    return registry().Open(kRoot, Key(name), access, key);
+  }
+};
+
+TEST_F(PosixRegistryTest, RightsDecideWhatMayBeDone) {
+  RegCreateKeyValue(registry(), kRoot, Key("locked"), "v", "1");
+  CreateNewKey(registry(), kRoot, Key("locked\\sub"));
+  SetRights("locked", {"user", {{{"USER", registry_access::kRead}, {"SYSTEM", 0xF003F}}}});
+  EXPECT_EQ(Open("locked", registry_access::kRead), kSuccess);
+  EXPECT_EQ(Open("locked", registry_access::kReadWrite), kAccessDenied);
+  EXPECT_EQ(Open("locked", registry_access::kGenericAll), kAccessDenied);
+  EXPECT_EQ(CreateNewKey(registry(), kRoot, Key("locked\\new")), kAccessDenied);
+  EXPECT_EQ(registry().Delete(kRoot, Key("locked\\sub")), kSuccess);
+  EXPECT_EQ(registry().Delete(kRoot, Key("locked")), kAccessDenied);
+  // Its owner gives himself the right, twice with one effect, and then the deletion runs.
+  for (int turn = 0; turn < 2; ++turn) {
+    EXPECT_EQ(registry().SetKeySecurity(kRoot, Key("locked"), "user", registry_access::kDelete),
+              "");
+  }
+  EXPECT_EQ(RegistryStore(File())
+                .Find(ToUpper("HKEY_USERS\\" + MachineOptions().sid + "\\" + Key("locked")))
+                ->rights.list->size(),
+            3U);
+  EXPECT_EQ(DeleteKey(registry(), kRoot, Key("locked")), kSuccess);
+}
+
+TEST_F(PosixRegistryTest, WithoutTheRightToChangeRightsAKeyStays) {
+  CreateNewKey(registry(), kRoot, Key("tree\\foreign"));
+  SetRights("tree\\foreign", {"SYSTEM", {{{"Everyone", registry_access::kRead}}}});
+  EXPECT_EQ(registry().SetKeySecurity(kRoot, Key("tree\\foreign"), "user", 0x10000),
+            "RegOpenKeyEx");
+  int turns = 0;
+  EXPECT_EQ(DeleteKeyTree(registry(), kRoot, Key("tree"), [&] { ++turns; }), kAccessDenied);
+  EXPECT_EQ(turns, 0);
+  EXPECT_EQ(Open("tree\\foreign", registry_access::kRead), kSuccess);
+}
+
+TEST_F(PosixRegistryTest, NewKeysTakeOverTheRightsOfTheirParent) {
+  CreateNewKey(registry(), kRoot, Key("parent"));
+  SetRights("parent", {std::nullopt, {{{"user", registry_access::kRead | 4}}}});
+  EXPECT_EQ(CreateNewKey(registry(), kRoot, Key("parent\\child")), kSuccess);
+  EXPECT_EQ(Open("parent\\child", registry_access::kReadWrite), kAccessDenied);
+}
+
+TEST_F(PosixRegistryTest, RootsAreViewsOfOneTree) {
+  struct Alias {
+    uint32_t root;
+    uint32_t target;
+    std::string path;
+  };
+  for (const Alias& alias : {Alias{hive::kCurrentUser, hive::kUsers, MachineOptions().sid},
+                             Alias{hive::kClassesRoot, hive::kLocalMachine, "Software\\Classes"},
+                             Alias{hive::kCurrentConfig, hive::kLocalMachine,
+                                   "System\\CurrentControlSet\\Hardware Profiles\\Current"}}) {
+    RegCreateKeyValue(registry(), alias.root, "QuarnelTest", "v", "seen");
+    EXPECT_EQ(QueryText(registry(), alias.target, alias.path + "\\QuarnelTest", "v"), "seen");
+    EXPECT_EQ(DeleteKey(registry(), alias.target, alias.path + "\\QuarnelTest"), kSuccess);
+    EXPECT_EQ(DeleteKey(registry(), alias.target, alias.path), kAccessDenied);
+  }
+  EXPECT_EQ(CreateNewKey(registry(), hive::kDynData, "x"), kInvalidHandle);
+}
+
+TEST_F(PosixRegistryTest, TwoProgramsSeeEachOthersChanges) {
+  const auto other = OpenPlatform(machineFolder());
+  std::unique_ptr<RegistryKey> key;
+  ASSERT_EQ(registry().Create(kRoot, Key("shared"), key), kSuccess);
+  std::string name;
+  EXPECT_EQ(key->EnumKey(0, name), kNoMoreItems);
+  CreateNewKey(other->registry(), kRoot, Key("shared\\sub"));
+  EXPECT_EQ(key->EnumKey(0, name), kSuccess);
+  DeleteKeyTree(other->registry(), kRoot, Key("shared"), nullptr);
+  EXPECT_EQ(key->EnumKey(0, name), kKeyDeleted);
+}
+
+TEST_F(PosixRegistryTest, RefusesADatabaseThatIsNone) {
+  const std::string path = machineFolder() + "/other.db";
+  const auto openAfter = [&](const std::string& bytes) {
+    std::ofstream(path, std::ios::binary) << bytes;
+    return ErrorOf([&] { RegistryStore store(path); });
+  };
+  const std::string original = Bytes();
+  EXPECT_EQ(
+      openAfter("no database at all, but long enough to be looked at" + std::string(1000, '.')),
+      ErrorNumber::kInvalidCall);
+  EXPECT_EQ(openAfter(std::string(original).replace(0, 1, "X")), ErrorNumber::kInvalidCall);
+  // The application's identifier, and the version of the schema.
+  EXPECT_EQ(openAfter(std::string(original).replace(68, 4, "ABCD")), ErrorNumber::kInvalidCall);
+  EXPECT_EQ(openAfter(std::string(original).replace(60, 4, "ABCD")), ErrorNumber::kInvalidCall);
+  EXPECT_TRUE(openAfter(original.substr(0, 4096 + 100)));
+  EXPECT_EQ(openAfter(original), std::nullopt);
+  EXPECT_EQ(ErrorOf([&] { RegistryStore store(machineFolder() + "/none/registry.db"); }),
+            ErrorNumber::kPathNotFound);
+}
+
+TEST_F(PosixRegistryTest, DamageIsAStatusAndNeverACrash) {
+  for (int i = 0; i < 200; ++i) {
+    RegCreateKeyValue(registry(), kRoot, Key("k" + std::to_string(i)), "v", std::string(200, 'v'));
+  }
+  const std::string copy = machineFolder() + "/damaged.db";
+  {
+    RegistryStore store(File());
+    store.database().Execute("PRAGMA wal_checkpoint(TRUNCATE)");
+  }
+  const std::string original = Bytes();
+  ASSERT_GT(original.size(), 40'000U);
+  int damaged = 0;
+  for (size_t page = 1; page < original.size() / 4096; ++page) {
+    std::string bytes = original;
+    for (size_t i = 0; i < 4096; i += 7) bytes[page * 4096 + i] ^= static_cast<char>(i * page);
+    std::ofstream(copy, std::ios::binary) << bytes;
+    MachineFolder folder = ReadMachineFolder(machineFolder());
+    std::filesystem::rename(copy, File());
+    for (const char* leftOver : {"-wal", "-shm"}) std::filesystem::remove(File() + leftOver);
+    try {
+      const auto registryOfDamaged = MakeRegistry(folder);
+      EnumSubKeys(*registryOfDamaged, kRoot, kTestKey);
+      for (int i = 0; i < 200; i += 9) {
+        std::unique_ptr<RegistryKey> key;
+        const RegistryStatus status = registryOfDamaged->Open(kRoot, Key("k" + std::to_string(i)),
+                                                              registry_access::kReadWrite, key);
+        RawValue raw;
+        if (status != kSuccess || key->Query("v", raw) != kSuccess) ++damaged;
+      }
+      DeleteKeyTree(*registryOfDamaged, kRoot, kTestKey, nullptr);
+    } catch (const RuntimeError&) {
+      ++damaged;
+    }
+  }
+  EXPECT_GT(damaged, 0);
+}
+
+}  // namespace
+}  // namespace quarnel

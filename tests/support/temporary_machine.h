@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+
+namespace quarnel {
+
+// The machine that a test works on, for OpenPlatform. It is a machine folder of its own, removed at
+// the end; where the machine is the running system itself it is that one.
+class TemporaryMachine {
+ public:
+  TemporaryMachine();
+  ~TemporaryMachine();
+  TemporaryMachine(const TemporaryMachine&) = delete;
+  TemporaryMachine& operator=(const TemporaryMachine&) = delete;
+
+  // What OpenPlatform takes.
+  const std::string& Folder() const { return folder_; }
+
+ private:
+  std::string folder_;
+};
+
+}  // namespace quarnel
