@@ -1,0 +1,146 @@
+#include "platform/shell.h"
+
+#include "platform/shortcut.h"
+#include "support/platform_fixture.h"
+#include "support/test_host.h"
+#include "support/victim.h"
+
+namespace quarnel {
+namespace {
+
+class ShellTest : public PlatformTest {
+ protected:
+  Shell& shell() { return platform().shell(); }
+};
+
+TEST_F(ShellTest, RunsOnlyPrograms) {
+  EXPECT_FALSE(shell().Run(Path("missing.exe"), "0"));
+  EXPECT_FALSE(shell().Run(Scratch(), "0"));
+  WriteWholeFile(files(), Path("text.exe"), "this is no program\n");
+  EXPECT_FALSE(shell().Run(Path("text.exe"), "0"));
+}
+
+TEST_F(ShellTest, HandsTheArgumentOverAsItIs) {
+  const std::string path = Path("a program.exe");
+  WriteWholeFile(files(), path, EmbeddedBytes("quarnel-sample-program"));
+  // The program takes what is no number for 0 and ends at once. A command interpreter would make
+  // a number of these, and it would stay.
+  for (const std::string_view argument : {"$(echo 60)", "`echo 60`", "$((60))", "''60"}) {
+    ASSERT_TRUE(shell().Run(path, argument));
+    EXPECT_TRUE(Eventually([&] { return RunningCopies(platform().processes(), path).empty(); }))
+        << argument;
+  }
+}
+
+TEST_F(ShellTest, FindsTheTargetsOfShortcuts) {
+  const std::string target = Path("target \xC3\xA4.txt");
+  WriteWholeFile(files(), target, "text");
+  WriteWholeFile(files(), Path("good.lnk"), MakeShortcut(target));
+  EXPECT_EQ(shell().ShortcutTarget(Path("good.lnk")), target);
+
+  WriteWholeFile(files(), Path("torn.lnk"), MakeShortcut(target).substr(0, 100));
+  WriteWholeFile(files(), Path("text.lnk"), target);
+  for (const std::string_view name : {"torn.lnk", "text.lnk", "missing.lnk"}) {
+    EXPECT_FALSE(shell().ShortcutTarget(Path(name))) << name;
+  }
+}
+
+TEST_F(ShellTest, FindsNoProgramForAMissingFile) {
+  EXPECT_FALSE(shell().FindExecutable(Path("missing.htm")));
+}
+
+TEST_F(ShellTest, DoesNotRegisterWhatIsNoComponent) {
+  WriteWholeFile(files(), Path("text.dll"), "this is no component");
+  for (const bool registerIt : {true, false}) {
+    EXPECT_FALSE(RegisterComponent(shell(), Path("missing.dll"), registerIt));
+    EXPECT_FALSE(RegisterComponent(shell(), Path("text.dll"), registerIt));
+  }
+}
+
+// A shell whose answers are set.
+struct ScriptedShell : Shell {
+  std::optional<std::string> browser = "browser";
+  bool runs = true;
+  std::string ran, called;
+
+  std::optional<std::string> FindExecutable(std::string_view path) override {
+    ran = path;
+    return browser;
+  }
+  bool Run(std::string_view program, std::string_view argument) override {
+    ran = std::string(program) + " " + std::string(argument);
+    return runs;
+  }
+  std::optional<std::string> ShortcutTarget(std::string_view) override { return std::nullopt; }
+  bool CallRegistrationEntry(std::string_view path, std::string_view entry) override {
+    called = std::string(path) + " " + std::string(entry);
+    return true;
+  }
+};
+
+TEST(RegisterComponent, CallsTheEntryForTheWish) {
+  ScriptedShell shell;
+  EXPECT_TRUE(RegisterComponent(shell, "C:\\a.dll", true));
+  EXPECT_EQ(shell.called, "C:\\a.dll DllRegisterServer");
+  EXPECT_TRUE(RegisterComponent(shell, "C:\\a.dll", false));
+  EXPECT_EQ(shell.called, "C:\\a.dll DllUnregisterServer");
+}
+
+// The machine with another folder for temporary files.
+struct OtherTemp : Machine {
+  Machine& machine;
+  std::optional<std::string> temp;
+
+  OtherTemp(Machine& real, std::optional<std::string> folder)
+      : machine(real), temp(std::move(folder)) {}
+  std::optional<std::string> TempFolder() override { return temp; }
+  std::optional<std::string> SpecialFolder(int id) override { return machine.SpecialFolder(id); }
+  std::string SystemDirectory() override { return machine.SystemDirectory(); }
+  std::string ProgramFolder() override { return machine.ProgramFolder(); }
+  std::string ExecutableName() override { return machine.ExecutableName(); }
+  std::optional<SystemFamily> Family() override { return machine.Family(); }
+  std::string UserName() override { return machine.UserName(); }
+  std::vector<Drive> Drives() override { return machine.Drives(); }
+  std::optional<VolumeInfo> Volume(std::string_view root) override { return machine.Volume(root); }
+};
+
+TEST_F(ShellTest, OpensAnAddressOrSaysWhyNot) {
+  struct Case {
+    std::optional<std::string> temp;
+    bool hasBrowser, runs;
+    std::string_view text, title;
+    MessageIcon icon;
+    bool leavesFile;
+  };
+  const Case cases[] = {
+      {std::nullopt, true, true, "Sorry! file  cannot be created.", "Title",
+       MessageIcon::kInformation, false},
+      {Path("missing"), true, true, "Sorry! file  cannot be created.", "Title",
+       MessageIcon::kInformation, false},
+      {Scratch(), false, true, "Could not find associated application!", "Browser Not Found",
+       MessageIcon::kExclamation, true},
+      {Scratch(), true, false, "Page not Opened.", "URL Failed", MessageIcon::kNone, false},
+      {Scratch(), true, true, "", "", MessageIcon::kNone, false},
+  };
+  for (const Case& test : cases) {
+    ScriptedShell shell;
+    if (!test.hasBrowser) shell.browser.reset();
+    shell.runs = test.runs;
+    OtherTemp temp(machine(), test.temp);
+    TestHost host;
+    OpenInBrowser(shell, temp, files(), host, "http://a.example/?x=1&y", "htm", "Title");
+    ASSERT_EQ(host.messages.size(), test.text.empty() ? 0U : 1U) << test.text;
+    if (!host.messages.empty()) {
+      EXPECT_EQ(host.messages[0].text, test.text);
+      EXPECT_EQ(host.messages[0].title, test.title);
+      EXPECT_EQ(host.messages[0].icon, test.icon);
+    } else {
+      EXPECT_EQ(shell.ran, "browser http://a.example/?x=1&y");
+    }
+    EXPECT_EQ(files().Stat(Path("temphtm.htm")).has_value(), test.leavesFile) << test.text;
+    IgnoringErrors([&] { files().Delete(Path("temphtm.htm")); });
+  }
+}
+
+}  // namespace
+}  // namespace quarnel

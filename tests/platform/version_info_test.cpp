@@ -1,0 +1,156 @@
+#include "platform/version_info.h"
+
+#include "platform/pe_writer.h"
+#include "support/platform_fixture.h"
+
+namespace quarnel {
+namespace {
+
+constexpr size_t kPiece = size_t{256} * 1024;
+
+class VersionInfoTest : public PlatformTest {
+ protected:
+  std::string Company(std::string_view bytes, int* events = nullptr) {
+    WriteWholeFile(files(), Path("file.exe"), bytes);
+    return GetCompanyName(files(), Path("file.exe"), [&] {
+      if (events) ++*events;
+    });
+  }
+};
+
+std::string Wide(std::string_view text) { return NullPad(text) + std::string(2, '\0'); }
+
+// A value as it stands in the resource: header, name, a word of padding, text.
+std::string Node(std::string_view name, std::string_view text) {
+  return std::string("\x40\0\x09\0\x01\0", 6) + Wide(name) + std::string(2, '\0') + Wide(text);
+}
+std::string Block(std::string_view company) {
+  return Wide("StringFileInfo") + Node("CompanyName", company);
+}
+
+TEST_F(VersionInfoTest, ReadsTheRecordOfAProgram) {
+  FixedVersionRecord record = ApplicationRecord(3, 1, 20, 400);
+  record.flags = 0x01 | 0x20;
+  for (const bool wide : {false, true}) {
+    WriteWholeFile(files(), Path("a.exe"),
+                   MakeProgram({record, "Examplesoft Labs", "A \xC3\xA4 sample", wide}));
+    const auto info = GetFileVersionInfo(platform().versions(), Path("A.EXE"));
+    ASSERT_TRUE(info) << wide;
+    EXPECT_EQ(info->structureVersion, "1.0");
+    EXPECT_EQ(info->fileVersion, "3.1.20.400");
+    EXPECT_EQ(info->productVersion, "3.1.20.400");
+    EXPECT_EQ(info->flags, " Debug Special");
+    EXPECT_EQ(info->targetSystem, "NT-Win32");
+    EXPECT_EQ(info->fileType, "App");
+    EXPECT_EQ(info->fileSubtype, "");
+    EXPECT_EQ(GetCompanyName(files(), Path("a.exe"), nullptr), "Examplesoft Labs");
+    EXPECT_EQ(GetFileDescription(files(), Path("a.exe"), nullptr), "A \xC3\xA4 sample");
+  }
+}
+
+TEST_F(VersionInfoTest, AnswersNothingWithoutARecord) {
+  WriteWholeFile(files(), Path("text.exe"), "this is no program");
+  WriteWholeFile(files(), Path("torn.exe"), MakeProgram({}).substr(0, 0x450));
+  for (const std::string_view name : {"text.exe", "torn.exe", "missing.exe", ""}) {
+    EXPECT_FALSE(GetFileVersionInfo(platform().versions(), Path(name))) << name;
+    EXPECT_EQ(GetCompanyName(files(), Path(name), nullptr), "") << name;
+  }
+}
+
+TEST(DescribeVersion, NamesSystemTypeAndSubtype) {
+  struct Case {
+    uint32_t system, type, subtype;
+    std::string_view systemName, typeName, subtypeName;
+  };
+  const Case cases[] = {
+      {0x10001, 1, 0, "DOS-Win16", "App", ""},
+      {0x10004, 2, 7, "DOS-Win32", "DLL", ""},
+      {0x20002, 3, 1, "OS/2-16 PM-16", "Driver", "Printer drv"},
+      {0x30003, 3, 99, "OS/2-16 PM-32", "Driver", "Unknown"},
+      {0x40004, 4, 3, "NT-Win32", "Font", "TrueType Font"},
+      {0x40000, 5, 3, "Unknown", "VxD", ""},
+      {0, 7, 0, "Unknown", "Lib", ""},
+      {0xFFFFFFFF, 6, 0, "Unknown", "Unknown", ""},
+  };
+  for (const Case& test : cases) {
+    FixedVersionRecord record;
+    record.operatingSystem = test.system;
+    record.type = test.type;
+    record.subtype = test.subtype;
+    record.flags = 0xFFFFFFFF;
+    const FileVersionInfo info = DescribeVersion(record);
+    EXPECT_EQ(info.targetSystem, test.systemName);
+    EXPECT_EQ(info.fileType, test.typeName);
+    EXPECT_EQ(info.fileSubtype, test.subtypeName);
+    EXPECT_EQ(info.flags, " Debug PreRel Patched Private Info Special");
+  }
+}
+
+TEST(StringFileInfoText, TakesTheTextBehindTheName) {
+  const std::string filler(300, 'x');
+  const std::string inCode = NullPad("\\StringFileInfo\\%04x\\") + Wide("CompanyName") + filler;
+  const struct {
+    const char* about;
+    std::string bytes;
+    std::string_view text;
+  } cases[] = {
+      {"whole", Block("Examplesoft"), "Examplesoft"},
+      {"at an odd place", "x" + Block("Examplesoft"), "Examplesoft"},
+      {"without padding", Wide("StringFileInfo") + Wide("CompanyName") + Wide("Examplesoft"),
+       "Examplesoft"},
+      {"behind a path in code", inCode + Block("Examplesoft"), "Examplesoft"},
+      {"in the second block", Wide("StringFileInfo") + filler + Block("Examplesoft"),
+       "Examplesoft"},
+      {"torn in the text", Block("Examplesoft").substr(0, 30 + 32 + 8), "Exam"},
+      {"torn in the name", Block("Examplesoft").substr(0, 30 + 20), ""},
+      {"without a block", Node("CompanyName", "Examplesoft"), ""},
+      {"name before the block", Node("CompanyName", "Examplesoft") + Wide("StringFileInfo"), ""},
+      {"part of a name",
+       Wide("StringFileInfo") + NullPad("CompanyName") + Wide("s") + Wide("Examplesoft"), ""},
+      {"far behind the block",
+       Wide("StringFileInfo") + std::string(65536, 'x') + Node("CompanyName", "Examplesoft"), ""},
+      {"empty value", Wide("StringFileInfo") + Node("CompanyName", ""), ""},
+      {"no value before the next node",
+       Wide("StringFileInfo") + std::string("\x20\0\0\0\x01\0", 6) + Wide("CompanyName") +
+           std::string(2, '\0') + Node("FileDescription", "Text"),
+       ""},
+      {"nothing", "", ""},
+  };
+  for (const auto& test : cases) {
+    EXPECT_EQ(StringFileInfoText(test.bytes, "CompanyName"), test.text) << test.about;
+  }
+}
+
+TEST_F(VersionInfoTest, FindsTextAcrossTheBordersOfPieces) {
+  const std::string block = Block("Examplesoft Labs");
+  for (size_t before = 0; before <= block.size() + 2; ++before) {
+    const std::string bytes = std::string(kPiece - before, 'x') + block + "x";
+    EXPECT_EQ(Company(bytes), "Examplesoft Labs") << before;
+  }
+  // The name may stand up to 64 KB behind the block's beginning.
+  const std::string apart = Wide("StringFileInfo") + std::string(60000, 'x');
+  EXPECT_EQ(Company(std::string(kPiece - 30000, 'x') + apart + Node("CompanyName", "Labs")),
+            "Labs");
+}
+
+TEST_F(VersionInfoTest, LetsEventsRunBetweenPieces) {
+  int events = 0;
+  EXPECT_EQ(Company(std::string(3 * kPiece, 'x') + Block("Labs"), &events), "Labs");
+  EXPECT_EQ(events, 3);
+  EXPECT_EQ(Company(Block("Labs"), &events), "Labs");
+  EXPECT_EQ(events, 3);
+}
+
+TEST(StringFileInfoText, TakesLittleTimeWhateverTheBytesHold) {
+  // Each of these made a search that begins anew at every match take hours.
+  std::string names, blocks, both;
+  while (names.size() < 8U << 20) names += Wide("CompanyName");
+  while (blocks.size() < 8U << 20) blocks += Wide("StringFileInfo");
+  while (both.size() < 8U << 20) both += NullPad("CompanyNamCompanyNamStringFileInf");
+  for (const std::string& bytes : {names, blocks, both}) {
+    EXPECT_EQ(StringFileInfoText(bytes, "CompanyName"), "");
+  }
+}
+
+}  // namespace
+}  // namespace quarnel
