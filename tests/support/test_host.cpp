@@ -50,7 +50,8 @@ void TestHost::ProcessFrontEvents() {
   ++eventTurns;
   if (!onEvents || inEvents_) return;
   inEvents_ = true;
-  onEvents();
+  const Handler handler = onEvents;  // it may take itself away
+  handler();
   inEvents_ = false;
 }
 

@@ -1,0 +1,321 @@
+#include "ui/application.h"
+
+#include <gmock/gmock.h>
+
+#include "core/inifile.h"
+#include "core/paths.h"
+#include "core/product.h"
+#include "scan/folders.h"
+#include "signatures/compiler.h"
+#include "support/platform_fixture.h"
+#include "support/test_host.h"
+
+namespace quarnel {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::SizeIs;
+using ::testing::StartsWith;
+
+// The whole program on a machine with a small signature set and one planted file.
+class ApplicationTest : public PlatformTest {
+ protected:
+  static constexpr int kProgramFiles = 31;
+
+  ApplicationTest() {
+    // On a running system an earlier test may have left settings behind.
+    settings.SaveSetting("Registry Status", "ResetValue", "x");
+    settings.ResetRegistrySettings();
+    IgnoringErrors([&] { files().Delete(SafeListPath(machine())); });
+    Install({.files = "Any,Threat,1,31,Planted.txt,,7\n"});
+    WriteWholeFile(files(), planted, "x");
+  }
+  ~ApplicationTest() override {
+    IgnoringErrors([&] { files().Delete(planted); });
+  }
+
+  void Install(const SignatureSources& sources) {
+    for (const CompiledFile& file : CompileSet(sources).files) {
+      WriteWholeFile(files(), DataFolder(machine()) + file.name, file.bytes);
+    }
+    for (const std::string_view name : {"QNLList.dll", "QNLCritProc.dll"}) {
+      WriteWholeFile(files(), DataFolder(machine()) + std::string(name), "list\r\n");
+    }
+  }
+
+  frmMain& Start(StartOptions options = {.showSplash = false}) {
+    application = std::make_unique<Application>(platform(), host, options);
+    EXPECT_TRUE(application->Main());
+    return application->MainForm();
+  }
+
+  std::vector<std::string> Messages() const {
+    std::vector<std::string> texts;
+    for (const MessageBox& box : host.messages) texts.push_back(box.text);
+    return texts;
+  }
+  bool Ends(const std::function<void()>& action) {
+    try {
+      action();
+    } catch (const ProcessEnded&) {
+      return true;
+    }
+    return false;
+  }
+
+  std::string planted = GetFolder(machine(), kProgramFiles).front() + "Planted.txt";
+  Settings settings{registry(), "Quarnel"};
+  TestHost host;
+  std::unique_ptr<Application> application;
+};
+
+TEST_F(ApplicationTest, FreshStoreComesUpWithItsDefaults) {
+  frmMain& main = Start({.showSplash = true});
+  EXPECT_EQ(main.Caption(), "Quarnel v3.0.4");
+  EXPECT_TRUE(main.Visible());
+  EXPECT_THAT(host.LoadedForms(), SizeIs(1));  // the splash has gone
+  EXPECT_EQ(main.options.chkScanRegitry.Value(), 1);
+  EXPECT_EQ(main.options.chkSelfDownloadingActivex.Value(), 0);
+  EXPECT_EQ(main.options.closeOptions.Chosen(), 2);
+  EXPECT_EQ(main.options.cmbHours.Text(), "12");
+  EXPECT_TRUE(main.timers.tmrMemoryInspected.Enabled());
+  EXPECT_TRUE(main.timers.tmrStartup.Enabled());
+  EXPECT_FALSE(main.timers.tmrScheduler.Enabled());
+  EXPECT_EQ(main.timers.tmrPreventChangeHomePage.Interval(), Milliseconds(2000));
+  // Loading wrote the keys back, and only those whose box changed.
+  EXPECT_EQ(settings.GetSetting("OptionAndSettings", "chkScanRegistry", "-"), "1");
+  EXPECT_EQ(settings.GetSetting("OptionAndSettings", "Sheild", "-"), "-");
+  ASSERT_FALSE(main.scan.lvwHardDrives.Empty());
+  EXPECT_EQ(main.scan.lvwHardDrives.At(0).text, "Drive C: Fixed Disk");
+  EXPECT_TRUE(main.scan.lvwHardDrives.At(0).checked);
+  EXPECT_EQ(main.summary.rows[0].lblSystemSummaryValue.Caption(), "[NOT SCANNED YET]");
+  EXPECT_EQ(main.summary.rows[1].lblSystemSummaryValue.Caption(), "N/A");
+  EXPECT_EQ(main.summary.rows[3].lblSystemSummaryValue.Caption(), "3 of 4");
+  EXPECT_TRUE(main.summary.imgSystemSummaryBigLogoRed.Visible());
+}
+
+TEST_F(ApplicationTest, TextsOfTheTrayComeUpUncheckedAndTheScanReadsThem) {
+  settings.SaveSetting("OptionAndSettings", "optMemorySheildOn", "True");
+  settings.SaveSetting("OptionAndSettings", "optLorrigrid", "no number");
+  settings.SaveSetting("Drives", "Drive C: Fixed Disk", "False");
+  frmMain& main = Start();
+  EXPECT_EQ(main.options.chkMemorySheild.Value(), 0);
+  EXPECT_EQ(main.options.chkReportLorrimesh.Value(), 0);
+  EXPECT_THAT(ReadWholeFile(files(), DataFolder(machine()) + "Quarnel_ErrLogFile.txt"),
+              HasSubstr("Type mismatch"));
+}
+
+TEST_F(ApplicationTest, MissingSignatureLeadsToTheUpdatePage) {
+  files().Delete(DataFolder(machine()) + "QNLList.dll");
+  frmMain& main = Start();
+  EXPECT_THAT(Messages(), ElementsAre("Signature files are missing. These file are required to "
+                                      "run Quarnel"));
+  EXPECT_TRUE(main.tabs.PicSixthTabLiveUpdate.Visible());
+  EXPECT_TRUE(main.timers.tmrBlink.Enabled());
+  WriteWholeFile(files(), DataFolder(machine()) + "QNLList.dll", "");
+}
+
+TEST_F(ApplicationTest, ScanFindsRecordsAndOpensTheResults) {
+  frmMain& main = Start();
+  main.scan.ImgStartScanMouseMove.ClickByUser();
+  EXPECT_THAT(Messages(), IsEmpty());
+  ASSERT_EQ(main.results.vbatvwResults.Count(), 2U);
+  EXPECT_EQ(main.results.vbatvwResults.At(2)->text, "[Found] - " + planted);
+  EXPECT_TRUE(main.results.vbatvwResults.At(2)->checked);
+  EXPECT_EQ(main.results.txtAdwareSpyware.Caption(), "1");
+  EXPECT_EQ(main.scan.lblStatus.Caption(), "Scanning completed.");
+  EXPECT_TRUE(main.scan.ImgStartScanMouseMove.Visible());
+  EXPECT_FALSE(main.scan.ImgStopScanMouseMove.Visible());
+  EXPECT_TRUE(main.results.cmdRemoveSpywares.Visible());
+  EXPECT_EQ(main.summary.rows[1].lblSystemSummaryValue.Caption(), "1 threats detected");
+  EXPECT_EQ(settings.GetSetting("ScanTime", "Start", ""), "3/5/2024 2:30:00 PM");
+  EXPECT_EQ(ReadWholeFile(files(), DataFolder(machine()) + "10004.qks"),
+            planted + "[[]]Adware[[]]Threat\r\n");
+  EXPECT_EQ(ReadWholeFile(files(), DataFolder(machine()) + "10001.qks"),
+            "Threat[[]]Adware[[]]Any\r\n");
+  cInifile history(files());
+  history.SetPath(GetPathWithSlash(machine().ProgramFolder()) + "ScanHistory.ini");
+  history.SetSection("Scan History");
+  history.SetKey("52200");
+  EXPECT_EQ(history.Value(),
+            "3/5/2024 2:30:00 PM;3/5/2024 2:30:00 PM;" + main.scan.lblTotalSpywares.Caption());
+}
+
+TEST_F(ApplicationTest, CleanMachineIsCongratulatedOnce) {
+  files().Delete(planted);
+  frmMain& main = Start();
+  main.scan.ImgStartScanMouseMove.ClickByUser();
+  EXPECT_THAT(Messages(), ElementsAre("Congratulations! No Spyware found on your system."));
+  EXPECT_EQ(host.messages[0].icon, MessageIcon::kExclamation);
+  EXPECT_TRUE(main.summary.picSummary.Visible());
+}
+
+class RunningScanTest : public ApplicationTest {
+ protected:
+  RunningScanTest() {
+    std::string source;
+    for (int i = 0; i < 20; ++i) source += "Any,Threat,1,31,Planted.txt,,7\n";
+    Install({.files = source});
+  }
+
+  // Runs a whole scan with `action` once inside its event processing.
+  void ScanWith(frmMain& main, const std::function<void()>& action) {
+    host.onEvents = [&, action] {
+      if (main.scan.lblFilesFolderInspected.Caption() != "3") return;
+      host.onEvents = nullptr;
+      action();
+    };
+    main.scan.ImgStartScanMouseMove.ClickByUser();
+  }
+  size_t Found(frmMain& main) { return main.results.lvwFilesToBeDeleted.Count(); }
+};
+
+TEST_F(RunningScanTest, UsersStopAsks) {
+  frmMain& main = Start();
+  const auto pressStop = [&] {
+    EXPECT_TRUE(ScanRuns(main.scan));
+    EXPECT_FALSE(main.timers.tmrMemoryInspected.Enabled());
+    main.scan.ImgStopScanMouseMove.MouseDown();
+    main.scan.ImgStopScanMouseMove.ClickByUser();
+  };
+  host.answers = {Answer::kNo};
+  ScanWith(main, pressStop);
+  EXPECT_EQ(Found(main), 20U);
+  host.answers = {Answer::kYes};
+  ScanWith(main, pressStop);
+  EXPECT_LT(Found(main), 20U);
+  EXPECT_EQ(main.scan.lblStatus.Caption(), "Scanning cancelled.");
+  EXPECT_THAT(Messages(), ElementsAre("Are you sure you want to stop the scan process?",
+                                      "Are you sure you want to stop the scan process?"));
+}
+
+TEST_F(RunningScanTest, StopByCodeAsksNothing) {
+  frmMain& main = Start();
+  ScanWith(main, [&] { main.scan.ImgStopScanMouseMove.ClickByUser(); });
+  EXPECT_THAT(Messages(), IsEmpty());
+  EXPECT_LT(Found(main), 20U);
+}
+
+TEST_F(RunningScanTest, UsersStopWithNothingFoundCongratulatesOnce) {
+  files().Delete(planted);
+  frmMain& main = Start();
+  host.answers = {Answer::kYes};
+  ScanWith(main, [&] {
+    main.scan.ImgStopScanMouseMove.MouseDown();
+    main.scan.ImgStopScanMouseMove.ClickByUser();
+  });
+  EXPECT_THAT(Messages(), ElementsAre("Are you sure you want to stop the scan process?",
+                                      "Congratulations! No Spyware found on your system."));
+}
+
+TEST_F(RunningScanTest, PauseAndCloseAndTabsFromInside) {
+  frmMain& main = Start();
+  ScanWith(main, [&] { main.scan.imgPause.ClickByUser(); });
+  EXPECT_EQ(host.messages.back().text, "Click OK to resume the scanning...");
+  EXPECT_EQ(Found(main), 20U);
+
+  settings.SaveSetting("Settings", "chkSkipMessages", "1");
+  settings.SaveSetting("Settings", "Button", "6");
+  ScanWith(main, [&] { EXPECT_FALSE(main.Close(UnloadMode::kUser)); });
+  EXPECT_EQ(host.messages.back().text, "Scanning is in progress...! Please stop the scan first.");
+  EXPECT_EQ(Found(main), 20U);
+
+  host.answers = {Answer::kNo};
+  ScanWith(main, [&] { main.tabs.imgMainTab[2]->ClickByUser(); });
+  EXPECT_EQ(Found(main), 20U);
+  EXPECT_FALSE(main.tabs.PicSecondTabConfiguration.Visible());
+  host.answers = {Answer::kYes};
+  ScanWith(main, [&] { main.tabs.imgMainTab[2]->ClickByUser(); });
+  EXPECT_LT(Found(main), 20U);
+}
+
+TEST_F(ApplicationTest, ClosingFollowsTheAnswer) {
+  frmMain& main = Start();
+  const auto closeWith = [&](std::string_view button, bool skip) {
+    host.players["frmClose"] = [button = std::string(button), skip](Form& form) {
+      if (skip) form.Find("chkSkipMessages")->ClickByUser();
+      form.Find(button)->ClickByUser();
+    };
+    return Ends([&] { main.Close(UnloadMode::kUser); });
+  };
+  EXPECT_FALSE(closeWith("cmdCancel", false));
+  EXPECT_TRUE(main.Visible());
+  EXPECT_TRUE(closeWith("cmdYes", false));  // a plain Yes closes
+  EXPECT_EQ(main.options.closeOptions.Chosen(), 2);
+  EXPECT_FALSE(closeWith("cmdNo", true));
+  EXPECT_FALSE(main.Visible());
+  EXPECT_EQ(main.lblAllowBHO.Tag(), "0");
+  EXPECT_EQ(main.options.closeOptions.Chosen(), 1);
+  // From now on nothing is asked.
+  host.players.clear();
+  main.SetWindowState(WindowState::kNormal);
+  main.Show();
+  EXPECT_FALSE(main.Close(UnloadMode::kUser));
+  EXPECT_FALSE(main.MainWindowShowing());
+}
+
+TEST_F(ApplicationTest, SkippedQuestionWithoutAnAnswerMinimises) {
+  settings.SaveSetting("Settings", "chkSkipMessages", "1");
+  frmMain& main = Start();
+  EXPECT_FALSE(main.Close(UnloadMode::kUser));
+  EXPECT_EQ(main.StateOfWindow(), WindowState::kMinimised);
+}
+
+TEST_F(ApplicationTest, SessionEndForgetsTheDeclinedPrograms) {
+  frmMain& main = Start();
+  const std::string declined = DataFolder(machine()) + "ENoSignature.dll";
+  WriteWholeFile(files(), declined, "x");
+  EXPECT_TRUE(main.Close(UnloadMode::kSessionEnd));
+  EXPECT_FALSE(FileExists(files(), declined));
+}
+
+TEST_F(ApplicationTest, OptionsWriteThrough) {
+  frmMain& main = Start();
+  main.options.chkRunAtStartup.ClickByUser();
+  main.options.chkRunAtStartup.ClickByUser();
+  RegistryValue value;
+  EXPECT_TRUE(QueryValue(registry(), hive::kLocalMachine,
+                         "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Run",
+                         machine().ExecutableName(), value));
+  main.options.optCloseOptions0.ClickByUser();
+  EXPECT_EQ(settings.GetSetting("Settings", "Button", ""), "6");
+  EXPECT_EQ(settings.GetSetting("Settings", "chkSkipMessages", ""), "1");
+  main.options.optSkipClosingAndDonotShow.ClickByUser();
+  EXPECT_EQ(settings.GetSetting("OptionAndSettings", "SkipClosingAndDonotShow", ""), "True");
+  EXPECT_EQ(settings.GetSetting("OptionAndSettings", "ShowAlways", ""), "False");
+  main.scan.lvwHardDrives.CheckByUser(0, false);
+  EXPECT_EQ(settings.GetSetting("Drives", "Drive C: Fixed Disk", ""), "False");
+  // A stray change of the alert option is taken back by its timer.
+  main.options.chkAlertsBlocksSpywareAdware.ClickByUser();
+  host.Advance(Milliseconds(1000));
+  EXPECT_EQ(main.options.chkAlertsBlocksSpywareAdware.Value(), 1);
+}
+
+TEST_F(ApplicationTest, DetailAndCopyOfTheResults) {
+  frmMain& main = Start();
+  main.results.cmdViewSpywareDetail.ClickByUser();
+  EXPECT_THAT(Messages(), ElementsAre("There is no Spyware/Adware in the results list."));
+  main.scan.ImgStartScanMouseMove.ClickByUser();
+  main.results.Command1.ClickByUser();
+  EXPECT_EQ(host.clipboard, "\r\nThreat\r\n[Found] - " + planted + "\r\n");
+  main.results.vbatvwResults.ClickByUser(main.results.vbatvwResults.At(2));
+  EXPECT_THAT(main.results.txtSpywareDescription.Text(),
+              StartsWith("Threat Name:Threat\r\nTraces under this Threat:1\r\nTrace: [Found] - "));
+  main.results.ImgAddToIgnoredListNormal.ClickByUser();
+  EXPECT_EQ(host.messages.back().text,
+            "Added selected spyware successfully to [Ignored Spyware] List.");
+  EXPECT_EQ(ReadWholeFile(files(), SafeListPath(machine())), planted + "^Threat^Threat\r\n");
+}
+
+TEST_F(ApplicationTest, SecondInstanceEndsAtOnce) {
+  platform().desktop().Announce(kWindowClass, "Quarnel v3.0.4");
+  application = std::make_unique<Application>(platform(), host, StartOptions{.showSplash = false});
+  EXPECT_FALSE(application->Main());
+  EXPECT_THAT(host.LoadedForms(), IsEmpty());
+  platform().desktop().Announce(kWindowClass, "");
+}
+
+}  // namespace
+}  // namespace quarnel
