@@ -67,13 +67,15 @@ int32_t GetSignatureCount(Files& files, Machine& machine, std::string_view name)
 LineFile::LineFile(std::unique_ptr<File> file)
     : file_(std::move(file)), buffer_(size_t{4} * (kLongestLine + 1)) {}
 
-// Makes room by moving the unread bytes to the front. Nobody asks for more while a whole line is
-// unread, so there is always room.
+// Reads on behind the unread bytes. They are at most a line, so moving them to the front of a full
+// buffer always makes room.
 bool LineFile::Refill() {
-  std::copy(buffer_.begin() + static_cast<std::ptrdiff_t>(begin_),
-            buffer_.begin() + static_cast<std::ptrdiff_t>(end_), buffer_.begin());
-  end_ -= begin_;
-  begin_ = 0;
+  if (end_ == buffer_.size()) {
+    std::copy(buffer_.begin() + static_cast<std::ptrdiff_t>(begin_), buffer_.end(),
+              buffer_.begin());
+    end_ -= begin_;
+    begin_ = 0;
+  }
   const size_t count = file_->Read(std::span(buffer_).subspan(end_));
   end_ += count;
   return count > 0;

@@ -1,6 +1,6 @@
 #include "signatures/md5.h"
 
-#include <gtest/gtest.h>
+#include "signatures/signature_folder.h"
 
 namespace quarnel {
 namespace {
@@ -33,6 +33,26 @@ TEST(Md5, PiecesMakeOneMessage) {
     }
     ASSERT_EQ(HexText(md5.Finish()), whole) << piece;
   }
+}
+
+using HashFileTest = SignatureFolderTest;
+
+TEST_F(HashFileTest, BlanksWhereNothingCanBeRead) {
+  Put("empty", "");
+  EXPECT_EQ(HashFile(files(), Path("empty")), "D41D8CD98F00B204E9800998ECF8427E");
+  EXPECT_EQ(HashFile(files(), Path("missing")), kNoHash);
+  EXPECT_EQ(HashFile(files(), Scratch()), kNoHash);
+  EXPECT_EQ(HashFile(files(), ""), kNoHash);
+  EXPECT_EQ(kNoHash.size(), 32U);
+}
+
+TEST_F(HashFileTest, StopsBetweenPieces) {
+  const std::string content(3'000'000, 'z');
+  Put("large", content);
+  EXPECT_EQ(HashFile(files(), Path("large")), HexText(Md5Of(content)));
+  int asked = 0;
+  EXPECT_EQ(HashFile(files(), Path("large"), [&] { return ++asked == 3; }), kNoHash);
+  EXPECT_EQ(asked, 3);
 }
 
 }  // namespace
