@@ -29,7 +29,7 @@ class Control {
   bool Visible() const { return visible_; }
   void SetVisible(bool visible) { Assign(visible_, visible); }
   bool Enabled() const { return enabled_; }
-  void SetEnabled(bool enabled) { Assign(enabled_, enabled); }
+  virtual void SetEnabled(bool enabled) { Assign(enabled_, enabled); }
   const std::string& Tag() const { return tag_; }
   void SetTag(std::string_view tag) { Assign(tag_, tag); }
   const std::string& ToolTip() const { return toolTip_; }

@@ -71,11 +71,16 @@ void Form::Activate() { Form_Activate(); }
 void Form::Form_QueryUnload(bool&, UnloadMode) {}
 
 bool Form::Close(UnloadMode mode) {
-  if (!IsLoaded()) return true;
+  if (!IsLoaded() || unloading_) return true;
   bool cancel = false;
   Form_QueryUnload(cancel, mode);
   if (cancel) return false;
   if (!IsLoaded()) return true;
+  unloading_ = true;
+  struct Leave {
+    bool& flag;
+    ~Leave() { flag = false; }
+  } leave{unloading_};
   Form_Unload();
   state_ = State::kUnloaded;
   visible_ = false;

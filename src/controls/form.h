@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <functional>
 #include <memory>
 #include <string>
@@ -63,7 +65,8 @@ class Form {
   // Shows the form and returns when it was hidden or unloaded.
   void ShowModal();
   void Hide();
-  // Asks the form; false when it declined. A form that is not loaded counts as closed.
+  // Asks the form; false when it declined. A form that is not loaded, or is just unloading, counts
+  // as closed.
   bool Close(UnloadMode mode);
   // The window became the active one.
   void Activate();
@@ -98,6 +101,7 @@ class Form {
   WindowState windowState_ = WindowState::kNormal;
   ScreenArea place_;
   bool visible_ = false;
+  bool unloading_ = false;
   bool showInTaskbar_ = true;
 };
 
@@ -111,9 +115,9 @@ class FormSlot {
 
   FormType& Touch() {
     if (!form_ || !form_->IsLoaded()) {
-      // The old instance may still be inside one of its handlers further up the stack, so it is
-      // kept until the next one has taken its place.
-      retired_ = std::move(form_);
+      // The old instance may still be inside one of its handlers further up the stack.
+      if (form_) retired_.push_back(std::move(form_));
+      if (retired_.size() > kRetired) retired_.pop_front();
       form_ = factory_();
       form_->Load();
     }
@@ -130,7 +134,9 @@ class FormSlot {
  private:
   Factory factory_;
   std::unique_ptr<FormType> form_;
-  std::unique_ptr<FormType> retired_;
+  // More instances of one form than this are never on the stack at once.
+  static constexpr size_t kRetired = 8;
+  std::deque<std::unique_ptr<FormType>> retired_;
 };
 
 }  // namespace quarnel

@@ -37,12 +37,14 @@ void Host::FireDue(Milliseconds now) {
       Timer* timer;
       ~Leave() {
         const auto& timers = host.timers_;
-        if (std::find(timers.begin(), timers.end(), timer) != timers.end()) {
-          timer->inHandler_ = false;
-        }
+        if (std::find(timers.begin(), timers.end(), timer) == timers.end()) return;
+        timer->inHandler_ = false;
+        // Events processed inside the handler have passed this timer over.
+        host.earliest_ = std::min(host.earliest_, timer->due_);
       }
     } leave{*this, timer};
-    if (timer->Tick) timer->Tick();
+    // A copy, since the handler may put another one in its place or end the timer's form.
+    if (const Handler tick = timer->Tick) tick();
   }
   earliest_ = NextDue().value_or(Milliseconds::max());
 }
@@ -66,6 +68,14 @@ void Host::SetClock(Clock& clock) {
   for (Timer* timer : timers_) timer->due_ += shift;
   earliest_ = Milliseconds(0);
   clock_ = &clock;
+}
+
+void Host::Add(Form& form) {
+  forms_.push_back(&form);
+  // Its timers count from now on, not from when the form was made.
+  for (Timer* timer : timers_) {
+    if (&timer->owner_ == &form) Restart(*timer);
+  }
 }
 
 void Host::AddTimer(Timer& timer) {

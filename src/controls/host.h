@@ -78,10 +78,7 @@ class Host {
  private:
   friend class Form;
   friend class Timer;
-  void Add(Form& form) {
-    forms_.push_back(&form);
-    earliest_ = Milliseconds(0);  // the form's timers run from now on
-  }
+  void Add(Form& form);
   void Forget(Form& form) { std::erase(forms_, &form); }
   void AddTimer(Timer& timer);
   void RemoveTimer(Timer& timer);

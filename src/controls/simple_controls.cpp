@@ -160,6 +160,7 @@ void ProgressBar::SetMin(double min) {
     throw RuntimeError(ErrorNumber::kInvalidPropertyValue);
   }
   Assign(min_, min);
+  if (range_ == Range::kStrict && value_ < min_) Assign(value_, min_);
 }
 
 void ProgressBar::SetMax(double max) {

@@ -19,8 +19,8 @@ class Timer : public Control {
   ~Timer() override;
   std::string_view Type() const override { return "Timer"; }
 
-  // Hides the plain property of a control: switching a timer on starts its interval anew.
-  void SetEnabled(bool enabled);
+  // Switching a timer on starts its interval anew.
+  void SetEnabled(bool enabled) override;
   Milliseconds Interval() const { return interval_; }
   void SetInterval(Milliseconds interval);
 

@@ -91,11 +91,10 @@ void TreeView::Forget(const TreeNodeRef& node) {
 }
 
 void TreeView::Remove(const TreeNodeRef& node) {
+  if (node->tree != this) throw RuntimeError(ErrorNumber::kElementNotFound);
   std::vector<TreeNodeRef>& siblings = node->parent ? node->parent->children : roots_;
-  const auto found = std::find(siblings.begin(), siblings.end(), node);
-  if (found == siblings.end()) throw RuntimeError(ErrorNumber::kElementNotFound);
   const TreeNodeRef keep = node;
-  siblings.erase(found);
+  siblings.erase(std::find(siblings.begin(), siblings.end(), keep));
   count_ -= SizeOf(*keep);
   Forget(keep);
   Changed();
@@ -114,6 +113,11 @@ void TreeView::SetColumn(TreeNode& node, size_t number, std::string_view text) {
   if (number < 1) throw RuntimeError(ErrorNumber::kInvalidPropertyValue);
   if (node.columns.size() < number) node.columns.resize(number);
   Assign(node.columns[number - 1], text);
+}
+
+TreeNodeRef TreeView::Selected() const {
+  TreeNodeRef node = selected_.lock();
+  return node && node->tree == this ? node : nullptr;
 }
 
 void TreeView::Select(const TreeNodeRef& node) {

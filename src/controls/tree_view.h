@@ -39,6 +39,7 @@ using TreeNodeRef = std::shared_ptr<TreeNode>;
 class TreeView : public Control {
  public:
   TreeView(Form& form, std::string name) : Control(form, std::move(name)) {}
+  ~TreeView() override { Clear(); }  // nodes held elsewhere must not point back here
   std::string_view Type() const override { return "TreeView"; }
 
   struct Column {
@@ -75,7 +76,8 @@ class TreeView : public Control {
   void SetExpanded(TreeNode& node, bool expanded) { Assign(node.expanded, expanded); }
   void SetColumn(TreeNode& node, size_t number, std::string_view text);
   void Select(const TreeNodeRef& node);
-  TreeNodeRef Selected() const { return selected_.lock(); }
+  // Null when no node is selected, or the one that was has been removed.
+  TreeNodeRef Selected() const;
 
   // Asks the front to repaint now.
   void Refresh() { Changed(); }
