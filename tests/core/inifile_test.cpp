@@ -1,0 +1,222 @@
+#include "core/inifile.h"
+
+#include <gtest/gtest.h>
+
+#include "support/platform_fixture.h"
+#include "support/test_host.h"
+
+namespace quarnel {
+namespace {
+
+// Files of which the n-th changing operation fails, as if the disk were full or the power went.
+class FailingFiles : public Files {
+ public:
+  explicit FailingFiles(Files& files) : files_(files) {}
+  int failAt = 0;  // 0: never
+  int steps = 0;
+
+  void Step() {
+    if (++steps == failAt) throw RuntimeError(ErrorNumber::kDiskFull);
+  }
+  std::optional<DirectoryEntry> Stat(std::string_view path) override { return files_.Stat(path); }
+  std::vector<DirectoryEntry> List(std::string_view folder) override { return files_.List(folder); }
+  std::unique_ptr<File> Open(std::string_view path, OpenMode mode) override {
+    if (mode == OpenMode::kRead) return files_.Open(path, mode);
+    Step();
+    return std::make_unique<FailingFile>(*this, files_.Open(path, mode));
+  }
+  void Delete(std::string_view path) override { files_.Delete(path); }
+  void DeleteFolder(std::string_view path) override { files_.DeleteFolder(path); }
+  void CreateFolder(std::string_view path) override { files_.CreateFolder(path); }
+  void Move(std::string_view from, std::string_view to) override { files_.Move(from, to); }
+  void ReplaceFile(std::string_view from, std::string_view to) override {
+    Step();
+    files_.ReplaceFile(from, to);
+  }
+  void Copy(std::string_view from, std::string_view to) override { files_.Copy(from, to); }
+  void SetAttributes(std::string_view path, uint32_t attributes) override {
+    files_.SetAttributes(path, attributes);
+  }
+  void SetModified(std::string_view path, FileTime time) override {
+    files_.SetModified(path, time);
+  }
+
+ private:
+  struct FailingFile : File {
+    FailingFile(FailingFiles& all, std::unique_ptr<File> file)
+        : all_(all), file_(std::move(file)) {}
+    size_t Read(std::span<char> buffer) override { return file_->Read(buffer); }
+    void Write(std::string_view bytes) override {
+      file_->Write(bytes.substr(0, bytes.size() / 2));
+      all_.Step();
+      file_->Write(bytes.substr(bytes.size() / 2));
+    }
+    void Seek(uint64_t position) override { file_->Seek(position); }
+    uint64_t Size() override { return file_->Size(); }
+    void Flush() override {
+      all_.Step();
+      file_->Flush();
+    }
+    FailingFiles& all_;
+    std::unique_ptr<File> file_;
+  };
+  Files& files_;
+};
+
+class Inifile : public PlatformTest {
+ protected:
+  cInifile Ini(std::string_view section, std::string_view key = {}) {
+    cInifile ini(failing);
+    ini.SetPath(path);
+    ini.SetSection(section);
+    ini.SetKey(key);
+    return ini;
+  }
+  std::string Content() { return ReadWholeFile(files(), path); }
+
+  FailingFiles failing{files()};
+  std::string path = Path("state.ini");
+};
+
+TEST_F(Inifile, ReadsAndWrites) {
+  cInifile ini = Ini("Level", "Some Threat");
+  ini.SetDefault("none");
+  EXPECT_EQ(ini.Value(), "none");
+  EXPECT_FALSE(ini.Success());
+  ini.DeleteKey();
+  EXPECT_TRUE(ini.Success());
+  EXPECT_FALSE(files().Stat(path)) << "there was nothing to write";
+  using namespace std::string_literals;
+  ini.SetValue("\0a\0b"s);
+  EXPECT_TRUE(ini.Success());
+  EXPECT_EQ(ini.Value(), "ab");
+  EXPECT_EQ(Content(), "[Level]\r\nSome Threat=ab\r\n");
+  ini.SetValue(std::string(300, 'x'));
+  EXPECT_EQ(ini.Value(), std::string(254, 'x'));
+  ini.SetKey("[no key]");
+  ini.SetValue("x");
+  EXPECT_FALSE(ini.Success());
+  ini.DeleteSection();
+  EXPECT_TRUE(ini.Success());
+  EXPECT_EQ(Content(), "");
+}
+
+TEST_F(Inifile, Enumerates) {
+  std::vector<std::string> names;
+  long count = 7;
+  Ini("none").EnumerateCurrentSection(names, count);
+  EXPECT_EQ(count, 0);
+  WriteWholeFile(files(), path,
+                 "[]\nk=1\n[BHR]\nhttp://a/?x=1 = ALLOW\n; note\nhttp://b/=BLOCK\nlone\n[c]\n");
+  using namespace std::string_literals;
+  EXPECT_EQ(Ini("bhr").INISection(), "http://a/?x=1 = ALLOW\0http://b/=BLOCK\0lone\0"s);
+  Ini("bhr").EnumerateCurrentSection(names, count);
+  EXPECT_EQ(names, (std::vector<std::string>{"http://a/?x", "http://b/", "lone"}));
+  EXPECT_EQ(count, 3);
+  Ini("").EnumerateAllSections(names, count);
+  EXPECT_EQ(names, (std::vector<std::string>{"", "BHR", "c"}));
+  EXPECT_EQ(count, 3);
+
+  cInifile ini = Ini("bhr");
+  ini.SetINISection("a=1\0b=2"s);
+  EXPECT_TRUE(ini.Success());
+  EXPECT_EQ(Content(), "[]\nk=1\n[BHR]\na=1\nb=2\n[c]\n");
+}
+
+TEST_F(Inifile, BuffersCutWhatDoesNotFit) {
+  std::string text = "[s]\n";
+  for (int i = 1000; i < 2000; ++i) text += "key" + std::to_string(i) + "=1\n";  // 10 bytes each
+  WriteWholeFile(files(), path, text);
+  EXPECT_EQ(Ini("s").INISection().size(), 8190u);
+  std::vector<std::string> keys;
+  long count = 0;
+  Ini("s").EnumerateCurrentSection(keys, count);
+  EXPECT_EQ(count, 819);
+  EXPECT_EQ(keys.back(), "key1818");
+}
+
+// A write that breaks off at any step leaves the old file, and nothing beside it.
+TEST_F(Inifile, WritesAreWhole) {
+  const std::string old = "; mine \xFF\r\n[s]\r\nk=old\r\n";
+  for (int step = 1;; ++step) {
+    WriteWholeFile(files(), path, old);
+    failing.failAt = step;
+    failing.steps = 0;
+    cInifile ini = Ini("s", "k");
+    ini.SetValue("new");
+    EXPECT_EQ(files().List(Scratch()).size(), 1u);
+    if (ini.Success()) {
+      EXPECT_EQ(step, 5);  // open, write, flush and replace have failed in their turns
+      break;
+    }
+    EXPECT_EQ(Content(), old) << step;
+  }
+  EXPECT_EQ(Content(), "; mine \xFF\r\n[s]\r\nk=new\r\n");
+  failing.steps = 0;
+  cInifile ini = Ini("s", "k");
+  ini.SetValue("new");
+  EXPECT_TRUE(ini.Success());
+  EXPECT_EQ(failing.steps, 0) << "an unchanged value is not written";
+}
+
+TEST_F(Inifile, LeavesAloneWhatItCannotRead) {
+  files().CreateFolder(path);
+  cInifile ini = Ini("s", "k");
+  ini.SetDefault("none");
+  ini.SetValue("x");
+  EXPECT_FALSE(ini.Success());
+  EXPECT_EQ(ini.Value(), "none");
+  files().DeleteFolder(path);
+  WriteWholeFile(files(), path, "[s]\n");
+  files().SetAttributes(path, file_attribute::kReadOnly);
+  ini.SetValue("x");
+  EXPECT_FALSE(ini.Success());
+  EXPECT_EQ(Content(), "[s]\n");
+  files().SetAttributes(path, file_attribute::kNormal);
+  ini.SetPath(Path("no folder\\x.ini"));
+  ini.SetValue("x");
+  EXPECT_FALSE(ini.Success());
+}
+
+TEST_F(Inifile, KeepsThePlaceOfAForm) {
+  TestHost host;
+  Form form(host, "frmMain");
+  const ScreenArea screen{0, 0, 15000, 12000};
+  form.SetPlace({100, 200, 3000, 2000});
+  Ini("").LoadFormPosition(form, screen);
+  EXPECT_EQ(form.Place(), (ScreenArea{100, 200, 3000, 2000})) << "nothing is stored";
+  form.SetWindowState(WindowState::kMaximised);
+  cInifile ini = Ini("other");
+  ini.SaveFormPosition(form);
+  EXPECT_TRUE(ini.Success());
+  EXPECT_EQ(Content(),
+            "[frmMain]\r\nLeft=100\r\nTop=200\r\nWidth=3000\r\nHeight=2000\r\nMaximised=1\r\n");
+  Form again(host, "frmMain");
+  ini.LoadFormPosition(again, screen);
+  EXPECT_EQ(again.Place(), form.Place());
+  EXPECT_EQ(again.StateOfWindow(), WindowState::kMaximised);
+
+  const struct {
+    std::string stored;
+    ScreenArea place;
+  } cases[] = {
+      {"Left=14000\nTop=-50\nWidth=2000\nHeight=1000", {13000, 0, 2000, 1000}},
+      {"Left=2147483647\nTop=-2147483648", {12000, 0, 3000, 2000}},
+      {"Width=99999\nLeft=10", {0, 200, 99999, 2000}},
+      {"Width=-5\nHeight=2147483647", {100, 200, 3000, 2000}},
+      {"Left=FAIL\nTop=x\nWidth=99999999999", {100, 200, 3000, 2000}},
+      {"Left=7.5\nMaximised=0", {8, 200, 3000, 2000}},
+  };
+  for (const auto& c : cases) {
+    WriteWholeFile(files(), path, "[frmMain]\n" + c.stored);
+    form.SetPlace({100, 200, 3000, 2000});
+    ini.LoadFormPosition(form, screen);
+    EXPECT_EQ(form.Place(), c.place) << c.stored;
+  }
+  EXPECT_EQ(form.StateOfWindow(), WindowState::kNormal);
+  EXPECT_EQ(cInifile::CLngDefault("12", 5), 12);
+  EXPECT_EQ(cInifile::CLngDefault("", 5), 5);
+}
+
+}  // namespace
+}  // namespace quarnel
