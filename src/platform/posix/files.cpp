@@ -69,21 +69,25 @@ class PosixFiles : public Files {
   }
 
   std::vector<DirectoryEntry> List(std::string_view folder) override {
-    const PathMap::Location location = paths_.Locate(folder);
-    DirectoryStream stream(location.host);
-    const AtPath at(location.host);
+    std::string host = paths_.Exact(folder).host;
+    std::optional<DirectoryStream> stream(std::in_place, host);
+    if (stream->Error() == ENOENT || stream->Error() == ENOTDIR) {
+      host = paths_.Locate(folder).host;
+      stream.emplace(host);
+    }
+    const AtPath at(host);
     const std::string place = at.ProcPath() + "/";
     std::vector<DirectoryEntry> entries;
-    while (const char* name = stream.Next()) {
+    while (const char* name = stream->Next()) {
       DirectoryEntry entry;
       // One that vanished since is left out; one that cannot be looked at is still named.
-      if (!ReadEntry(stream.Fd(), name, place + name, entry) && errno == ENOENT) continue;
+      if (!ReadEntry(stream->Fd(), name, place + name, entry) && errno == ENOENT) continue;
       entry.name = ShownName(name);
       entries.push_back(std::move(entry));
     }
     // A folder that is missing as a whole is a missing path.
-    if (stream.Error() == ENOENT) throw RuntimeError(ErrorNumber::kPathNotFound, folder, ENOENT);
-    if (stream.Error() != 0) RaiseErrno(stream.Error(), folder);
+    if (stream->Error() == ENOENT) throw RuntimeError(ErrorNumber::kPathNotFound, folder, ENOENT);
+    if (stream->Error() != 0) RaiseErrno(stream->Error(), folder);
     std::sort(entries.begin(), entries.end(), [less = LessText()](const auto& a, const auto& b) {
       return less(a.name, b.name) || (!less(b.name, a.name) && a.name < b.name);
     });
@@ -92,9 +96,11 @@ class PosixFiles : public Files {
 
   std::unique_ptr<File> Open(std::string_view path, OpenMode mode) override {
     if (mode == OpenMode::kRead) {
+      // Most paths are given as they stand on the disk: those need no search.
+      if (auto file = OpenForReading(paths_.Exact(path).host, path)) return file;
       const PathMap::Location location = paths_.Locate(path);
-      if (!location.exists) RaiseMissing(location, path);
-      return OpenForReading(location.host, path);
+      if (auto file = OpenForReading(location.host, path)) return file;
+      RaiseMissing(location, path);
     }
     ChangePlace place = ChangePlace::OfTarget(paths_, path);
     return OpenForWriting(place, path, mode);

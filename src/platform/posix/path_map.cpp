@@ -146,13 +146,14 @@ PathMap::Location PathMap::Locate(std::string_view windowsPath) {
   std::optional<Lookup> lookup;
   if (folder) lookup = Find(*folder, name);
   if (!lookup) {
-    // Nothing is known about the folder yet; most paths are given as they stand on the disk.
     folders_.erase(exactFolder);
-    if (LStat(location.host, status)) {
-      location.exists = location.hasFolder = true;
-      return location;
+    const Known nearest = NearestKnown(exactFolder, location.driveLength);
+    if (!listings_.contains(nearest.host)) {
+      // Nothing is known yet; most paths are given as they stand on the disk.
+      location.exists = location.hasFolder = LStat(location.host, status);
+      if (location.exists) return location;
     }
-    folder = Folder(exactFolder, location.driveLength);
+    folder = FolderBelow(nearest, exactFolder);
     if (folder) lookup = Find(*folder, name);
   }
   if (!lookup) return location;
@@ -171,25 +172,23 @@ std::optional<std::string> PathMap::KnownFolder(const std::string& exact) {
   return known->second;
 }
 
-// The host path of a folder whose path in the letter case given is `exact`.
-std::optional<std::string> PathMap::Folder(std::string_view exact, size_t driveLength) {
-  struct stat status = {};
-  if (std::string path(exact); FolderStat(path, status)) return Remember(exact, std::move(path));
-  // Down from the nearest folder that is known: what is missing is found missing with one look.
-  size_t length = driveLength;
-  std::string folder(exact.substr(0, driveLength));
+// The nearest known folder above a folder; the drive's root at the last.
+PathMap::Known PathMap::NearestKnown(const std::string& exact, size_t driveLength) {
   constexpr int kLooksUp = 8;
   size_t above = exact.size();
-  for (int look = 0; look < kLooksUp; ++look) {
+  for (int look = 0; look < kLooksUp && above > driveLength; ++look) {
     above = exact.rfind('/', above - 1);
-    if (above == std::string_view::npos || above <= driveLength) break;
-    if (auto known = KnownFolder(std::string(exact.substr(0, above)))) {
-      folder = std::move(*known);
-      length = above;
-      break;
-    }
+    if (above == std::string::npos || above <= driveLength) break;
+    if (auto known = KnownFolder(exact.substr(0, above))) return {std::move(*known), above};
   }
-  while (length < exact.size()) {
+  return {exact.substr(0, driveLength), driveLength};
+}
+
+// Goes down from a known folder to the one whose path in the letter case given is `exact`. What is
+// missing is found missing with one look.
+std::optional<std::string> PathMap::FolderBelow(const Known& known, const std::string& exact) {
+  std::string folder = known.host;
+  for (size_t length = known.length; length < exact.size();) {
     const size_t end = std::min(exact.find('/', length + 1), exact.size());
     const auto lookup = Find(folder, exact.substr(length + 1, end - length - 1));
     if (!lookup || !lookup->found) return std::nullopt;
@@ -197,31 +196,12 @@ std::optional<std::string> PathMap::Folder(std::string_view exact, size_t driveL
     length = end;
     Remember(exact.substr(0, length), folder);
   }
-  return FolderStat(folder, status) ? std::optional(folder) : std::nullopt;
+  return folder;
 }
 
-std::string PathMap::Remember(std::string_view exact, std::string host) {
-  MakeRoom(exact.size() + host.size());
-  folders_.insert_or_assign(std::string(exact), host);
-  return host;
-}
-
-// The listing as it stands now; null when there is no such folder.
-PathMap::Listing* PathMap::ListingOf(const std::string& folder) {
-  struct stat status = {};
-  const bool isFolder = FolderStat(folder, status);
-  const auto known = listings_.find(folder);
-  if (known != listings_.end()) {
-    if (isFolder && known->second.stamp.StillHolds(status)) return &known->second;
-    cachedBytes_ -= std::min(cachedBytes_, known->second.bytes);
-    listings_.erase(known);
-  }
-  if (!isFolder) return nullptr;
-  Listing listing;
-  listing.stamp = FolderStamp::Of(status);
-  Read(folder, listing);
-  MakeRoom(listing.bytes);
-  return &listings_.insert_or_assign(folder, std::move(listing)).first->second;
+void PathMap::Remember(const std::string& exact, const std::string& host) {
+  MakeRoom(exact.size() + host.size() + 96);
+  folders_.insert_or_assign(exact, host);
 }
 
 void PathMap::Read(const std::string& folder, Listing& listing) {
@@ -246,19 +226,41 @@ void PathMap::Read(const std::string& folder, Listing& listing) {
 }
 
 // What answers for `name` in a folder; nothing when there is no such folder.
-std::optional<PathMap::Lookup> PathMap::Find(const std::string& folder, std::string_view name) {
-  const Listing* listing = ListingOf(folder);
-  if (listing == nullptr) return std::nullopt;
+std::optional<PathMap::Lookup> PathMap::Find(const std::string& folder, const std::string& name) {
+  struct stat status = {};
+  const bool isFolder = FolderStat(folder, status);
+  auto known = listings_.find(folder);
+  if (known != listings_.end() && (!isFolder || !known->second.stamp.StillHolds(status))) {
+    cachedBytes_ -= std::min(cachedBytes_, known->second.bytes);
+    listings_.erase(known);
+    known = listings_.end();
+  }
+  if (!isFolder) return std::nullopt;
+  if (known == listings_.end()) {
+    // In a folder that changes all the time a name that stands there needs no listing.
+    struct stat entry = {};
+    if (LStat(folder + "/" + name, entry)) return Lookup{true, name};
+    Listing listing;
+    listing.stamp = FolderStamp::Of(status);
+    Read(folder, listing);
+    MakeRoom(listing.bytes);
+    known = listings_.insert_or_assign(folder, std::move(listing)).first;
+  }
+  return FindIn(known->second, folder, name);
+}
+
+PathMap::Lookup PathMap::FindIn(const Listing& listing, const std::string& folder,
+                                const std::string& name) {
   Lookup lookup;
-  if (listing->kept) {
-    const auto entry = listing->names.find(ToUpper(name));
-    if (entry == listing->names.end()) return lookup;
+  if (listing.kept) {
+    const auto entry = listing.names.find(ToUpper(name));
+    if (entry == listing.names.end()) return lookup;
     lookup = {true, entry->second};
-    if (lookup.name == name || !listing->caseVariants) return lookup;
+    if (lookup.name == name || !listing.caseVariants) return lookup;
   }
   struct stat status = {};
-  if (LStat(folder + "/" + std::string(name), status)) return Lookup{true, std::string(name)};
-  if (listing->kept) return lookup;
+  if (LStat(folder + "/" + name, status)) return {true, name};
+  if (listing.kept) return lookup;
   DirectoryStream stream(folder);
   while (const char* entry = stream.Next()) {
     if (EqualText(entry, name) && (!lookup.found || entry < lookup.name)) lookup = {true, entry};

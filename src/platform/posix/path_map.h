@@ -81,12 +81,18 @@ class PathMap {
     std::string name;  // as it stands on the disk
   };
 
-  std::optional<std::string> Folder(std::string_view exact, size_t driveLength);
+  struct Known {
+    std::string host;
+    size_t length = 0;  // of its path in the letter case given
+  };
+
   std::optional<std::string> KnownFolder(const std::string& exact);
-  std::string Remember(std::string_view exact, std::string host);
-  Listing* ListingOf(const std::string& folder);
-  void Read(const std::string& folder, Listing& listing);
-  std::optional<Lookup> Find(const std::string& folder, std::string_view name);
+  Known NearestKnown(const std::string& exact, size_t driveLength);
+  std::optional<std::string> FolderBelow(const Known& known, const std::string& exact);
+  void Remember(const std::string& exact, const std::string& host);
+  static void Read(const std::string& folder, Listing& listing);
+  std::optional<Lookup> Find(const std::string& folder, const std::string& name);
+  static Lookup FindIn(const Listing& listing, const std::string& folder, const std::string& name);
   void MakeRoom(size_t bytes);
 
   std::string root_;

@@ -70,10 +70,12 @@ struct stat StatusOfPlainFile(const UniqueFd& fd, std::string_view about) {
   return status;
 }
 
+// Not valid when nothing stands there.
 UniqueFd OpenSource(const std::string& host, std::string_view about) {
   const AtPath at(host);
   // Opening a pipe would wait for its other end.
   UniqueFd fd(openat(at.Folder(), at.Name(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+  if (!fd.Valid() && (errno == ENOENT || errno == ENOTDIR)) return fd;
   StatusOfPlainFile(fd, about);
   // Files are read from front to end; advice that is refused costs nothing.
   posix_fadvise(fd.Get(), 0, 0, POSIX_FADV_SEQUENTIAL);
@@ -113,7 +115,9 @@ void CopyBytes(int from, int to, std::string_view about) {
 }  // namespace
 
 std::unique_ptr<File> OpenForReading(const std::string& host, std::string_view about) {
-  return std::make_unique<PosixFile>(OpenSource(host, about), about);
+  UniqueFd fd = OpenSource(host, about);
+  if (!fd.Valid()) return nullptr;
+  return std::make_unique<PosixFile>(std::move(fd), about);
 }
 
 std::unique_ptr<File> OpenForWriting(const ChangePlace& place, std::string_view about,

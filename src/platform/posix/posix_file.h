@@ -11,6 +11,7 @@
 // the program up. `about` is the path for the text of an error.
 namespace quarnel {
 
+// Null when nothing stands there.
 std::unique_ptr<File> OpenForReading(const std::string& host, std::string_view about);
 std::unique_ptr<File> OpenForWriting(const ChangePlace& place, std::string_view about,
                                      OpenMode mode);

@@ -1,0 +1,269 @@
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <set>
+#include <sstream>
+#include <thread>
+
+#include "platform/machine_folder.h"
+#include "platform/posix/path_map.h"
+#include "platform/posix/unique_fd.h"
+#include "support/platform_fixture.h"
+
+// What lies between Windows paths and a host tree: names in every case, names that Windows cannot
+// have, listings that go stale, links and special files.
+namespace quarnel {
+namespace {
+
+namespace fs = std::filesystem;
+
+class PosixFilesTest : public PlatformTest {
+ protected:
+  fs::path Host() const { return fs::path(machineFolder()) / "drive_c" / Scratch().substr(3); }
+  void Plant(const fs::path& path, std::string_view bytes = "x") {
+    std::ofstream(path, std::ios::binary) << bytes;
+  }
+  std::string Read(std::string_view name) { return ReadWholeFile(files(), Path(name)); }
+  bool Exists(std::string_view name) { return files().Stat(Path(name)).has_value(); }
+  std::vector<std::string> Names() {
+    std::vector<std::string> names;
+    for (const DirectoryEntry& entry : files().List(Scratch())) names.push_back(entry.name);
+    return names;
+  }
+};
+
+TEST_F(PosixFilesTest, NamesThatDifferInCaseOnlyAreAllReached) {
+  for (const char* name : {"NAME", "Name", "name"}) Plant(Host() / name, name);
+  for (const char* name : {"NAME", "Name", "name"}) EXPECT_EQ(Read(name), name);
+  // Any other spelling gets the first in order, however the host lists them.
+  EXPECT_EQ(Read("nAmE"), "NAME");
+  EXPECT_EQ(Names(), (std::vector<std::string>{"NAME", "Name", "name"}));
+
+  fs::create_directories(Host() / "Folder");
+  Plant(Host() / "Folder/inner", "1");
+  EXPECT_EQ(Read("folder\\inner"), "1");
+  fs::create_directories(Host() / "folder");
+  Plant(Host() / "folder/evil", "2");
+  EXPECT_EQ(Read("folder\\evil"), "2");
+  EXPECT_EQ(Read("Folder\\inner"), "1");
+}
+
+TEST_F(PosixFilesTest, NamesThatWindowsCannotHaveAreShownAndReached) {
+  const std::string hosts[] = {
+      R"(all\:*?"<>|of them)",    "ends in a point.", " ",         "\xEF\x80\xAA", "\xEF\x80\xAA*",
+      "\xEF\x81\xBF\xEF\x80\xBA", "\xEF\x81\xBFx",    "line\nend", "...",
+  };
+  for (const std::string& host : hosts) Plant(Host() / host, host);
+  const auto names = Names();
+  EXPECT_EQ(names.size(), std::size(hosts));
+  EXPECT_EQ(std::set<std::string>(names.begin(), names.end()).size(), std::size(hosts));
+  for (const std::string& name : names) {
+    EXPECT_EQ(name.find_first_of("\\:*?\"<>|"), std::string::npos) << name;
+    EXPECT_EQ(ShownName(Read(name)), name);
+    EXPECT_EQ(HostName(name), Read(name));
+  }
+  // Written by its shown name a file has the host's one again.
+  WriteWholeFile(files(), Path("new\xEF\x80\xBA"), "colon");
+  EXPECT_TRUE(fs::exists(Host() / "new:"));
+}
+
+TEST_F(PosixFilesTest, ChangesOfOtherProgramsAreSeenAtOnce) {
+  fs::create_directories(Host() / "Watched");
+  for (int turn = 0; turn < 200; ++turn) {
+    ASSERT_FALSE(Exists("watched\\APPEARS")) << turn;
+    Plant(Host() / "Watched/appears");
+    ASSERT_TRUE(Exists("watched\\APPEARS")) << turn;
+    fs::remove(Host() / "Watched/appears");
+  }
+  // A listing that was kept for a while, and a program that sets the folder's time back.
+  std::this_thread::sleep_for(std::chrono::milliseconds(50));
+  EXPECT_FALSE(Exists("watched\\APPEARS"));
+  EXPECT_FALSE(Exists("watched\\APPEARS"));
+  const auto time = fs::last_write_time(Host() / "Watched");
+  Plant(Host() / "Watched/appears");
+  fs::last_write_time(Host() / "Watched", time);
+  EXPECT_TRUE(Exists("watched\\APPEARS"));
+
+  fs::rename(Host() / "Watched", Host() / "moved");
+  EXPECT_FALSE(Exists("watched\\APPEARS"));
+  EXPECT_FALSE(Exists("watched"));
+  fs::create_directories(Host() / "WATCHED");
+  Plant(Host() / "WATCHED/other");
+  EXPECT_TRUE(Exists("watched\\OTHER"));
+}
+
+TEST_F(PosixFilesTest, WhatChangesSomethingNeverLeavesTheMachine) {
+  const fs::path outside = fs::path(machineFolder() + "-outside");
+  fs::create_directories(outside / "folder");
+  Plant(outside / "precious", "keep");
+  fs::create_symlink(outside, Host() / "absolute");
+  fs::create_symlink(fs::relative(outside, Host()), Host() / "relative");
+  fs::create_symlink(outside / "precious", Host() / "file");
+  fs::create_symlink(outside / "made", Host() / "dangling");
+  for (const std::string link : {"absolute", "relative"}) {
+    const std::string inside = Path(link + "\\precious");
+    EXPECT_EQ(ReadWholeFile(files(), inside), "keep");
+    const auto denied = [&](auto&& action) {
+      EXPECT_EQ(ErrorOf(action), ErrorNumber::kPermissionDenied) << link;
+    };
+    denied([&] { files().Delete(inside); });
+    denied([&] { files().DeleteFolder(Path(link + "\\folder")); });
+    denied([&] { files().Move(inside, Path("stolen")); });
+    denied([&] { files().Copy(inside, Path(link + "\\copy")); });
+    denied([&] { files().SetAttributes(inside, file_attribute::kReadOnly); });
+    denied([&] { files().SetModified(inside, FileTime()); });
+    denied([&] { files().CreateFolder(Path(link + "\\new")); });
+    denied([&] { WriteWholeFile(files(), inside, "lost"); });
+    denied([&] { files().ReplaceFile(inside, Path(link + "\\y")); });
+  }
+  EXPECT_EQ(ErrorOf([&] { WriteWholeFile(files(), Path("file"), "lost"); }),
+            ErrorNumber::kPermissionDenied);
+  EXPECT_TRUE(ErrorOf([&] { WriteWholeFile(files(), Path("dangling"), "lost"); }));
+  EXPECT_FALSE(fs::exists(outside / "made"));
+  // The links themselves are the machine's own.
+  EXPECT_TRUE(files().Stat(Path("absolute"))->IsFolder());
+  EXPECT_NE(files().Stat(Path("absolute"))->attributes & file_attribute::kReparsePoint, 0U);
+  files().DeleteFolder(Path("absolute"));
+  files().DeleteFolder(Path("relative"));
+  files().Delete(Path("file"));
+  files().Delete(Path("dangling"));
+  EXPECT_TRUE(Names().empty());
+  std::ostringstream kept;
+  kept << std::ifstream(outside / "precious").rdbuf();
+  EXPECT_EQ(kept.str(), "keep");
+  fs::remove_all(outside);
+}
+
+TEST_F(PosixFilesTest, LinksWithinTheMachineAreFollowed) {
+  fs::create_directories(Host() / "real");
+  fs::create_symlink(Host() / "real", Host() / "link");
+  fs::create_symlink("real/file", Host() / "to-file");
+  WriteWholeFile(files(), Path("LINK\\file"), "1");
+  WriteWholeFile(files(), Path("to-file"), "2");
+  EXPECT_EQ(Read("real\\file"), "2");
+  fs::create_symlink("loop", Host() / "loop");
+  EXPECT_TRUE(Exists("loop"));
+  EXPECT_FALSE(Exists("loop\\x"));
+  EXPECT_TRUE(ErrorOf([&] { files().Open(Path("loop"), OpenMode::kRead); }));
+  files().Delete(Path("loop"));
+}
+
+TEST_F(PosixFilesTest, SpecialFilesAreNotOpened) {
+  ASSERT_EQ(mkfifo((Host() / "pipe").c_str(), 0666), 0);
+  for (const OpenMode mode : {OpenMode::kRead, OpenMode::kReadWrite, OpenMode::kAppend}) {
+    EXPECT_EQ(ErrorOf([&] { files().Open(Path("pipe"), mode); }), ErrorNumber::kDeviceError);
+  }
+  EXPECT_EQ(files().Stat(Path("pipe"))->size, 0U);
+  files().Delete(Path("pipe"));
+}
+
+TEST_F(PosixFilesTest, AMissingFileCostsAboutOneLookAtItsFolder) {
+  for (int i = 0; i < 400; ++i) Plant(Host() / ("file" + std::to_string(i)));
+  std::this_thread::sleep_for(std::chrono::milliseconds(50));
+  using Clock = std::chrono::steady_clock;
+  constexpr int kLookups = 5'000;
+  const std::string folder = Host();
+  struct stat status = {};
+  auto start = Clock::now();
+  for (int i = 0; i < kLookups; ++i) ASSERT_EQ(stat(folder.c_str(), &status), 0);
+  const auto looks = Clock::now() - start;
+  start = Clock::now();
+  for (int i = 0; i < kLookups; ++i) ASSERT_FALSE(Exists("missing" + std::to_string(i)));
+  // Reading the folder each time would be some hundred times a look.
+  EXPECT_LT(Clock::now() - start, 20 * looks);
+}
+
+TEST_F(PosixFilesTest, HostPathsOfDrivesGoBackToWindowsPaths) {
+  PathMap paths(fs::canonical(machineFolder()));
+  fs::create_directories(fs::path(machineFolder()) / "drive_q");
+  fs::create_directories(fs::path(machineFolder()) / "drive_qq");
+  const std::string root = paths.Root();
+  EXPECT_EQ(paths.ToWindows(root + "/drive_c"), "C:\\");
+  EXPECT_EQ(paths.ToWindows(root + "/drive_q/a b/c*"), "Q:\\a b\\c\xEF\x80\xAA");
+  EXPECT_EQ(paths.ToWindows(root + "/drive_qq/a"), std::nullopt);
+  EXPECT_EQ(paths.ToWindows(root), std::nullopt);
+  EXPECT_EQ(paths.ToWindows("/"), std::nullopt);
+  // A drive within another one, as a drive Z: of the whole host is.
+  fs::create_symlink("/", fs::path(machineFolder()) / "drive_z");
+  EXPECT_EQ(paths.ToWindows(root + "/drive_c/x"), "C:\\x");
+  EXPECT_EQ(paths.ToWindows("/bin/x"), "Z:\\bin\\x");
+  EXPECT_EQ(paths.ToWindows("/"), "Z:\\");
+}
+
+TEST_F(PosixFilesTest, MachineFoldersAreMadeOnceAndReadWithCare) {
+  const std::string base = machineFolder() + "-new";
+  CreateMachine(base + "/a/b/", {"M\xC3\xBCller", "S-1-5-21-7", SystemFamily::kWindows9x});
+  const auto made = OpenPlatform(base + "/a/b");
+  EXPECT_EQ(made->machine().UserName(), "M\xC3\xBCller");
+  EXPECT_EQ(made->machine().Family(), SystemFamily::kWindows9x);
+  EXPECT_EQ(EnumSubKeys(made->registry(), hive::kCurrentUser,
+                        "Software\\Microsoft\\Protected Storage System Provider"),
+            std::vector<std::string>{"S-1-5-21-7"});
+  EXPECT_EQ(fs::path(HostPathOf(base + "/a/b", "c:\\windows\\new.EXE")),
+            fs::canonical(base + "/a/b/drive_c/WINDOWS") / "new.EXE");
+  EXPECT_EQ(ErrorOf([&] { CreateMachine(base + "/a/b", {}); }), ErrorNumber::kFileExists);
+  for (const char* name : {"", "a/b", "..", "a\nb", "x ", "[x]"}) {
+    MachineOptions options;
+    options.userName = name;
+    EXPECT_EQ(ErrorOf([&] { CreateMachine(base + "/c", options); }), ErrorNumber::kInvalidCall);
+  }
+  EXPECT_FALSE(fs::exists(base + "/c"));
+  EXPECT_EQ(ErrorOf([&] { OpenPlatform(base); }), ErrorNumber::kPathNotFound);
+  EXPECT_EQ(ErrorOf([&] { OpenPlatform(base + "/nothing"); }), ErrorNumber::kPathNotFound);
+  for (const char* line :
+       {"user", "sid=x", "family=me", "[drives]\nCC=fixed", "[drives]\nC=x", "user=..\\.."}) {
+    Plant(base + "/a/b/machine.ini", "; comment\n[machine]\r\n" + std::string(line));
+    EXPECT_EQ(ErrorOf([&] { OpenPlatform(base + "/a/b"); }), ErrorNumber::kInvalidCall) << line;
+  }
+  fs::remove_all(base);
+}
+
+TEST_F(PosixFilesTest, TheDefaultMachineIsNamedByTheEnvironment) {
+  const std::string data = machineFolder() + "-data";
+  unsetenv("QUARNEL_MACHINE");
+  setenv("XDG_DATA_HOME", data.c_str(), 1);
+  EXPECT_EQ(OpenPlatform("")->machine().UserName(), "user");
+  EXPECT_TRUE(fs::exists(data + "/quarnel/machine/drive_c"));
+  Plant(data + "/quarnel/machine/machine.ini", "[machine]\nuser=second\n");
+  EXPECT_EQ(OpenPlatform("")->machine().UserName(), "second");
+  setenv("QUARNEL_MACHINE", machineFolder().c_str(), 1);
+  EXPECT_EQ(OpenPlatform("")->machine().UserName(), "user");
+  unsetenv("QUARNEL_MACHINE");
+  unsetenv("XDG_DATA_HOME");
+  fs::remove_all(data);
+}
+
+TEST(UniqueFdTest, ClosesOnceAndMoves) {
+  const auto isOpen = [](int fd) { return lseek(fd, 0, SEEK_CUR) >= 0; };
+  const auto open = [] {
+    std::FILE* file = std::tmpfile();
+    const int fd = dup(fileno(file));
+    std::fclose(file);
+    return fd;
+  };
+  const int first = open();
+  {
+    UniqueFd owner(first);
+    UniqueFd moved(std::move(owner));
+    EXPECT_FALSE(owner.Valid());
+    EXPECT_TRUE(isOpen(first));
+    UniqueFd& itself = moved;
+    moved = std::move(itself);
+    EXPECT_TRUE(isOpen(first));
+    const int second = open();
+    moved = UniqueFd(second);
+    EXPECT_FALSE(isOpen(first));
+    EXPECT_EQ(moved.Release(), second);
+    EXPECT_TRUE(isOpen(second));
+    moved.Reset(second);
+  }
+  EXPECT_FALSE(isOpen(first));
+}
+
+}  // namespace
+}  // namespace quarnel
