@@ -20,6 +20,11 @@ void WriteControls(Session& session, Form& form) {
   }
 }
 
+bool IsTicked(const Control& control) {
+  return dynamic_cast<const CheckBox*>(&control) != nullptr ||
+         dynamic_cast<const OptionButton*>(&control) != nullptr;
+}
+
 }  // namespace
 
 bool TakesActions(Session& session, const Target& target) {
@@ -61,9 +66,7 @@ void Set(Session& session, Words& words) {
   const Target target = TakeControl(session.host, words);
   std::string value = words.Next();
   words.End();
-  const bool ticks = dynamic_cast<CheckBox*>(target.control) != nullptr ||
-                     dynamic_cast<OptionButton*>(target.control) != nullptr;
-  if (ticks) value = FlagText(ParseFlag(value));
+  if (IsTicked(*target.control)) value = FlagText(ParseFlag(value));
   if (TakesActions(session, target)) target.control->SetByUser(value);
 }
 

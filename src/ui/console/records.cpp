@@ -10,6 +10,8 @@ template <typename... Functions>
 struct Overloaded : Functions... {
   using Functions::operator()...;
 };
+template <typename... Functions>
+Overloaded(Functions...) -> Overloaded<Functions...>;
 
 std::string JsonValue(const Field& field) {
   return std::visit(Overloaded{[](bool flag) { return std::string(flag ? "true" : "false"); },

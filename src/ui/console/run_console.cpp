@@ -57,12 +57,11 @@ int RunJob(Kind kind, Session& session) {
 
 // Starts the program, does what the call asks for, and leaves it. ProcessEnded may come at any
 // point from the start on.
-int RunProgram(const ConsoleCall& call, Session& session, LineSource& lines, bool byPerson) {
+int RunProgram(const ConsoleCall& call, Session& session, Interpreter& interpreter) {
   if (!session.program.Start()) {
     session.host.Notice("quarnel-console: another instance is running");
     return kError;
   }
-  Interpreter interpreter(session, lines, byPerson ? OnError::kGoOn : OnError::kEndScript);
   session.host.Play(interpreter);
   int code = kDone;
   if (IsJob(call.kind)) {
@@ -92,9 +91,10 @@ int Run(const ConsoleCall& call, std::istream& script, const ConsoleStreams& str
   ScriptLines written(script);
   TypedLines typed(streams.terminal, streams.err);
   LineSource& lines = byPerson ? static_cast<LineSource&>(typed) : written;
+  Interpreter interpreter(session, lines, byPerson ? OnError::kGoOn : OnError::kEndScript);
   int code = kDone;
   try {
-    code = RunProgram(call, session, lines, byPerson);
+    code = RunProgram(call, session, interpreter);
   } catch (const ProcessEnded&) {
     // A scan that did not come to its end has found nothing that could be told.
     code = host.HasFailed() || call.kind == Kind::kScan ? kError : kDone;
