@@ -1,0 +1,159 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+#include "console/console_fixture.h"
+#include "support/test_host.h"
+#include "ui/console/display_text.h"
+#include "ui/console/progress_line.h"
+#include "ui/console/records.h"
+#include "ui/console/scan_summary.h"
+
+namespace quarnel {
+namespace {
+
+TEST(JsonText, IsValidForAnyBytes) {
+  const std::pair<std::string, std::string> cases[] = {
+      {"", "\"\""},
+      {"a\"b\\c/", "\"a\\\"b\\\\c/\""},
+      {std::string("\0\x01\x1f\x7f\b", 5), "\"\\u0000\\u0001\\u001f\x7f\\u0008\""},
+      {"é漢😀", "\"é漢😀\""},
+      {"\xff"
+       "a\xc3",
+       "\"\uFFFD"
+       "a\uFFFD\""},
+      {"\xed\xa0\x80", "\"\uFFFD\""},    // a lone surrogate
+      {"\xc0\xaf", "\"\uFFFD\uFFFD\""},  // an overlong slash
+  };
+  for (const auto& [text, json] : cases) EXPECT_EQ(JsonText(text), json);
+}
+
+TEST(DisplayText, WidthAndCut) {
+  struct Case {
+    std::string text;
+    size_t width;
+    std::string firstThree;
+  };
+  const Case cases[] = {
+      {"abcd", 4, "abc"}, {"é漢字", 5, "é漢"}, {"e\u0301xyz", 4, "e\u0301xy"},
+      {"a😀b", 4, "a😀"},   {"漢字", 4, "漢"},   {"\xff\xff", 2, "\uFFFD\uFFFD"},
+      {"", 0, ""},
+  };
+  for (const Case& text : cases) {
+    EXPECT_EQ(DisplayWidth(text.text), text.width) << text.text;
+    EXPECT_EQ(FitToWidth(text.text, 3), text.firstThree);
+  }
+  EXPECT_EQ(Printable("a\x1b[0m\u202E\u0085\t\xfe"), "a\\x1B[0m\\u202E\\x85\\x09\uFFFD");
+}
+
+ScanSummary Sample() {
+  return {.status = "Scanning completed.",
+          .threats = {{.name = "漢字.Ware",
+                       .type = "Adware",
+                       .level = "3",
+                       .traces = {"C:\\a\x1b.exe", "HKEY_CURRENT_USER\\x"}},
+                      {.name = "Bo", .type = "Key Logger", .level = "10", .ignored = {"C:\\b"}}}};
+}
+
+TEST(ScanSummary, TableIsAlignedByWidth) {
+  std::ostringstream out;
+  PrintSummary(Sample(), out, false);
+  EXPECT_EQ(out.str(),
+            "Threat     Type        Level  Traces\n"
+            "漢字.Ware  Adware      3           2\n"
+            "    C:\\a\\x1B.exe\n"
+            "    HKEY_CURRENT_USER\\x\n"
+            "Bo         Key Logger  10          0\n"
+            "    C:\\b (ignored)\n"
+            "\n"
+            "1 threat with 2 traces found, 1 trace ignored. Scanning completed.\n");
+}
+
+TEST(ScanSummary, ColoursChangeNothingElse) {
+  std::ostringstream plain;
+  std::ostringstream coloured;
+  PrintSummary(Sample(), plain, false);
+  PrintSummary(Sample(), coloured, true);
+  std::string text = coloured.str();
+  for (size_t i; (i = text.find('\033')) != std::string::npos;) {
+    text.erase(i, text.find('m', i) - i + 1);
+  }
+  EXPECT_EQ(text, plain.str());
+  EXPECT_NE(coloured.str(), plain.str());
+}
+
+TEST(ScanSummary, Json) {
+  std::ostringstream out;
+  RecordWriter records(out, RecordWriter::Format::kJson);
+  ScanSummary summary = Sample();
+  summary.threats.erase(summary.threats.begin());
+  WriteSummary(summary, records);
+  EXPECT_EQ(out.str(),
+            "{\"threat\":\"Bo\",\"type\":\"Key Logger\",\"level\":\"10\",\"traces\":[],"
+            "\"ignored\":[\"C:\\\\b\"]}\n"
+            "{\"threats\":0,\"traces\":0,\"ignored\":1,\"status\":\"Scanning completed.\"}\n");
+}
+
+TEST(ScanSummary, ReadsTheResultsTree) {
+  TestHost host;
+  Form form(host, "frm");
+  TreeView tree(form, "tvw");
+  const TreeNodeRef root = tree.AddRoot("Evil", "Evil");
+  tree.SetColumn(*root, 2, "7 ");
+  tree.AddChild(root, "K1", "[Found] - C:\\[Found] - x");
+  tree.AddChild(root, "K2", "[Ignored] - y");
+  const std::vector<ScanThreat> threats = ThreatsOf(tree);
+  ASSERT_EQ(threats.size(), 1U);
+  EXPECT_EQ(threats[0].level, "7");
+  EXPECT_EQ(threats[0].traces, std::vector<std::string>{"C:\\[Found] - x"});
+  EXPECT_EQ(threats[0].ignored, std::vector<std::string>{"y"});
+}
+
+TEST(ProgressLine, RedrawsOnChangeAtMostThirtyTimesASecond) {
+  TestHost host;
+  Form form(host, "frm");
+  ProgressBar bar(form, "pbgMain");
+  Label percentage(form, "lblPercentageCompleted", "Scanning - 0% Completed.   ");
+  FakeTerminal terminal;
+  std::ostringstream out;
+  const auto drawn = [&] {
+    std::string text = out.str();
+    out.str("");
+    return text;
+  };
+  {
+    ProgressLine line(out, terminal, host.clock(), {&bar, &percentage, nullptr});
+    line.Update();
+    EXPECT_EQ(drawn(), "\r[..............] Scanning - 0% Completed.  ");
+    bar.SetValue(50);
+    line.Update();
+    EXPECT_EQ(drawn(), "");  // too early
+    host.virtualClock().Pass(Milliseconds(40));
+    line.Update();
+    EXPECT_EQ(drawn(), "\r[#######.......] Scanning - 0% Completed.  ");
+    host.virtualClock().Pass(Milliseconds(40));
+    line.Update();
+    EXPECT_EQ(drawn(), "");  // nothing changed
+    percentage.SetCaption(std::string(200, 'x') + "\n");
+    line.Update();
+    EXPECT_EQ(drawn(), "\r[#######.......] " + std::string(42, 'x'));
+    percentage.SetCaption("done");
+    host.virtualClock().Pass(Milliseconds(40));
+    line.Update();
+    EXPECT_EQ(drawn(), "\r[#######.......] done  " + std::string(36, ' '));
+  }
+  EXPECT_EQ(drawn(), "\r" + std::string(23, ' ') + "\r");
+}
+
+TEST(ProgressLine, IsDrawnByAScanOnATerminalAndWiped) {
+  ConsoleRun run;
+  run.arguments = {"scan"};
+  run.terminal.outputIsTerminal = true;
+  run.Run("");
+  EXPECT_THAT(run.out, testing::StartsWith("\r["));
+  EXPECT_THAT(run.out, testing::EndsWith(" \rNo threats found.\n"));
+}
+
+}  // namespace
+}  // namespace quarnel
