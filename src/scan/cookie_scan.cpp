@@ -49,7 +49,7 @@ void CookieScan::LoadFileInListView(std::string_view file, ListView& list) {
   });
 }
 
-void CookieScan::LoadPatterns() {
+std::vector<std::string> CookieScan::LoadPatterns() {
   const std::string folder = GetPathWithSlash(GetWindowsSystemDirectory(u_.machine));
   const ComplementTools tools{u_.files, u_.host, u_.log, u_.title};
   const std::string plain = folder + std::string(kPlainPatterns);
@@ -60,16 +60,18 @@ void CookieScan::LoadPatterns() {
     ComplementFile(tools, SignaturePath(u_.machine, signature_file::kIgnoredCookies),
                    folder + std::string(kPlainIgnoreList));
   }
+  std::vector<std::string> patterns;
+  for (const ListRow& row : u_.page.lvwBlockedCookies.Rows()) patterns.push_back(row.text);
+  return patterns;
 }
 
 void CookieScan::DeleteCookie(std::string_view folder, ListView& list, bool bDelete) {
   Reporting(u_.log, "DeleteCookie", [&] {
     std::vector<DirectoryEntry> files = u_.files.List(folder);
     std::erase_if(files, [](const DirectoryEntry& entry) { return entry.IsFolder(); });
-    LoadPatterns();
+    Walk walk{.patterns = PatternSet(LoadPatterns())};
     u_.page.pbgMain.SetMin(0);
     u_.page.pbgMain.SetMax(static_cast<double>(files.size() + 1));
-    Walk walk;
     for (const DirectoryEntry& file : files) {
       if (!TestCookie(GetPathWithSlash(folder) + file.name, list, !bDelete, walk)) return;
     }
@@ -84,16 +86,14 @@ bool CookieScan::TestCookie(const std::string& path, ListView& list, bool enter,
   std::string domain = FindDomianNameFromCookies(path);
   if (StartsWithText(domain, "www.")) domain.erase(0, 4);
   u_.page.lblTrackingObjectScanned.SetCaption(std::to_string(walk.lastIndex));
-  // Counted anew in each turn: events processed meanwhile may load the list again.
-  for (size_t i = 0; i < u_.page.lvwBlockedCookies.Count(); ++i) {
-    walk.lastIndex = i + 1;
-    if (Like(domain, u_.page.lvwBlockedCookies.At(i).text)) {
-      if (enter) Enter(path, list);
-      return true;
-    }
-    if (u_.flags.scanStopRequested) return false;
+  const auto match = walk.patterns.FirstMatch(domain);
+  walk.lastIndex = match ? *match + 1 : walk.patterns.Count();
+  // The search tests the stop flag after a miss; a hit at once comes through.
+  if (walk.lastIndex > 1 || !match) {
     u_.host.DoEvents();
+    if (u_.flags.scanStopRequested) return false;
   }
+  if (match && enter) Enter(path, list);
   return true;
 }
 

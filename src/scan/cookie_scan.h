@@ -8,6 +8,7 @@
 #include "core/settings.h"
 #include "platform/files.h"
 #include "platform/machine.h"
+#include "scan/pattern_set.h"
 #include "scan/results.h"
 #include "scan/scan_page.h"
 
@@ -50,10 +51,11 @@ class CookieScan {
  private:
   // What the walk keeps from one file to the next.
   struct Walk {
+    PatternSet patterns;
     size_t lastIndex = 0;  // where the search of the file before ended, from 1
   };
 
-  void LoadPatterns();
+  std::vector<std::string> LoadPatterns();
   // False when the scan was stopped.
   bool TestCookie(const std::string& path, ListView& list, bool enter, Walk& walk);
   void Enter(const std::string& path, ListView& list);

@@ -135,7 +135,11 @@ void FileScan::CheckValidFile(std::string_view path, std::string_view company,
 
 bool FileScan::IsThreat(std::string_view path, std::string_view company, std::string_view hash) {
   if (GetFileExtension(path) == "lnk") return true;
-  const auto hashFits = [&] { return EqualText(HashFile(u_.files, path), hash); };
+  const auto hashFits = [&] {
+    const std::string itsHash = HashFile(u_.files, path);
+    if (itsHash == kNoHash) u_.unread.Add("file", path);
+    return EqualText(itsHash, hash);
+  };
   if (EqualText(company, "unknown")) return !hash.empty() && hashFits();
   // A named company without a hash needs only the file: the two empty hash texts are equal.
   if (hash.empty()) return true;

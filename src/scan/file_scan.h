@@ -14,6 +14,7 @@
 #include "scan/folder_index.h"
 #include "scan/results.h"
 #include "scan/scan_page.h"
+#include "scan/unread.h"
 #include "signatures/signature_files.h"
 
 namespace quarnel {
@@ -25,6 +26,7 @@ class FileScan {
   struct Uses {
     ScanPage& page;
     const ScanFlags& flags;
+    Unread& unread;
     Results& results;
     Files& files;
     Machine& machine;

@@ -57,8 +57,12 @@ void MemoryScan::MemoryItemsInspection(ProgressBar& progressBar) {
       if (InScan()) u_.page.lblMemoryInspected.SetCaption(std::to_string(i));
       u_.page.lblPercentageCompleted.SetCaption(PercentCaption("Scanning Memory", progressBar));
       DoEvents();
-      const auto path = u_.processes.MainModulePath(processes[static_cast<size_t>(i)].id);
-      if (path) Inspect(*path, signatures);
+      const ProcessRecord& process = processes[static_cast<size_t>(i)];
+      if (const auto path = u_.processes.MainModulePath(process.id)) {
+        Inspect(*path, signatures);
+      } else {
+        u_.unread.Add("process", process.executable);
+      }
     }
   });
 }
@@ -91,6 +95,7 @@ void MemoryScan::Inspect(std::string_view modulePath, std::string_view signature
   const std::string path = ActuallProcessName(ToUpper(Trim(modulePath)));
   const std::string company = GetCompanyName(u_.files, path, [this] { DoEvents(); });
   const std::string hash = HashFile(u_.files, path);
+  if (hash == kNoHash) u_.unread.Add("file", path);
   const size_t position = FindText(signatures, hash);
   if (position == std::string_view::npos) return;
   const size_t first = signatures.find('^', position + 1);

@@ -11,6 +11,7 @@
 #include "platform/processes.h"
 #include "scan/results.h"
 #include "scan/scan_page.h"
+#include "scan/unread.h"
 
 namespace quarnel {
 
@@ -33,6 +34,7 @@ class MemoryScan {
   struct Uses {
     ScanPage& page;
     ScanFlags& flags;
+    Unread& unread;
     Results& results;
     Processes& processes;
     Files& files;

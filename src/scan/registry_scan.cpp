@@ -115,15 +115,17 @@ void RegistryScan::TestFolders(const Entry& entry) {
 }
 
 bool RegistryScan::Exists(const Entry& entry) {
-  if (!entry.valueName.empty()) {
-    RegistryValue value;
-    return QueryValue(u_.registry, entry.hive, entry.key, entry.valueName, value);
-  }
   // Asking for the right to write makes a key that the user may only read count as missing: it
   // could not be cleaned either.
   std::unique_ptr<RegistryKey> key;
-  return u_.registry.Open(entry.hive, entry.key, registry_access::kReadWrite, key) ==
-         RegistryStatus::kSuccess;
+  const RegistryStatus status =
+      u_.registry.Open(entry.hive, entry.key, registry_access::kReadWrite, key);
+  if (status == RegistryStatus::kAccessDenied) {
+    u_.unread.Add("registry key", RegistryTraceText(HiveName(entry.hive), entry.key, ""));
+  }
+  if (status != RegistryStatus::kSuccess) return false;
+  RegistryValue value;
+  return entry.valueName.empty() || QueryValueEx(*key, entry.valueName, value);
 }
 
 void RegistryScan::LoadSpywareRegistryToBeDeleted(Entry& entry) {

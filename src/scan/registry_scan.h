@@ -11,6 +11,7 @@
 #include "platform/registry.h"
 #include "scan/results.h"
 #include "scan/scan_page.h"
+#include "scan/unread.h"
 #include "signatures/signature_files.h"
 
 namespace quarnel {
@@ -32,6 +33,7 @@ class RegistryScan {
     ScanPage& page;
     ResultsPage& resultsPage;
     const ScanFlags& flags;
+    Unread& unread;
     Results& results;
     Registry& registry;
     Files& files;

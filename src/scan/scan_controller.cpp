@@ -41,6 +41,7 @@ void ScanController::ResetPage() {
   ResultsPage& results = u_.resultsPage;
   results.txtSpywareDescription.SetText("");
   u_.flags.lastProcessCount = 0;
+  u_.unread.Clear();
   results.imgNext0.SetVisible(false);
   u_.page.form.SetTag(kDoNotShow);
   results.lvwPicRemoveListOfSpywareFoundAndToBeRemoved.SetTag("0");

@@ -40,6 +40,7 @@ class ScanController {
     ScanPage& page;
     ResultsPage& resultsPage;
     ScanFlags& flags;
+    Unread& unread;
     ScanSurroundings& surroundings;
     Results& results;
     CookieScan& cookieScan;

@@ -113,6 +113,8 @@ class frmMain : public Form, private ScanSurroundings {
   void Minimise();
   void MakeTimersEnabledOrDisableAcordingToSetting(bool leaveAlone) override;
   bool DownloadRuns() const;
+  // What the last scan could not read.
+  const Unread& CouldNotRead() const { return unread_; }
   bool MainWindowShowing() const { return bMainWindowShowing_; }
   bool StartupBaselineDone() const { return bStartupBaselineDone_; }
 
@@ -186,6 +188,7 @@ class frmMain : public Form, private ScanSurroundings {
   FormSlot<frmClose>& closeForm_;
   StartOptions startOptions_;
   ScanFlags flags_;
+  Unread unread_;
   SafeList safeList_;
   Results resultsModel_;
   CookieScan cookieScan_;

@@ -23,6 +23,7 @@ class FileScanTest : public ScanTest {
  protected:
   FileScan fileScan{{.page = page,
                      .flags = flags,
+                     .unread = unread,
                      .results = results,
                      .files = files(),
                      .machine = machine(),

@@ -37,6 +37,7 @@ class MemoryScanTest : public ScanTest {
   MemoryScan memoryScan{
       {.page = page,
        .flags = flags,
+       .unread = unread,
        .results = results,
        .processes = processes,
        .files = files(),

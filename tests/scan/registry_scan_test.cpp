@@ -18,6 +18,7 @@ class RegistryScanTest : public ScanTest {
   RegistryScan registryScan{{.page = page,
                              .resultsPage = resultsPage,
                              .flags = flags,
+                             .unread = unread,
                              .results = results,
                              .registry = registry(),
                              .files = files(),

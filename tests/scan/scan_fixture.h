@@ -8,6 +8,7 @@
 #include "core/paths.h"
 #include "scan/results.h"
 #include "scan/scan_page.h"
+#include "scan/unread.h"
 #include "signatures/compiler.h"
 #include "support/platform_fixture.h"
 #include "support/test_host.h"
@@ -26,6 +27,7 @@ class ScanTest : public PlatformTest {
   ScanPage page{form};
   ResultsPage resultsPage{form};
   ScanFlags flags;
+  Unread unread;
   ErrorLog log{files(), machine(), host, "Quarnel"};
   Results results{resultsPage, [](std::string_view) { return kLevel; }, host, log};
 
