@@ -1,14 +1,15 @@
 #include <benchmark/benchmark.h>
 
 #include <cstring>
-#include <memory>
+#include <functional>
 #include <random>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "signatures/cipher.h"
-#include "signatures/md5.h"
+#include "signatures/md5_batch.h"
 #include "signatures/signature_files.h"
 
 namespace quarnel {
@@ -91,11 +92,46 @@ void Fields(benchmark::State& state) {
   }
 }
 
+// Messages of one size, 20 MB in all, in memory that stays in the cache as the buffers of a scan
+// do.
+void Md5Messages(
+    benchmark::State& state, size_t size,
+    const std::function<void(std::span<const std::string_view>, std::span<Md5Digest>)>& hash) {
+  const std::string text(800'000, 'x');
+  std::vector<std::string_view> messages;
+  for (size_t total = 0, at = 0; total < 20'000'000; total += size, at += size) {
+    if (at + size > text.size()) at = 0;
+    messages.push_back(std::string_view(text).substr(at, size));
+  }
+  std::vector<Md5Digest> digests(messages.size());
+  for ([[maybe_unused]] auto round : state) {
+    hash(messages, digests);
+    benchmark::DoNotOptimize(digests.data());
+  }
+  state.SetBytesProcessed(static_cast<int64_t>(messages.size() * size) * state.iterations());
+}
+
 template <typename Function>
 void Add(const std::string& name, Function function) {
   benchmark::RegisterBenchmark(name.c_str(), function)
       ->Unit(benchmark::kMillisecond)
       ->UseRealTime();
+}
+
+void AddMd5(const std::string& group, size_t size) {
+  Add(group + "/baseline", [size](benchmark::State& state) {
+    Md5Messages(state, size, [](auto messages, auto digests) {
+      for (size_t i = 0; i < messages.size(); ++i) digests[i] = Md5Of(messages[i]);
+    });
+  });
+  for (const auto& [name, level] :
+       {std::pair{"sse2", Md5Level::kSse2}, std::pair{"avx2", Md5Level::kAvx2},
+        std::pair{"avx512", Md5Level::kAvx512}}) {
+    Add(group + "/" + name, [size, level = level](benchmark::State& state) {
+      Md5Messages(state, size,
+                  [level](auto messages, auto digests) { HashMessages(messages, digests, level); });
+    });
+  }
 }
 
 const bool kRegistered = [] {
@@ -108,6 +144,8 @@ const bool kRegistered = [] {
   }
   Add("fields_of_1M_lines/baseline", FieldsBaseline);
   Add("fields_of_1M_lines/ours", Fields);
+  AddMd5("md5_of_16_kB_messages", 16'500);
+  AddMd5("md5_of_4_kB_messages", 4'100);
   return true;
 }();
 
