@@ -55,7 +55,7 @@ class SampleScanTest : public ScanTest {
   // "threat: trace" of every line below a threat, in order.
   std::vector<std::string> Scan() {
     cookieScan.DeleteSelectedCookies(resultsPage.lvwTrackingCookieObjectrecognized, false);
-    memoryScan.MemoryItemsInspection();
+    memoryScan.MemoryItemsInspection(page.pbgMain);
     registryScan.ScanRegistry();
     fileScan.ScanSignatureFiles();
     std::vector<std::string> found;
