@@ -15,35 +15,35 @@ constexpr std::string_view kWatch = "Sample Watch";
 
 constexpr SampleFile kFiles[] = {
     // Found by hash.
-    {kKeywatch, csidl::kSystem, "samplekw.dll", Content::kProgram, "Unlisted Example", "keywatch"},
-    {kKeywatch, csidl::kWindows, "samplekw.log", Content::kText, "", "keywatch-log"},
-    {kKeywatch, csidl::kLocalAppData, "Sample Keywatch\\{user}.log", Content::kText, "",
+    {kKeywatch, csidl::kSystem, Content::kProgram, "samplekw.dll", "Unlisted Example", "keywatch"},
+    {kKeywatch, csidl::kWindows, Content::kText, "samplekw.log", "", "keywatch-log"},
+    {kKeywatch, csidl::kLocalAppData, Content::kText, "Sample Keywatch\\{user}.log", "",
      "keywatch-user"},
-    {kMole, csidl::kAppData, "samplemole.dat", Content::kText, "", "mole"},
-    {kMole, csidl::kProfile, "Local Settings\\Temp\\~samplemole.tmp", Content::kText, "",
+    {kMole, csidl::kAppData, Content::kText, "samplemole.dat", "", "mole"},
+    {kMole, csidl::kProfile, Content::kText, "Local Settings\\Temp\\~samplemole.tmp", "",
      "mole-temp"},
-    {kMole, csidl::kCommonAppData, "Sample Mole\\mole.dat", Content::kText, "", "mole"},
+    {kMole, csidl::kCommonAppData, Content::kText, "Sample Mole\\mole.dat", "", "mole"},
     // Found by the company in the version record.
-    {kDialer, csidl::kWindows, "sampledial.exe", Content::kProgram, "Example Dial Company"},
-    {kDialer, csidl::kProgramFiles, "Example Dial\\dial.exe", Content::kProgram,
+    {kDialer, csidl::kWindows, Content::kProgram, "sampledial.exe", "Example Dial Company"},
+    {kDialer, csidl::kProgramFiles, Content::kProgram, "Example Dial\\dial.exe",
      "EXAMPLE DIAL COMPANY"},
     // Found with its folder.
-    {kToolbar, csidl::kProgramFiles, "Sample Toolbar\\toolbar.dll", Content::kProgram,
+    {kToolbar, csidl::kProgramFiles, Content::kProgram, "Sample Toolbar\\toolbar.dll",
      "Examplesoft Labs"},
-    {kToolbar, csidl::kProgramFiles, "Sample Toolbar\\license.txt", Content::kText, ""},
-    {kToolbar, csidl::kProgramFiles, "Sample Toolbar\\skins\\plain.skn", Content::kText, ""},
-    {kToolbar, csidl::kProgramFiles, "Sample Toolbar\\skins\\blue\\blue.skn", Content::kText, ""},
+    {kToolbar, csidl::kProgramFiles, Content::kText, "Sample Toolbar\\license.txt", ""},
+    {kToolbar, csidl::kProgramFiles, Content::kText, "Sample Toolbar\\skins\\plain.skn", ""},
+    {kToolbar, csidl::kProgramFiles, Content::kText, "Sample Toolbar\\skins\\blue\\blue.skn", ""},
     // Found by name.
-    {kHijack, csidl::kStartup, "Sample Hijack.lnk", Content::kShortcut,
+    {kHijack, csidl::kStartup, Content::kShortcut, "Sample Hijack.lnk",
      "{programs}Example Dial\\dial.exe"},
-    {kHijack, csidl::kDesktop, "Free Samples.lnk", Content::kShortcut,
+    {kHijack, csidl::kDesktop, Content::kShortcut, "Free Samples.lnk",
      "{programs}Sample Toolbar\\license.txt"},
     // Found while it runs.
-    {kWatch, csidl::kProgramFiles, "Sample Watch\\samplewatch.exe", Content::kWatch, "", "watch"},
+    {kWatch, csidl::kProgramFiles, Content::kWatch, "Sample Watch\\samplewatch.exe", "", "watch"},
     // Clean, though signatures name them: another content, another company, and neither of them.
-    {"", csidl::kSystem, "samplekw2.dll", Content::kProgram, "Unlisted Example"},
-    {"", csidl::kWindows, "sampledial2.exe", Content::kProgram, "Another Example Company"},
-    {"", csidl::kWindows, "samplekw.txt", Content::kText, ""},
+    {"", csidl::kSystem, Content::kProgram, "samplekw2.dll", "Unlisted Example"},
+    {"", csidl::kWindows, Content::kProgram, "sampledial2.exe", "Another Example Company"},
+    {"", csidl::kWindows, Content::kText, "samplekw.txt", ""},
 };
 
 constexpr SampleCookie kCookies[] = {
@@ -69,43 +69,44 @@ constexpr uint32_t kUser = hive::kCurrentUser;
 
 constexpr SampleEntry kEntries[] = {
     // Whole keys, with others below them.
-    {kToolbar, hive::kClassesRoot, kClass, "", Shown::kUpper, "Sample Toolbar"},
-    {"", hive::kClassesRoot, kClassServer, "", Shown::kUpper,
+    {kToolbar, hive::kClassesRoot, Shown::kUpper, kClass, "", "Sample Toolbar"},
+    {"", hive::kClassesRoot, Shown::kUpper, kClassServer, "",
      "{programs}Sample Toolbar\\toolbar.dll"},
-    {"", hive::kClassesRoot, kClassServer, "ThreadingModel", Shown::kUpper, "Apartment"},
-    {kToolbar, kMachine,
+    {"", hive::kClassesRoot, Shown::kUpper, kClassServer, "ThreadingModel", "Apartment"},
+    {kToolbar, kMachine, Shown::kUpper,
      "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Browser Helper Objects\\"
      "{5A3D1E00-0000-4000-8000-0000000000A1}",
      ""},
-    {kToolbar, kUser, kToolbarKey, "", Shown::kAsWritten},
-    {"", kUser, "Software\\Examplesoft Labs\\Sample Toolbar\\Settings\\Window", "Width",
-     Shown::kUpper, "dword:640"},
-    {"Unknown", kUser, "Software\\Examplesoft Labs\\Nameless", "", Shown::kAsWritten},
+    {kToolbar, kUser, Shown::kAsWritten, kToolbarKey, ""},
+    {"", kUser, Shown::kUpper, "Software\\Examplesoft Labs\\Sample Toolbar\\Settings\\Window",
+     "Width", "dword:640"},
+    {"Unknown", kUser, Shown::kAsWritten, "Software\\Examplesoft Labs\\Nameless", ""},
     // Values.
-    {kToolbar, kUser, "Software\\Microsoft\\Internet Explorer\\Toolbar\\WebBrowser",
-     "{5A3D1E00-0000-4000-8000-0000000000A1}", Shown::kAsWritten, "0"},
-    {kKeywatch, kMachine, kRun, "SampleKeywatch", Shown::kUpper,
+    {kToolbar, kUser, Shown::kAsWritten,
+     "Software\\Microsoft\\Internet Explorer\\Toolbar\\WebBrowser",
+     "{5A3D1E00-0000-4000-8000-0000000000A1}", "0"},
+    {kKeywatch, kMachine, Shown::kUpper, kRun, "SampleKeywatch",
      "rundll32.exe {windows}system32\\samplekw.dll"},
-    {kKeywatch, kUser, kRunOfUser, "SampleKeywatchHelp", Shown::kUpper, ""},
-    {"", kMachine, kRun, "SampleClean", Shown::kUpper, "{windows}samplekw.txt"},
+    {kKeywatch, kUser, Shown::kUpper, kRunOfUser, "SampleKeywatchHelp"},
+    {"", kMachine, Shown::kUpper, kRun, "SampleClean", "{windows}samplekw.txt"},
     // Names of the user.
-    {kKeywatch, hive::kUsers, "{sid}\\Software\\Sample Keywatch\\Users\\{user}", "",
-     Shown::kAsWritten},
-    {kKeywatch, hive::kUsers, "{sid}\\Software\\Sample Keywatch", "LastRun", Shown::kKeyAsWritten,
+    {kKeywatch, hive::kUsers, Shown::kAsWritten, "{sid}\\Software\\Sample Keywatch\\Users\\{user}",
+     ""},
+    {kKeywatch, hive::kUsers, Shown::kKeyAsWritten, "{sid}\\Software\\Sample Keywatch", "LastRun",
      "dword:1"},
-    {kMole, kUser, "Software\\Sample Mole", "{windows}Profiles\\{user}", Shown::kAsWritten, "1"},
+    {kMole, kUser, Shown::kAsWritten, "Software\\Sample Mole", "{windows}Profiles\\{user}", "1"},
     // Names of folders.
-    {kKeywatch, kMachine, kShared, "{windows}System32\\samplekw.dll", Shown::kValueAsWritten,
+    {kKeywatch, kMachine, Shown::kValueAsWritten, kShared, "{windows}System32\\samplekw.dll",
      "dword:1"},
-    {kDialer, kMachine, kDialFiles, "{windows}sampledial.exe", Shown::kValueAsWritten, "1"},
-    {kDialer, kMachine, kDialFiles, "{programs}Example Dial\\dial.exe", Shown::kValueAsWritten,
+    {kDialer, kMachine, Shown::kValueAsWritten, kDialFiles, "{windows}sampledial.exe", "1"},
+    {kDialer, kMachine, Shown::kValueAsWritten, kDialFiles, "{programs}Example Dial\\dial.exe",
      "1"},
-    {kDialer, kMachine, kDialFiles, "{common}Example Dial\\dial.ocx", Shown::kValueAsWritten, "1"},
-    {kDialer, kMachine, kDialFiles, "{root}sampledial.log", Shown::kUpper, "1"},
-    {kDialer, kMachine, kDialFiles, "{personal}download\\dial.inf", Shown::kValueAsWritten, "1"},
+    {kDialer, kMachine, Shown::kValueAsWritten, kDialFiles, "{common}Example Dial\\dial.ocx", "1"},
+    {kDialer, kMachine, Shown::kUpper, kDialFiles, "{root}sampledial.log", "1"},
+    {kDialer, kMachine, Shown::kValueAsWritten, kDialFiles, "{personal}download\\dial.inf", "1"},
     // What a signature may mean as a key's value or as a value at the end of a path.
-    {kDialer, kMachine, "SOFTWARE\\Example Dial\\Setup", "Installed", Shown::kUpper, "dword:1"},
-    {kDialer, kMachine, kRun, "SampleDialer", Shown::kUpper, "{windows}sampledial.exe"},
+    {kDialer, kMachine, Shown::kUpper, "SOFTWARE\\Example Dial\\Setup", "Installed", "dword:1"},
+    {kDialer, kMachine, Shown::kUpper, kRun, "SampleDialer", "{windows}sampledial.exe"},
 };
 
 }  // namespace

@@ -20,9 +20,9 @@ enum class Content {
 struct SampleFile {
   std::string_view threat;  // empty for a file that must not be found
   int folder;               // its special folder
-  std::string_view path;    // below that
   Content content;
-  std::string_view about;
+  std::string_view path;  // below the folder
+  std::string_view about = {};
   // By this name signature sources ask for the file's hash.
   std::string_view hashName = {};
 };
@@ -42,9 +42,9 @@ enum class Shown { kUpper, kKeyAsWritten, kValueAsWritten, kAsWritten };
 struct SampleEntry {
   std::string_view threat;  // empty for what is no trace of its own
   uint32_t hive;
+  Shown shown;
   std::string_view key;
-  std::string_view value;  // the value's name; empty when the key itself is the trace
-  Shown shown = Shown::kUpper;
+  std::string_view value;      // the value's name; empty when the key itself is the trace
   std::string_view data = {};  // of the value or, without a name, of the key; "dword:N" is a number
 };
 std::span<const SampleEntry> SampleEntries();

@@ -107,20 +107,17 @@ struct OtherTemp : Machine {
 TEST_F(ShellTest, OpensAnAddressOrSaysWhyNot) {
   struct Case {
     std::optional<std::string> temp;
-    bool hasBrowser, runs;
     std::string_view text, title;
     MessageIcon icon;
-    bool leavesFile;
+    bool hasBrowser = true, runs = true, leavesFile = false;
   };
   const Case cases[] = {
-      {std::nullopt, true, true, "Sorry! file  cannot be created.", "Title",
-       MessageIcon::kInformation, false},
-      {Path("missing"), true, true, "Sorry! file  cannot be created.", "Title",
-       MessageIcon::kInformation, false},
-      {Scratch(), false, true, "Could not find associated application!", "Browser Not Found",
-       MessageIcon::kExclamation, true},
-      {Scratch(), true, false, "Page not Opened.", "URL Failed", MessageIcon::kNone, false},
-      {Scratch(), true, true, "", "", MessageIcon::kNone, false},
+      {std::nullopt, "Sorry! file  cannot be created.", "Title", MessageIcon::kInformation},
+      {Path("missing"), "Sorry! file  cannot be created.", "Title", MessageIcon::kInformation},
+      {Scratch(), "Could not find associated application!", "Browser Not Found",
+       MessageIcon::kExclamation, false, true, true},
+      {Scratch(), "Page not Opened.", "URL Failed", MessageIcon::kNone, true, false},
+      {Scratch(), "", "", MessageIcon::kNone},
   };
   for (const Case& test : cases) {
     ScriptedShell shell;
