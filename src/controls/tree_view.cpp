@@ -93,8 +93,10 @@ void TreeView::Forget(const TreeNodeRef& node) {
 void TreeView::Remove(const TreeNodeRef& node) {
   if (node->tree != this) throw RuntimeError(ErrorNumber::kElementNotFound);
   std::vector<TreeNodeRef>& siblings = node->parent ? node->parent->children : roots_;
-  const TreeNodeRef keep = node;
-  siblings.erase(std::find(siblings.begin(), siblings.end(), keep));
+  const auto found = std::find(siblings.begin(), siblings.end(), node);
+  // `node` may be the very entry that goes.
+  const TreeNodeRef keep = std::move(*found);
+  siblings.erase(found);
   count_ -= SizeOf(*keep);
   Forget(keep);
   Changed();

@@ -88,7 +88,7 @@ TEST_F(Timers, NestButNeverInsideTheirOwnHandler) {
   inner.Tick = Logs("i");
   host.Advance(12ms);
   EXPECT_EQ(log.substr(0, 4), "iii(");
-  EXPECT_NE(log.find(")"), std::string::npos);
+  EXPECT_NE(log.find(')'), std::string::npos);
   EXPECT_EQ(std::count(log.begin(), log.end(), 'i'), 11) << log;
 }
 

@@ -12,7 +12,7 @@ namespace {
 class FileHelpers : public PlatformTest {
  protected:
   std::string Make(std::string_view name, uint32_t attributes = 0) {
-    const std::string path = Path(name);
+    std::string path = Path(name);
     WriteWholeFile(files(), path, "x");
     if (attributes != 0) files().SetAttributes(path, attributes);
     return path;
