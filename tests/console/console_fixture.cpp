@@ -73,6 +73,7 @@ frmTest::frmTest(Host& host) : Form(host, "frmTest") {
   cmdModal.Click = [this] {
     child->ShowModal();
     Log("closed ");
+    if (chkOn.Checked()) this->host().MsgBox({.text = "After"});
   };
   cmdWork.Click = [this] { Work(); };
   cmdStop.Click = [this] { stop_ = true; };

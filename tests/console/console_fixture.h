@@ -24,6 +24,7 @@ class frmChild : public Form {
   }
   Label lblChild{*this, "lblChild", "child"};
   Label lblShared{*this, "lblShared", "theirs"};
+  Label lblcount{*this, "lblcount", "lower"};
   Button cmdClose{*this, "cmdClose"};
   Button cmdDeeper{*this, "cmdDeeper"};
 };

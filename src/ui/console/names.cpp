@@ -1,6 +1,7 @@
 #include "ui/console/names.h"
 
 #include <algorithm>
+#include <vector>
 
 #include "base/text.h"
 #include "controls/control.h"
@@ -44,17 +45,20 @@ std::optional<Target> FindTarget(const Host& host, std::string_view name) {
     if (!control) return std::nullopt;
     return Target{form, control};
   }
-  std::optional<Target> found;
+  std::vector<Target> found;
   for (Form* form : host.LoadedForms()) {
-    Control* control = form->Find(name);
-    if (!control) continue;
-    if (found) {
-      throw CommandError{"ambiguous name: " + Quoted(name) + " is on " + found->form->Name() +
-                         " and " + form->Name()};
-    }
-    found = Target{form, control};
+    if (Control* control = form->Find(name)) found.push_back({form, control});
   }
-  if (found) return found;
+  // Some names differ in letter case alone: the one that is written so is meant.
+  const auto asWritten = [&](const Target& target) { return target.control->Name() == name; };
+  if (std::count_if(found.begin(), found.end(), asWritten) == 1) {
+    return *std::find_if(found.begin(), found.end(), asWritten);
+  }
+  if (found.size() > 1) {
+    throw CommandError{"ambiguous name: " + Quoted(name) + " is on " + found[0].form->Name() +
+                       " and " + found[1].form->Name()};
+  }
+  if (!found.empty()) return found.front();
   if (Form* form = LoadedForm(host, name)) return Target{form, nullptr};
   return std::nullopt;
 }

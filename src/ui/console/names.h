@@ -8,7 +8,8 @@
 #include "ui/console/words.h"
 
 // How scripts name forms and controls: "form.control", or the control alone when only one loaded
-// form has it, in any letter case. A member of a control array is NAME(INDEX).
+// form has it, in any letter case (between names that differ in nothing else, the one as written).
+// A member of a control array is NAME(INDEX).
 namespace quarnel {
 
 struct Target {
