@@ -1,9 +1,11 @@
 #pragma once
 
+#include <memory>
 #include <string>
 #include <string_view>
 
 #include "platform/machine.h"
+#include "platform/platform.h"
 
 namespace quarnel {
 
@@ -18,6 +20,10 @@ struct MachineOptions {
 // folder may exist when it is empty; one that holds a machine already is kFileExists. Where the
 // machine is the running system itself this raises kInvalidCall.
 void CreateMachine(const std::string& folder, const MachineOptions& options);
+
+// Opens the machine in a folder. Where the machine is the running system itself the folder must be
+// ".", and anything else is kInvalidCall.
+std::unique_ptr<Platform> OpenMachine(const std::string& folder);
 
 // The host path behind a Windows path of a machine folder, whether or not something stands there.
 // Where the machine is the running system itself this raises kInvalidCall.

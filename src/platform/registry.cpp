@@ -3,6 +3,7 @@
 #include <array>
 #include <charconv>
 
+#include "base/little_endian.h"
 #include "base/runtime_error.h"
 #include "base/text.h"
 #include "base/unicode.h"
@@ -16,23 +17,16 @@ constexpr uint32_t kEnumerateRight = 8;
 std::string_view UpToNul(std::string_view text) { return text.substr(0, text.find('\0')); }
 
 std::string TextFromWide(std::string_view bytes) {
+  std::u16string wide;
   // An odd byte at the end is no character.
-  std::u16string wide(bytes.size() / 2, u'\0');
-  for (size_t i = 0; i < wide.size(); ++i) {
-    const auto low = static_cast<unsigned char>(bytes[2 * i]);
-    const auto high = static_cast<unsigned char>(bytes[2 * i + 1]);
-    wide[i] = static_cast<char16_t>(low | high << 8);
-  }
+  for (size_t i = 0; i + 1 < bytes.size(); i += 2) wide += static_cast<char16_t>(U16At(bytes, i));
   if (wide.ends_with(u'\0')) wide.pop_back();
   return ToUtf8(wide);
 }
 
 std::string WideFromText(std::string_view text) {
   std::string bytes;
-  for (const char16_t unit : ToUtf16(text) + u'\0') {
-    bytes += static_cast<char>(unit & 0xFF);
-    bytes += static_cast<char>(unit >> 8);
-  }
+  PutWide(bytes, ToUtf16(text) + u'\0');
   return bytes;
 }
 
@@ -64,11 +58,7 @@ std::optional<RegistryValue> ValueFromRaw(const RawValue& raw) {
   if (raw.type == ValueType::kString) return TextFromWide(raw.data);
   if (raw.type != ValueType::kDword || raw.data.size() > 4) return std::nullopt;
   // A shorter one reads as the system gives it: what is there of the low bytes.
-  uint32_t number = 0;
-  for (size_t i = raw.data.size(); i-- > 0;) {
-    number = number << 8 | static_cast<unsigned char>(raw.data[i]);
-  }
-  return number;
+  return LittleEndianAt(raw.data, 0, raw.data.size());
 }
 
 RawValue RawFromValue(const RegistryValue& value) {
@@ -76,9 +66,7 @@ RawValue RawFromValue(const RegistryValue& value) {
     return {ValueType::kString, WideFromText(*text)};
   }
   RawValue raw{ValueType::kDword, {}};
-  for (uint32_t i = 0, number = std::get<uint32_t>(value); i < 4; ++i, number >>= 8) {
-    raw.data += static_cast<char>(number & 0xFF);
-  }
+  PutU32(raw.data, std::get<uint32_t>(value));
   return raw;
 }
 

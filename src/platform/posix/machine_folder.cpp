@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <iterator>
@@ -14,6 +13,7 @@
 #include <string_view>
 #include <system_error>
 
+#include "base/host_files.h"
 #include "base/text.h"
 #include "platform/files.h"
 #include "platform/posix/backends.h"
@@ -118,24 +118,6 @@ void ReadIni(std::string_view bytes, const std::string& fileName, MachineFolder&
   }
 }
 
-std::string ReadHostFile(const std::string& path) {
-  constexpr size_t kLongest = size_t{1} << 20;
-  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "rbe"),
-                                                             &std::fclose);
-  if (file == nullptr) RaiseErrno(errno, path);
-  std::string bytes(kLongest, '\0');
-  bytes.resize(std::fread(bytes.data(), 1, bytes.size(), file.get()));
-  if (std::ferror(file.get()) != 0) throw RuntimeError(ErrorNumber::kDeviceError, path);
-  return bytes;
-}
-
-void WriteHostFile(const std::string& path, std::string_view bytes) {
-  std::FILE* file = std::fopen(path.c_str(), "wbe");
-  if (file == nullptr) RaiseErrno(errno, path);
-  const bool written = std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size();
-  if (std::fclose(file) != 0 || !written) RaiseErrno(errno, path);
-}
-
 std::string IniText(const MachineOptions& options) {
   const auto* family =
       std::find_if(std::begin(kFamilies), std::end(kFamilies),
@@ -197,7 +179,8 @@ MachineFolder ReadMachineFolder(const std::string& path) {
   const MachineOptions defaults;
   folder.userName = defaults.userName;
   folder.sid = defaults.sid;
-  ReadIni(ReadHostFile(ini), ini, folder);
+  constexpr uint64_t kLargestIni = uint64_t{1} << 20;
+  ReadIni(ReadHostFile(ini, kLargestIni), ini, folder);
   return folder;
 }
 

@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "base/runtime_error.h"
+#include "platform/machine_folder.h"
 #include "platform/posix/backends.h"
 
 namespace quarnel {
@@ -48,6 +50,11 @@ class PosixPlatform : public Platform {
 
 std::unique_ptr<Platform> OpenPlatform(const std::string& machineFolder) {
   return std::make_unique<PosixPlatform>(ReadMachineFolder(MachineFolderFor(machineFolder)));
+}
+
+std::unique_ptr<Platform> OpenMachine(const std::string& folder) {
+  if (folder.empty()) throw RuntimeError(ErrorNumber::kPathNotFound, "no machine folder named");
+  return OpenPlatform(folder);
 }
 
 std::vector<std::string> CommandLine(int argc, char** argv) { return {argv, argv + argc}; }
