@@ -1,14 +1,21 @@
 #include <benchmark/benchmark.h>
 
+#include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <functional>
+#include <memory>
 #include <random>
 #include <span>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "platform/machine_folder.h"
+#include "platform/platform.h"
 #include "signatures/cipher.h"
+#include "signatures/hash_index.h"
 #include "signatures/md5_batch.h"
 #include "signatures/signature_files.h"
 
@@ -111,6 +118,91 @@ void Md5Messages(
   state.SetBytesProcessed(static_cast<int64_t>(messages.size() * size) * state.iterations());
 }
 
+// A machine folder of its own whose QNLESig.dll has a million hashes, in some 60 MB.
+class MillionHashes {
+ public:
+  MillionHashes() : folder_(NewFolder()) {
+    CreateMachine(folder_, {});
+    platform_ = OpenPlatform(folder_);
+    std::mt19937_64 random(3);
+    std::string bytes = "1000000\r\n";
+    for (int i = 0; i < 1'000'000; ++i) {
+      Md5Digest digest;
+      for (uint8_t& byte : digest) byte = static_cast<uint8_t>(random());
+      if (i % 100 == 0) known_.push_back(HexText(digest));
+      const std::string name = "Some.Threat.Of.Kind-" + std::to_string(random() % 1'000'000);
+      bytes += Encrypt(HexText(digest) + "^11^" + name) + "\r\n";
+    }
+    WriteWholeFile(files(), SignaturePath(machine(), signature_file::kPrograms), bytes);
+  }
+  ~MillionHashes() {
+    platform_.reset();
+    std::error_code ignored;
+    std::filesystem::remove_all(folder_, ignored);
+  }
+  MillionHashes(const MillionHashes&) = delete;
+  MillionHashes& operator=(const MillionHashes&) = delete;
+
+  Files& files() { return platform_->files(); }
+  Machine& machine() { return platform_->machine(); }
+  // Hashes that the file has.
+  const std::vector<std::string>& known() const { return known_; }
+
+  static MillionHashes& Instance() {
+    static MillionHashes instance;
+    return instance;
+  }
+
+ private:
+  static std::string NewFolder() {
+    std::string path = (std::filesystem::temp_directory_path() / "quarnel-bench-XXXXXX").string();
+    if (mkdtemp(path.data()) == nullptr) throw std::runtime_error("no folder for the benchmark");
+    return path;
+  }
+
+  std::string folder_;
+  std::unique_ptr<Platform> platform_;
+  std::vector<std::string> known_;
+};
+
+void LoadBaseline(benchmark::State& state) {
+  MillionHashes& hashes = MillionHashes::Instance();
+  const std::string path = SignaturePath(hashes.machine(), signature_file::kPrograms);
+  for ([[maybe_unused]] auto round : state) {
+    benchmark::DoNotOptimize(ReadWholeFile(hashes.files(), path));
+  }
+}
+
+void LoadText(benchmark::State& state) {
+  MillionHashes& hashes = MillionHashes::Instance();
+  for ([[maybe_unused]] auto round : state) {
+    benchmark::DoNotOptimize(
+        LoadSignatures(hashes.files(), hashes.machine(), signature_file::kPrograms));
+  }
+}
+
+void LoadIndex(benchmark::State& state, size_t workers) {
+  MillionHashes& hashes = MillionHashes::Instance();
+  for ([[maybe_unused]] auto round : state) {
+    const HashIndex index =
+        HashIndex::Load(hashes.files(), hashes.machine(), signature_file::kPrograms, workers);
+    if (!index.Find(hashes.known().back())) state.SkipWithError("a hash is missing");
+  }
+}
+
+// Ten thousand hashes that are there and as many that are not.
+void Find(benchmark::State& state) {
+  MillionHashes& hashes = MillionHashes::Instance();
+  const HashIndex index =
+      HashIndex::Load(hashes.files(), hashes.machine(), signature_file::kPrograms);
+  for ([[maybe_unused]] auto round : state) {
+    for (const std::string& hash : hashes.known()) {
+      benchmark::DoNotOptimize(index.Find(hash));
+      benchmark::DoNotOptimize(index.Find(hash.substr(16) + hash.substr(0, 16)));
+    }
+  }
+}
+
 template <typename Function>
 void Add(const std::string& name, Function function) {
   benchmark::RegisterBenchmark(name.c_str(), function)
@@ -146,6 +238,11 @@ const bool kRegistered = [] {
   Add("fields_of_1M_lines/ours", Fields);
   AddMd5("md5_of_16_kB_messages", 16'500);
   AddMd5("md5_of_4_kB_messages", 4'100);
+  Add("load_1M_hashes/baseline", LoadBaseline);
+  Add("load_1M_hashes/text", LoadText);
+  Add("load_1M_hashes/index_1_thread", [](benchmark::State& state) { LoadIndex(state, 1); });
+  Add("load_1M_hashes/index_2_threads", [](benchmark::State& state) { LoadIndex(state, 2); });
+  Add("find_20k_hashes", Find);
   return true;
 }();
 

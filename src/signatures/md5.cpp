@@ -11,7 +11,7 @@ namespace quarnel {
 
 void Md5::Update(std::string_view bytes) {
   if (bytes.empty()) return;
-  size_t held = size_ % block_.size();
+  size_t held = static_cast<size_t>(size_ % block_.size());
   size_ += bytes.size();
   if (held > 0) {
     const size_t taken = std::min(bytes.size(), block_.size() - held);
@@ -36,7 +36,7 @@ Md5Digest Md5::Finish() {
 
 size_t PadMd5(uint64_t messageSize, char* padding) {
   // One bit, zeros up to 8 bytes before the end of a block, and the length in bits.
-  const size_t zeros = (64 + 55 - messageSize % 64) % 64;
+  const size_t zeros = static_cast<size_t>((64 + 55 - messageSize % 64) % 64);
   padding[0] = static_cast<char>(0x80);
   std::memset(padding + 1, 0, zeros);
   const uint64_t bits = messageSize * 8;

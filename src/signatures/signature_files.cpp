@@ -30,9 +30,6 @@ constexpr std::array<SignatureFile, 10> kAllFiles = {{
     {name::kIgnoredCookies, kComplement},
 }};
 
-// More than any set needs, and little enough for a 32-bit process.
-constexpr uint64_t kLargestText = uint64_t{512} << 20;
-
 }  // namespace
 
 std::span<const SignatureFile> SignatureFiles() { return kAllFiles; }
@@ -134,9 +131,9 @@ std::string LoadSignatures(Files& files, Machine& machine, std::string_view sFil
                            const std::function<void()>& onLine) {
   LineFile lines(files.Open(SignaturePath(machine, sFileName), OpenMode::kRead));
   std::string text;
-  text.reserve(static_cast<size_t>(std::min(lines.Size(), kLargestText)) + 2);
+  text.reserve(static_cast<size_t>(std::min(lines.Size(), kLargestSignatureText)) + 2);
   while (const auto cipher = lines.Next()) {
-    if (text.size() > kLargestText) throw RuntimeError(ErrorNumber::kOverflow);
+    if (text.size() > kLargestSignatureText) throw RuntimeError(ErrorNumber::kOverflow);
     if (onLine) onLine();
     const size_t begin = text.size();
     text.resize(begin + cipher->size());

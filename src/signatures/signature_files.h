@@ -104,9 +104,12 @@ class SignatureLines {
   std::string plain_;
 };
 
+// More than any signature set needs, and little enough for a 32-bit process.
+inline constexpr uint64_t kLargestSignatureText = uint64_t{512} << 20;
+
 // The text of a whole enciphered file: every line deciphered and ended by CR LF. The counting line
 // is deciphered too, and gives a first line without meaning. `onLine` runs before each line is
-// deciphered. Raises kOverflow for a line over kLongestLine and for a file over 512 MiB.
+// deciphered. Raises kOverflow for a line over kLongestLine and for a larger text.
 std::string LoadSignatures(Files& files, Machine& machine, std::string_view sFileName,
                            const std::function<void()>& onLine = {});
 
