@@ -104,7 +104,7 @@ class Walks : public FileHelpers {
     for (const char* folder : {"b", "b\\deep", "a", ".dot", "hid", "empty"}) {
       files().CreateFolder(Path(folder));
     }
-    for (const char* file : {"z.txt", "y.EXE", ".rc", "b\\1.txt", "b\\deep\\2.exe", "a\\noext",
+    for (const char* file : {"z.txt", "y.EXE", "m.rc", "b\\1.txt", "b\\deep\\2.exe", "a\\noext",
                              ".dot\\3.txt", "hid\\4.txt"}) {
       Make(file);
     }
@@ -133,7 +133,7 @@ class Walks : public FileHelpers {
 
 TEST_F(Walks, FilesComeBeforeSubfolders) {
   EXPECT_EQ(Walked(Scratch()),
-            "\\ \\.rc \\y.EXE \\z.txt \\a\\ \\a\\noext \\b\\ \\b\\1.txt \\b\\deep\\ "
+            "\\ \\m.rc \\y.EXE \\z.txt \\a\\ \\a\\noext \\b\\ \\b\\1.txt \\b\\deep\\ "
             "\\b\\deep\\2.exe \\empty\\ = 5 6");
   failAt = "\\y.EXE";
   EXPECT_TRUE(Walked("").ends_with("= 5 6")) << "an error in a handler ends nothing";
@@ -151,11 +151,11 @@ TEST_F(Walks, PatternsAreTakenInTheirOrder) {
 
 TEST_F(Walks, ListenersStopThem) {
   stopAt = "\\y.EXE";
-  EXPECT_EQ(Walked(Scratch()), "\\ \\.rc \\y.EXE = 4 2");
+  EXPECT_EQ(Walked(Scratch()), "\\ \\m.rc \\y.EXE = 4 2");
   stopAt = "\\";
   EXPECT_EQ(Walked(Scratch()), "\\ = 1 0");
   stopAt = "\\b\\";
-  EXPECT_EQ(Walked(Scratch()), "\\ \\.rc \\y.EXE \\z.txt \\a\\ \\a\\noext \\b\\ = 4 4");
+  EXPECT_EQ(Walked(Scratch()), "\\ \\m.rc \\y.EXE \\z.txt \\a\\ \\a\\noext \\b\\ = 4 4");
 }
 
 TEST_F(Walks, AMissingFolderIsNoWalk) {
@@ -170,7 +170,7 @@ TEST_F(Walks, TheTreeMayVanishMeanwhile) {
     Saw(cancel, path);
     DeleteTree(files(), Scratch());
   };
-  EXPECT_EQ(Walked(Scratch()), "\\ \\.rc \\y.EXE \\z.txt \\a\\ \\b\\ \\empty\\ = 4 3");
+  EXPECT_EQ(Walked(Scratch()), "\\ \\m.rc \\y.EXE \\z.txt \\a\\ \\b\\ \\empty\\ = 4 3");
 }
 
 TEST_F(Walks, NamesAndTexts) {
