@@ -38,6 +38,13 @@ std::string MemoryScan::ActuallProcessName(std::string_view path) {
   return result;
 }
 
+HashIndex MemoryScan::LoadPrograms() {
+  u_.page.lblPercentageCompleted.SetCaption(kLoading);
+  constexpr size_t kThreads = 2;
+  return HashIndex::Load(u_.files, u_.machine, signature_file::kPrograms, kThreads,
+                         [this] { DoEvents(); });
+}
+
 void MemoryScan::MemoryItemsInspection(ProgressBar& progressBar) {
   Reporting(u_.log, "MemoryItemsInspection of ModMemoryItemsInspected", [&] {
     std::vector<ProcessRecord> processes;
@@ -46,9 +53,7 @@ void MemoryScan::MemoryItemsInspection(ProgressBar& progressBar) {
     u_.flags.lastProcessCount = count;
     const int last = Process32_Enum(u_.processes, processes, [this] { DoEvents(); });
     if (!SignaturePresent(u_.files, u_.machine, signature_file::kPrograms)) return;
-    const std::string signatures =
-        LoadSignatures(u_.files, u_.machine, signature_file::kPrograms,
-                       [this] { u_.page.lblPercentageCompleted.SetCaption(kLoading); });
+    const HashIndex signatures = LoadPrograms();
     progressBar.SetValue(0);
     progressBar.SetMax(std::max(last, 0) + 1);
     u_.page.lblStatus.SetCaption(" ");
@@ -70,9 +75,7 @@ void MemoryScan::MemoryItemsInspection(ProgressBar& progressBar) {
 void MemoryScan::CountProcessIn95() {
   Reporting(u_.log, "CountProcessIn95 of ModMemoryItemsInspected", [&] {
     if (!SignaturePresent(u_.files, u_.machine, signature_file::kPrograms)) return;
-    const std::string signatures =
-        LoadSignatures(u_.files, u_.machine, signature_file::kPrograms,
-                       [this] { u_.page.lblPercentageCompleted.SetCaption(kLoading); });
+    const HashIndex signatures = LoadPrograms();
     std::vector<ProcessRecord> processes;
     Process32_Enum(u_.processes, processes, [this] { DoEvents(); });
     u_.page.pbgMain.SetMax(100);
@@ -90,20 +93,21 @@ void MemoryScan::CountProcessIn95() {
   });
 }
 
-void MemoryScan::Inspect(std::string_view modulePath, std::string_view signatures) {
+void MemoryScan::Inspect(std::string_view modulePath, const HashIndex& signatures) {
   u_.page.lblStatus.SetCaption(modulePath);
   const std::string path = ActuallProcessName(ToUpper(Trim(modulePath)));
   const std::string company = GetCompanyName(u_.files, path, [this] { DoEvents(); });
   const std::string hash = HashFile(u_.files, path);
   if (hash == kNoHash) u_.unread.Add("file", path);
-  const size_t position = FindText(signatures, hash);
-  if (position == std::string_view::npos) return;
-  const size_t first = signatures.find('^', position + 1);
-  const size_t second = first == std::string_view::npos ? first : signatures.find('^', first + 2);
+  const auto position = signatures.Find(hash);
+  if (!position) return;
+  const std::string_view text = signatures.Text();
+  const size_t first = text.find('^', *position + 1);
+  const size_t second = first == std::string_view::npos ? first : text.find('^', first + 2);
   if (second == std::string_view::npos) throw RuntimeError(ErrorNumber::kInvalidCall);
-  const Hit hit{.typeCode = Between(signatures, first + 1, second),
-                .threatName = std::string(
-                    Trim(Between(signatures, second + 1, signatures.find("\r\n", second + 1))))};
+  const Hit hit{
+      .typeCode = Between(text, first + 1, second),
+      .threatName = std::string(Trim(Between(text, second + 1, text.find("\r\n", second + 1))))};
   if (InScan()) CountUp(u_.page.lblMemoryInfected);
   DetectRunningEXE(path, company, hash, hit);
 }

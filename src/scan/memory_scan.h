@@ -12,6 +12,7 @@
 #include "scan/results.h"
 #include "scan/scan_page.h"
 #include "scan/unread.h"
+#include "signatures/hash_index.h"
 
 namespace quarnel {
 
@@ -63,9 +64,10 @@ class MemoryScan {
     std::string threatName;
   };
 
-  void Inspect(std::string_view modulePath, std::string_view signatures);
+  void Inspect(std::string_view modulePath, const HashIndex& signatures);
   void DetectRunningEXE(std::string_view path, std::string_view company, std::string_view hash,
                         const Hit& hit);
+  HashIndex LoadPrograms();
   void DoEvents() { u_.host.DoEvents(); }
   bool InScan() const { return u_.page.ImgStopScanMouseMove.Enabled(); }
 

@@ -237,6 +237,17 @@ void ScanController::FilePhase() {
   u_.fileScan.ScanSignatureFiles();
 }
 
+void ScanController::DeepPhase() {
+  if (ValLong(u_.settings.Get(setting::kDeepScan)) != 1) return;
+  u_.page.form.Refresh();
+  for (size_t i = 0; i < u_.page.lvwHardDrives.Count(); ++i) {
+    if (u_.flags.scanStopRequested) return;
+    const ListRow row = u_.page.lvwHardDrives.At(i);
+    // Each drive ends with the signatures forgotten, so each loads them.
+    if (row.checked && u_.deepScan.LoadSignatureHashText()) u_.deepScan.ScanDrive(row.key + ":\\");
+  }
+}
+
 void ScanController::EndPhases() {
   u_.page.form.Refresh();
   u_.page.pbgMain.SetVisible(false);
@@ -248,8 +259,9 @@ void ScanController::StartScanning() {
   Reporting(u_.log, "StartScanning in frmMain", [&] {
     BeginPhases();
     using Phase = void (ScanController::*)();
-    for (const Phase phase : {&ScanController::CookiePhase, &ScanController::MemoryPhase,
-                              &ScanController::RegistryPhase, &ScanController::FilePhase}) {
+    for (const Phase phase :
+         {&ScanController::CookiePhase, &ScanController::MemoryPhase,
+          &ScanController::RegistryPhase, &ScanController::FilePhase, &ScanController::DeepPhase}) {
       if (u_.flags.scanStopRequested) return;
       (this->*phase)();
     }

@@ -9,6 +9,7 @@
 #include "platform/files.h"
 #include "platform/machine.h"
 #include "scan/cookie_scan.h"
+#include "scan/deep_scan.h"
 #include "scan/file_scan.h"
 #include "scan/memory_scan.h"
 #include "scan/registry_scan.h"
@@ -47,6 +48,7 @@ class ScanController {
     MemoryScan& memoryScan;
     RegistryScan& registryScan;
     FileScan& fileScan;
+    DeepScan& deepScan;
     Settings& settings;
     Files& files;
     Machine& machine;
@@ -79,6 +81,7 @@ class ScanController {
   void MemoryPhase();
   void RegistryPhase();
   void FilePhase();
+  void DeepPhase();
   void EndPhases();
   void NextPhase(std::string_view caption);
   bool Present(std::string_view signatureFile);

@@ -195,6 +195,8 @@ class frmMain : public Form, private ScanSurroundings {
   MemoryScan memoryScan_;
   RegistryScan registryScan_;
   FileScan fileScan_;
+  HashPool hashPool_;
+  DeepScan deepScan_;
   ScanController controller_;
   Options optionLogic_;
   Summary summaryLogic_;

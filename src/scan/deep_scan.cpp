@@ -1,0 +1,198 @@
+#include "scan/deep_scan.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <optional>
+
+#include "base/text.h"
+#include "core/paths.h"
+#include "scan/progress.h"
+#include "signatures/md5.h"
+#include "signatures/signature_files.h"
+
+namespace quarnel {
+namespace {
+
+// A file is hashed when it has one of these attributes and a point in its name: read-only, hidden,
+// system, archive, normal, temporary.
+constexpr uint32_t kHashedAttributes = 0x1A7;
+
+// Every find of the deep scan is shown as this, whatever the signature says.
+constexpr std::string_view kFixedType = "Adware";
+
+bool IsHashed(const DirectoryEntry& entry) {
+  return !entry.IsFolder() && (entry.attributes & kHashedAttributes) != 0 &&
+         entry.name.find('.') != std::string::npos;
+}
+
+// The line of the text that holds a position.
+std::string_view LineAt(std::string_view text, size_t position) {
+  const size_t before = text.rfind("\r\n", position);
+  const size_t begin = before == std::string_view::npos ? 0 : before + 2;
+  const size_t end = text.find("\r\n", position);
+  return text.substr(begin, end == std::string_view::npos ? end : end - begin);
+}
+
+}  // namespace
+
+bool DeepScan::LoadSignatureHashText() {
+  if (!SignaturePresent(u_.files, u_.machine, signature_file::kPrograms)) return false;
+  u_.page.lblPercentageCompleted.SetCaption("Loading signatures. Please wait...");
+  u_.host.DoEvents();
+  signatureHashText_ = HashIndex::Load(u_.files, u_.machine, signature_file::kPrograms, 2,
+                                       [this] { u_.host.DoEvents(); });
+  return true;
+}
+
+void DeepScan::ScanDrive(std::string_view drive) {
+  Reporting(u_.log, "ScanDrive in frmMain", [&] {
+    u_.page.lblStatus.SetCaption("");
+    const auto volume = u_.machine.Volume(drive);
+    if (!volume) return;
+    // Bytes against a count of files: the bar stays near its start.
+    const uint64_t used = volume->totalBytes - std::min(volume->freeBytes, volume->totalBytes);
+    ScanBelow(drive,
+              static_cast<double>(std::min<uint64_t>(used, std::numeric_limits<int32_t>::max())));
+  });
+}
+
+void DeepScan::ScanFolder(std::string_view folder) {
+  Reporting(u_.log, "ScanFolder in frmMain", [&] {
+    u_.page.lblStatus.SetCaption("");
+    ScanBelow(folder, std::nearbyint(SizeFindFilesAPI(folder, true)));
+  });
+}
+
+void DeepScan::ScanBelow(std::string_view path, double maximum) {
+  u_.page.pbgMain.SetValue(0);
+  u_.page.pbgMain.SetMax(maximum);
+  u_.page.lblScanning.SetCaption("");
+  u_.page.lblScanning.SetVisible(true);
+  u_.page.lblPercentageCompleted.SetCaption("0% Completed.");
+  u_.page.lblPercentageCompleted.SetVisible(true);
+  FindFilesAPI(path);
+  u_.page.lblPercentageCompleted.SetCaption("100% Completed.");
+  u_.page.pbgMain.SetValue(u_.page.pbgMain.Max());
+  u_.page.lblScanning.SetVisible(false);
+  signatureHashText_ = {};
+}
+
+double DeepScan::SizeFindFilesAPI(std::string_view path, bool reset) {
+  if (reset) total_ = 0;
+  Reporting(u_.log, "SizeFindFilesAPI", [&] {
+    Unread unread;  // the walk that follows notes what cannot be listed
+    TreeWalk walk(u_.files, unread, path);
+    constexpr double kDotEntries = 2;
+    total_ += kDotEntries;
+    while (const auto entry = walk.Next()) {
+      if (u_.flags.scanStopRequested) return;
+      total_ += entry->found.IsFolder() ? 1 + kDotEntries : 1;
+      u_.host.DoEvents();
+    }
+  });
+  return total_;
+}
+
+bool DeepScan::GoesOn() {
+  u_.host.DoEvents();
+  return !u_.flags.scanStopRequested;
+}
+
+// Takes entries from the walk and opens their files, so that the pool always has enough to hash
+// while the entries are shown one by one.
+void DeepScan::TakeAhead(Walk& walk, HashQueue* queue) {
+  // In one go from half full to full: the pool's lock is taken once for many files.
+  constexpr size_t kMostAhead = 4096;
+  if (!walk.ahead.empty() && (!queue || !queue->RunsLow() || walk.ahead.size() > kMostAhead / 2)) {
+    return;
+  }
+  while (walk.ahead.size() < kMostAhead && (queue ? !queue->Full() : walk.ahead.empty())) {
+    auto entry = walk.tree.Next();
+    if (!entry) break;
+    const bool hashed = IsHashed(entry->found);
+    if (hashed && queue) {
+      std::unique_ptr<File> file;
+      IgnoringErrors([&] { file = u_.files.Open(entry->Path(), OpenMode::kRead); });
+      queue->Add(std::move(file));
+    }
+    walk.ahead.push_back({.entry = std::move(*entry), .hashed = hashed});
+  }
+  if (queue) queue->Flush();
+}
+
+void DeepScan::FindFilesAPI(std::string_view path) {
+  u_.page.pbgMain.SetVisible(true);
+  Walk walk{.tree = TreeWalk(u_.files, u_.unread, path), .ahead = {}, .skipped = {}};
+  std::optional<HashQueue> queue;
+  if (pool_) queue.emplace(*pool_);
+  HashQueue* const ahead = queue ? &*queue : nullptr;
+  while (GoesOn()) {
+    TakeAhead(walk, ahead);
+    if (walk.ahead.empty()) return;
+    const Step step = std::move(walk.ahead.front());
+    walk.ahead.pop_front();
+    const bool skipped = !walk.skipped.empty() && step.entry.folder.starts_with(walk.skipped);
+    if (skipped) {
+      if (step.hashed && ahead) ahead->Next([this] { return GoesOn(); });
+      continue;
+    }
+    // An error ends the work on the folder and on all below it.
+    if (!Reporting(u_.log, "FindFilesAPI", [&] { InspectEntry(step, ahead); })) {
+      walk.skipped = step.entry.folder;
+    }
+  }
+}
+
+void DeepScan::ShowProgress(const std::string& path) {
+  u_.page.lblStatus.SetCaption(path);
+  CountUp(u_.page.lblMD5Scanned);
+  ProgressBar& bar = u_.page.pbgMain;
+  if (bar.Value() + 1 <= bar.Max()) bar.SetValue(bar.Value() + 1);
+  u_.page.lblScanning.SetCaption(path);
+  u_.page.lblPercentageCompleted.SetCaption(
+      "Deep system scan " + std::to_string(std::min(PercentOf(bar), 99)) + "% completed.");
+}
+
+std::string DeepScan::HashOf(const std::string& path, HashQueue* queue) {
+  if (queue) return queue->Next([this] { return GoesOn(); });
+  return HashFile(u_.files, path, [this] { return !GoesOn(); });
+}
+
+void DeepScan::InspectEntry(const Step& step, HashQueue* queue) {
+  const std::string path = step.entry.Path();
+  ShowProgress(path);
+  if (!step.hashed) return;
+  const std::string hash = HashOf(path, queue);
+  if (u_.flags.scanStopRequested) return;
+  if (hash == kNoHash) {
+    u_.unread.Add("file", path);
+    return;
+  }
+  if (const auto position = signatureHashText_.Find(hash)) EnterFind(path, *position);
+}
+
+void DeepScan::EnterFind(const std::string& path, size_t position) {
+  const std::vector<std::string> fields = Split(LineAt(signatureHashText_.Text(), position), "^");
+  if (fields.size() < 3) throw RuntimeError(ErrorNumber::kSubscriptOutOfRange);
+  const std::string name(Trim(fields[2]));
+  ResultsPage& page = u_.resultsPage;
+  const bool ignored = u_.results.IsSpywareIgnored(path, name, name);
+  ListView& threats = page.lvwPicRemoveListOfSpywareFoundAndToBeRemoved;
+  if (!ignored) {
+    if (!threats.FindText(name)) {
+      u_.results.RecomputeCounters();
+      CountUp(u_.page.lblMD5Infected);
+      TreeNodeRef root = page.vbatvwResults.Find(name);
+      if (!root) root = u_.results.AddThreatRoot(name, kFixedType);
+      page.vbatvwResults.Select(root);
+      threats.Add({.text = name, .subItems = {std::string(kFixedType), name}});
+    }
+    page.lvwFilesToBeDeleted.Add({.text = path, .subItems = {std::string(kFixedType), name}});
+  }
+  if (const TreeNodeRef root = page.vbatvwResults.Find(name)) {
+    u_.results.ShowTrace(root, {.text = path, .ignored = ignored});
+  }
+}
+
+}  // namespace quarnel

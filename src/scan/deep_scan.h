@@ -1,0 +1,78 @@
+#pragma once
+
+#include <deque>
+#include <string>
+#include <string_view>
+
+#include "controls/host.h"
+#include "core/error_log.h"
+#include "platform/files.h"
+#include "platform/machine.h"
+#include "scan/hash_ahead.h"
+#include "scan/results.h"
+#include "scan/scan_page.h"
+#include "scan/tree_walk.h"
+#include "scan/unread.h"
+#include "signatures/hash_index.h"
+
+namespace quarnel {
+
+// Walks a drive or a folder, hashes each file and looks the hash up in the text of QNLESig.dll: a
+// threat is found wherever it lies.
+class DeepScan {
+ public:
+  struct Uses {
+    ScanPage& page;
+    ResultsPage& resultsPage;
+    const ScanFlags& flags;
+    Unread& unread;
+    Results& results;
+    Files& files;
+    Machine& machine;
+    Host& host;
+    ErrorLog& log;
+  };
+  // `pool` hashes ahead of the walk; without one each file is hashed when its turn comes, with the
+  // same results.
+  DeepScan(const Uses& uses, HashPool* pool) : u_(uses), pool_(pool) {}
+
+  // Loads SignatureHashText; false when its file is missing.
+  bool LoadSignatureHashText();
+
+  // The whole drive "C:\", if it answers. SignatureHashText is empty afterwards.
+  void ScanDrive(std::string_view drive);
+  // One folder with all below it; here the bar knows the number of entries.
+  void ScanFolder(std::string_view folder);
+
+  // The number of entries below a folder, "." and ".." included. Without `reset` it is added to
+  // what the calls before counted.
+  double SizeFindFilesAPI(std::string_view path, bool reset);
+
+ private:
+  // An entry of the walk; the files among those that have been taken ahead are being hashed.
+  struct Step {
+    TreeWalk::Entry entry;
+    bool hashed = false;
+  };
+  struct Walk {
+    TreeWalk tree;
+    std::deque<Step> ahead;
+    std::string skipped;  // the folder below which an error ended the work
+  };
+
+  void ScanBelow(std::string_view path, double maximum);
+  void FindFilesAPI(std::string_view path);
+  void TakeAhead(Walk& walk, HashQueue* queue);
+  void InspectEntry(const Step& step, HashQueue* queue);
+  void ShowProgress(const std::string& path);
+  std::string HashOf(const std::string& path, HashQueue* queue);
+  bool GoesOn();
+  void EnterFind(const std::string& path, size_t position);
+
+  Uses u_;
+  HashPool* pool_;
+  HashIndex signatureHashText_;
+  double total_ = 0;
+};
+
+}  // namespace quarnel

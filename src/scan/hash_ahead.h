@@ -1,0 +1,89 @@
+#pragma once
+
+#include <atomic>
+#include <condition_variable>
+#include <deque>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <stop_token>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "platform/files.h"
+#include "signatures/md5_batch.h"
+
+namespace quarnel {
+
+// Threads that hash files. They touch nothing but the open files that they are handed.
+class HashPool {
+ public:
+  // A file on its way through the pool. Its hash may be read once it is done.
+  class Job : public Md5Message {
+   public:
+    Job(HashPool& pool, std::unique_ptr<File> file) : pool_(pool), file_(std::move(file)) {}
+    bool IsDone() const { return done_.load(std::memory_order_acquire); }
+    // 32 digits, or kNoHash for a file that could not be read to its end.
+    const std::string& Hash() const { return hash_; }
+    // Ends the work on it soon.
+    void Abandon() { abandoned_.store(true, std::memory_order_relaxed); }
+
+   private:
+    friend class HashPool;
+    std::optional<std::string_view> Next(std::span<char> buffer) override;
+    void Done(const Md5Digest& digest) override;
+    void Finish();
+
+    HashPool& pool_;
+    std::unique_ptr<File> file_;
+    std::string hash_{kNoHash};
+    std::atomic<bool> done_ = false;
+    std::atomic<bool> abandoned_ = false;
+  };
+  using Jobs = std::vector<std::shared_ptr<Job>>;
+
+  explicit HashPool(unsigned threads, Md5Level level = BestMd5Level());
+
+  void Submit(const Jobs& jobs);
+  // Waits until a job is done, calling `whileWaiting` every few milliseconds; false when that
+  // answered false first.
+  bool Wait(const Job& job, const std::function<bool()>& whileWaiting);
+
+ private:
+  void Work(const std::stop_token& stop, Md5Level level);
+  std::shared_ptr<Job> Take();
+
+  std::mutex mutex_;
+  std::condition_variable_any jobsCame_;
+  std::condition_variable jobEnded_;
+  std::deque<std::shared_ptr<Job>> waiting_;
+  std::atomic<bool> someoneWaits_ = false;
+  std::vector<std::jthread> threads_;
+};
+
+// Hashes in the order in which files are added.
+class HashQueue {
+ public:
+  explicit HashQueue(HashPool& pool) : pool_(pool) {}
+  ~HashQueue();
+  HashQueue(const HashQueue&) = delete;
+  HashQueue& operator=(const HashQueue&) = delete;
+
+  // A file to be hashed; a null one was not readable. It is started by the next Flush.
+  void Add(std::unique_ptr<File> file);
+  void Flush();
+  // Whether enough is under way, and whether more should be added before the next hash is taken.
+  bool Full() const;
+  bool RunsLow() const;
+  // The hash of the file that was added first of those not yet taken; there must be one. kNoHash
+  // when it could not be read, and when `whileWaiting` answered false.
+  std::string Next(const std::function<bool()>& whileWaiting);
+
+ private:
+  HashPool& pool_;
+  HashPool::Jobs added_;
+  std::deque<std::shared_ptr<HashPool::Job>> underWay_;
+};
+
+}  // namespace quarnel
