@@ -97,17 +97,6 @@ TEST_F(Forms, RunModalUntilTheyGo) {
   EXPECT_EQ(host.clock().Ticks(), std::chrono::milliseconds(200));
 }
 
-TEST_F(Forms, FindTheirControls) {
-  Form form(host, "frm");
-  auto label = std::make_unique<Label>(form, "imgMainTab(0)");
-  EXPECT_EQ(form.Find("IMGMAINTAB(0)"), label.get());
-  label.reset();
-  EXPECT_EQ(form.Find("imgMainTab(0)"), nullptr);
-  const uint64_t before = form.Revision();
-  form.SetPlace({1, 2, 3, 4});
-  EXPECT_GT(form.Revision(), before);
-}
-
 TEST_F(Forms, AreLeftByTheEndOfTheProcess) {
   LoggedForm form(host, log);
   Timer ending(form, "tmr", std::chrono::milliseconds(10), true);

@@ -91,21 +91,6 @@ TEST_F(SimpleControls, BarsKeepTheirRange) {
   EXPECT_EQ(loose.Value(), 250);
 }
 
-TEST_F(SimpleControls, PickersTakeDates) {
-  DatePicker date(form, "dtpDate", DatePicker::Kind::kDate);
-  DatePicker time(form, "dtpTime", DatePicker::Kind::kTime);
-  date.Change = Counts();
-  date.SetByUser("11/22/2026");
-  time.SetByUser("9:54 PM");
-  EXPECT_EQ(date.ValueText(), "11/22/2026");
-  EXPECT_EQ(time.ValueText(), "9:54:00 PM");
-  EXPECT_THROW(date.SetByUser("soon"), RuntimeError);
-  EXPECT_EQ(date.ValueText(), "11/22/2026");
-  date.SetByUser(" ");
-  EXPECT_FALSE(date.Value());
-  EXPECT_EQ(clicks, 2);
-}
-
 TEST_F(SimpleControls, RevisionsTellChanges) {
   Label label(form, "lbl", "a");
   const uint64_t before = label.Revision();

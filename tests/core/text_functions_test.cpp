@@ -53,19 +53,22 @@ TEST(FieldReader, Fields) {
 }
 
 TEST(MVb6Functions, InStrRev) {
+  constexpr auto kExact = CompareMode::kBinary, kFolded = CompareMode::kText;
+  // clang-format off
   const struct {
     std::string text, find;
     long start;
     CompareMode compare;
     long expected;
   } cases[] = {
-      {"a.b.c", ".", -1, CompareMode::kBinary, 4}, {"a.b.c", ".", 3, CompareMode::kBinary, 2},
-      {"a.b.c", ".", 4, CompareMode::kBinary, 4},  {"a.b.c", ".", 0, CompareMode::kBinary, 0},
-      {"a.b.c", ".", 99, CompareMode::kBinary, 4}, {"xAbab", "AB", -1, CompareMode::kBinary, 0},
-      {"xAbab", "AB", -1, CompareMode::kText, 4},  {"xAbab", "AB", 4, CompareMode::kText, 2},
-      {"ab", "abc", -1, CompareMode::kText, 0},    {"", "a", -1, CompareMode::kText, 0},
-      {"abc", "", 2, CompareMode::kText, 3},       {"abc", "", 2, CompareMode::kBinary, 3},
+      {"a.b.c", ".", -1, kExact, 4},   {"a.b.c", ".", 3, kExact, 2},
+      {"a.b.c", ".", 4, kExact, 4},    {"a.b.c", ".", 0, kExact, 0},
+      {"a.b.c", ".", 99, kExact, 4},   {"xAbab", "AB", -1, kExact, 0},
+      {"xAbab", "AB", -1, kFolded, 4}, {"xAbab", "AB", 4, kFolded, 2},
+      {"ab", "abc", -1, kFolded, 0},   {"", "a", -1, kFolded, 0},
+      {"abc", "", 2, kFolded, 3},      {"abc", "", 2, kExact, 3},
   };
+  // clang-format on
   for (const auto& c : cases) {
     EXPECT_EQ(InStrRev(c.text, c.find, c.start, c.compare), c.expected) << c.text << c.find;
   }
