@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <functional>
 #include <utility>
 
 #include "base/little_endian.h"
@@ -58,17 +57,13 @@ class StringFileInfoSearch {
  public:
   explicit StringFileInfoSearch(std::string_view name)
       : block_(NullPad("StringFileInfo") + std::string(2, '\0')),
-        name_(NullPad(name) + std::string(2, '\0')),
-        blockSearcher_(block_.begin(), block_.end()),
-        nameSearcher_(name_.begin(), name_.end()) {}
-  StringFileInfoSearch(const StringFileInfoSearch&) = delete;
-  StringFileInfoSearch& operator=(const StringFileInfoSearch&) = delete;
+        name_(NullPad(name) + std::string(2, '\0')) {}
 
   // True when the search is over.
   bool Feed(std::string_view piece, bool last) {
     bytes_ += piece;
     while (true) {
-      const size_t name = Find(nameSearcher_, position_, bytes_.size());
+      const size_t name = bytes_.find(name_, position_);
       if (name == std::string::npos) break;
       if (!InBlock(name)) {
         position_ = name + 1;
@@ -88,23 +83,16 @@ class StringFileInfoSearch {
   const std::string& Text() const { return text_; }
 
  private:
-  using Searcher = std::boyer_moore_horspool_searcher<std::string::const_iterator>;
   // A node's length, value length and type stand before its name.
   static constexpr size_t kNodeHeader = 6;
-
-  // The first occurrence within [from, to); npos when there is none.
-  size_t Find(const Searcher& searcher, size_t from, size_t to) const {
-    const auto at = [this](size_t i) { return bytes_.begin() + static_cast<std::ptrdiff_t>(i); };
-    const auto end = at(std::min(to, bytes_.size()));
-    const auto found = std::search(at(from), end, searcher);
-    return found == end ? std::string::npos : static_cast<size_t>(found - bytes_.begin());
-  }
 
   // Whether a block begins before this position and may reach it.
   bool InBlock(size_t name) {
     while (nextBlock_ < name) {
-      const size_t found = Find(blockSearcher_, nextBlock_, name + block_.size() - 1);
-      if (found == std::string::npos) {
+      // No further than needed: looking at the rest again for each name would take for ever.
+      const auto before = std::string_view(bytes_).substr(0, name + block_.size() - 1);
+      const size_t found = before.find(block_, nextBlock_);
+      if (found == std::string_view::npos) {
         nextBlock_ = name;
         break;
       }
@@ -141,7 +129,6 @@ class StringFileInfoSearch {
   }
 
   const std::string block_, name_;
-  const Searcher blockSearcher_, nameSearcher_;
   std::string bytes_;       // what is not forgotten yet
   uint64_t forgotten_ = 0;  // the number of bytes that came before
   size_t position_ = 0;     // where the next name is looked for
