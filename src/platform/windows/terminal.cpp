@@ -1,6 +1,6 @@
 #include "platform/terminal.h"
 
-#include <windows.h>
+#include "platform/windows/win32.h"
 
 #include <array>
 #include <string_view>

@@ -1,0 +1,236 @@
+#include "platform/files.h"
+
+#include <algorithm>
+#include <string>
+#include <utility>
+
+#include "base/text.h"
+#include "platform/windows/backends.h"
+#include "platform/windows/system_error.h"
+#include "platform/windows/system_path.h"
+#include "platform/windows/unique_handle.h"
+#include "platform/windows/wide_text.h"
+#include "platform/windows/winapi.h"
+#include "platform/windows/windows_file.h"
+
+namespace quarnel {
+namespace {
+
+constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+constexpr DWORD kSettable = FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN |
+                            FILE_ATTRIBUTE_SYSTEM | FILE_ATTRIBUTE_ARCHIVE |
+                            FILE_ATTRIBUTE_TEMPORARY;
+
+// The system counts from 1601, FileTime from 1970.
+constexpr int64_t kEpoch = 116444736000000000;
+
+FileTime TimeFromSystem(const FILETIME& time) {
+  ULARGE_INTEGER count;
+  count.LowPart = time.dwLowDateTime;
+  count.HighPart = time.dwHighDateTime;
+  return FileTime(FileTime::duration(static_cast<int64_t>(count.QuadPart) - kEpoch));
+}
+
+FILETIME TimeForSystem(FileTime time) {
+  ULARGE_INTEGER count;
+  count.QuadPart = static_cast<ULONGLONG>(time.time_since_epoch().count() + kEpoch);
+  return {count.LowPart, count.HighPart};
+}
+
+// What searches, attribute queries and open files tell alike.
+template <typename Facts>
+void TakeFacts(const Facts& facts, DirectoryEntry& entry) {
+  entry.attributes = facts.dwFileAttributes;
+  entry.size = entry.IsFolder() ? 0 : uint64_t{facts.nFileSizeHigh} << 32 | facts.nFileSizeLow;
+  entry.modified = TimeFromSystem(facts.ftLastWriteTime);
+}
+
+// Shows the target in the place of a link to it; a link to nothing shows itself.
+void FollowLink(const std::wstring& path, DirectoryEntry& entry) {
+  const KernelHandle target(CreateFileW(path.c_str(), FILE_READ_ATTRIBUTES, kShareAll, nullptr,
+                                        OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
+  BY_HANDLE_FILE_INFORMATION facts;
+  if (!target.Valid() || !GetFileInformationByHandle(target.Get(), &facts)) return;
+  TakeFacts(facts, entry);
+  entry.attributes |= FILE_ATTRIBUTE_REPARSE_POINT;
+}
+
+// `path` gives the place of the entry found.
+template <typename Path>
+DirectoryEntry EntryOf(const WIN32_FIND_DATAW& found, const Path& path) {
+  DirectoryEntry entry;
+  TakeFacts(found, entry);
+  // Other reparse points, such as those of a file kept elsewhere, are files like others.
+  const bool isLink = (found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0 &&
+                      (found.dwReserved0 == IO_REPARSE_TAG_SYMLINK ||
+                       found.dwReserved0 == IO_REPARSE_TAG_MOUNT_POINT);
+  if (isLink) FollowLink(path(), entry);
+  entry.name = Narrow(found.cFileName);
+  return entry;
+}
+
+bool IsDots(const wchar_t* name) {
+  return name[0] == L'.' && (name[1] == 0 || (name[1] == L'.' && name[2] == 0));
+}
+
+SearchHandle BeginSearch(const std::wstring& pattern, WIN32_FIND_DATAW& found) {
+  const bool fast = Newer().fastSearches;
+  return SearchHandle(
+      FindFirstFileExW(pattern.c_str(), fast ? kFindExInfoBasic : FindExInfoStandard, &found,
+                       FindExSearchNameMatch, nullptr, fast ? kFindFirstExLargeFetch : 0));
+}
+
+class WindowsFiles : public Files {
+ public:
+  std::optional<DirectoryEntry> Stat(std::string_view path) override {
+    std::wstring place;
+    if (!IgnoringErrors([&] { place = SystemPath(path); })) return std::nullopt;
+    if (!IsRoot(place)) {
+      WIN32_FIND_DATAW found;
+      // Unlike an attribute query, a search tells the name's own letter case.
+      const SearchHandle search(FindFirstFileW(place.c_str(), &found));
+      if (search.Valid()) return EntryOf(found, [&] { return place; });
+      if (GetLastError() != ERROR_ACCESS_DENIED) return std::nullopt;
+    }
+    // A root has no name, and some folders may not be searched.
+    WIN32_FILE_ATTRIBUTE_DATA facts;
+    if (!GetFileAttributesExW(place.c_str(), GetFileExInfoStandard, &facts)) return std::nullopt;
+    DirectoryEntry entry;
+    TakeFacts(facts, entry);
+    if (!IsRoot(place))
+      entry.name = Narrow(std::wstring_view(place).substr(place.rfind(L'\\') + 1));
+    return entry;
+  }
+
+  std::vector<DirectoryEntry> List(std::string_view folder) override {
+    const std::wstring base = SystemPath(folder);
+    const std::wstring place = IsRoot(base) ? base : base + L'\\';
+    std::vector<DirectoryEntry> entries;
+    WIN32_FIND_DATAW found;
+    const SearchHandle search = BeginSearch(place + L'*', found);
+    if (!search.Valid()) {
+      const DWORD code = GetLastError();
+      const DWORD attributes = AttributesAt(base);
+      const bool isThere = attributes != INVALID_FILE_ATTRIBUTES;
+      const bool isFolder = isThere && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+      // The root of an empty drive has not even "." in it.
+      if (isFolder && code == ERROR_FILE_NOT_FOUND) return entries;
+      if ((isThere && !isFolder) || code == ERROR_FILE_NOT_FOUND) {
+        throw RuntimeError(ErrorNumber::kPathNotFound, folder, static_cast<long>(code));
+      }
+      RaiseSystemError(code, folder);
+    }
+    do {
+      if (IsDots(found.cFileName)) continue;
+      entries.push_back(EntryOf(found, [&] { return place + found.cFileName; }));
+    } while (FindNextFileW(search.Get(), &found));
+    if (const DWORD code = GetLastError(); code != ERROR_NO_MORE_FILES) {
+      RaiseSystemError(code, folder);
+    }
+    std::sort(entries.begin(), entries.end(), [less = LessText()](const auto& a, const auto& b) {
+      return less(a.name, b.name) || (!less(b.name, a.name) && a.name < b.name);
+    });
+    return entries;
+  }
+
+  std::unique_ptr<File> Open(std::string_view path, OpenMode mode) override {
+    return OpenWindowsFile(SystemPath(path), path, mode);
+  }
+
+  void Delete(std::string_view path) override {
+    const std::wstring place = SystemPath(path);
+    RefuseReadOnly(place, path);
+    if (!DeleteFileW(place.c_str())) RaiseAt(place, GetLastError(), path);
+  }
+
+  void DeleteFolder(std::string_view path) override {
+    const std::wstring place = SystemPath(path);
+    const DWORD attributes = RefuseReadOnly(place, path);
+    if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0) {
+      throw RuntimeError(ErrorNumber::kPathFileAccess, path, ERROR_DIRECTORY);
+    }
+    // Of a link to a folder the link alone goes.
+    if (!RemoveDirectoryW(place.c_str())) RaiseSystemError(GetLastError(), path);
+  }
+
+  void CreateFolder(std::string_view path) override {
+    if (!CreateDirectoryW(SystemPath(path).c_str(), nullptr)) {
+      RaiseSystemError(GetLastError(), path);
+    }
+  }
+
+  void Move(std::string_view from, std::string_view to) override {
+    const std::wstring source = SystemPath(from);
+    const std::wstring target = SystemPath(to);
+    if (MoveFileExW(source.c_str(), target.c_str(), 0)) return;
+    const DWORD code = GetLastError();
+    const bool isFolder = IsFolderAt(source);
+    if (isFolder && code == ERROR_INVALID_PARAMETER) {  // a folder into itself
+      throw RuntimeError(ErrorNumber::kPermissionDenied, from, static_cast<long>(code));
+    }
+    if (isFolder || code != ERROR_NOT_SAME_DEVICE) RaiseSystemError(code, from);
+    // Not left to the system, which calls it a success when the source stays.
+    if (!CopyFileW(source.c_str(), target.c_str(), TRUE)) RaiseSystemError(GetLastError(), from);
+    SetFileAttributesW(source.c_str(), FILE_ATTRIBUTE_NORMAL);
+    if (!DeleteFileW(source.c_str())) RaiseSystemError(GetLastError(), from);
+  }
+
+  void ReplaceFile(std::string_view from, std::string_view to) override {
+    const std::wstring source = SystemPath(from);
+    const std::wstring target = SystemPath(to);
+    RefuseReadOnly(target, to);
+    if (IsFolderAt(source) || IsFolderAt(target)) {
+      throw RuntimeError(ErrorNumber::kPathFileAccess, to);
+    }
+    SyncFile(source, from);
+    if (!MoveFileExW(source.c_str(), target.c_str(),
+                     MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH)) {
+      RaiseSystemError(GetLastError(), to);
+    }
+  }
+
+  void Copy(std::string_view from, std::string_view to) override {
+    const std::wstring source = SystemPath(from);
+    const std::wstring target = SystemPath(to);
+    if (IsFolderAt(source)) throw RuntimeError(ErrorNumber::kPathFileAccess, from);
+    if (IsFolderAt(target)) throw RuntimeError(ErrorNumber::kPathFileAccess, to);
+    const DWORD before = RefuseReadOnly(target, to);
+    const bool isHidden = before != INVALID_FILE_ATTRIBUTES &&
+                          (before & (FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM)) != 0;
+    // The system puts no copy over a hidden file.
+    if (isHidden) SetFileAttributesW(target.c_str(), FILE_ATTRIBUTE_NORMAL);
+    if (!CopyFileW(source.c_str(), target.c_str(), FALSE)) {
+      const DWORD code = GetLastError();
+      if (isHidden) SetFileAttributesW(target.c_str(), before);
+      RaiseSystemError(code, from);
+    }
+    // Not every file system hands the attributes over to a file that was there.
+    const DWORD wanted = AttributesAt(source) & kSettable;
+    if ((AttributesAt(target) & kSettable) != wanted) SetFileAttributesW(target.c_str(), wanted);
+  }
+
+  void SetAttributes(std::string_view path, uint32_t attributes) override {
+    const std::wstring place = SystemPath(path);
+    const DWORD wanted = attributes & kSettable;
+    // Zero would leave all as it is.
+    if (!SetFileAttributesW(place.c_str(), wanted == 0 ? FILE_ATTRIBUTE_NORMAL : wanted)) {
+      RaiseSystemError(GetLastError(), path);
+    }
+  }
+
+  void SetModified(std::string_view path, FileTime time) override {
+    const std::wstring place = SystemPath(path);
+    const KernelHandle file(CreateFileW(place.c_str(), FILE_WRITE_ATTRIBUTES, kShareAll, nullptr,
+                                        OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
+    const FILETIME modified = TimeForSystem(time);
+    if (!file.Valid() || !SetFileTime(file.Get(), nullptr, nullptr, &modified)) {
+      RaiseSystemError(GetLastError(), path);
+    }
+  }
+};
+
+}  // namespace
+
+std::unique_ptr<Files> MakeFiles() { return std::make_unique<WindowsFiles>(); }
+
+}  // namespace quarnel

@@ -1,0 +1,19 @@
+#pragma once
+
+// The system's headers, without the macros that would rename functions and types of the program.
+
+#ifndef NOMINMAX
+#define NOMINMAX
+#endif
+#include <windows.h>
+// All others need that one.
+#include <psapi.h>
+#include <shellapi.h>
+#include <shlobj.h>
+#include <tlhelp32.h>
+
+#undef FindExecutable
+#undef FindWindow
+#undef GetFileVersionInfo
+#undef MessageBox
+#undef ReplaceFile
