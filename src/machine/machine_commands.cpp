@@ -55,7 +55,7 @@ int Create(Arguments arguments, const Streams& /*streams*/) {
     } else if (option == "--family" && (value == "nt" || value == "9x")) {
       options.family = value == "nt" ? SystemFamily::kWindowsNt : SystemFamily::kWindows9x;
     } else {
-      throw BadCall{"no such option: " + option + " " + value};
+      throw BadCall{Join({"no such option:", option, value}, " ")};
     }
   }
   CreateMachine(arguments[0], options);

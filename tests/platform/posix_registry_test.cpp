@@ -143,7 +143,10 @@ TEST_F(PosixRegistryTest, DamageIsAStatusAndNeverACrash) {
   int damaged = 0;
   for (size_t page = 1; page < original.size() / 4096; ++page) {
     std::string bytes = original;
-    for (size_t i = 0; i < 4096; i += 7) bytes[page * 4096 + i] ^= static_cast<char>(i * page);
+    for (size_t i = 0; i < 4096; i += 7) {
+      char& byte = bytes[page * 4096 + i];
+      byte = static_cast<char>(byte ^ static_cast<char>(i * page));
+    }
     std::ofstream(copy, std::ios::binary) << bytes;
     MachineFolder folder = ReadMachineFolder(machineFolder());
     std::filesystem::rename(copy, File());

@@ -1,5 +1,7 @@
 #include "support/platform_fixture.h"
 
+#include "base/text.h"
+
 namespace quarnel {
 
 PlatformTest::PlatformTest() : platform_(OpenPlatform(machine_.Folder())) {
@@ -15,11 +17,11 @@ PlatformTest::~PlatformTest() {
 }
 
 std::string PlatformTest::Path(std::string_view name) const {
-  return scratch_ + "\\" + std::string(name);
+  return Join({scratch_, std::string(name)}, "\\");
 }
 
 std::string PlatformTest::Key(std::string_view name) {
-  return std::string(kTestKey) + "\\" + std::string(name);
+  return Join({std::string(kTestKey), std::string(name)}, "\\");
 }
 
 void DeleteTree(Files& files, const std::string& folder) {
