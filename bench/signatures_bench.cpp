@@ -3,10 +3,8 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
-#include <functional>
 #include <memory>
 #include <random>
-#include <span>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -45,6 +43,7 @@ const std::vector<std::string>& MillionLines() {
   static const std::vector<std::string> kLines = [] {
     std::mt19937 random(2);
     std::vector<std::string> lines;
+    lines.reserve(1'000'000);
     for (int i = 0; i < 1'000'000; ++i) lines.push_back(FileLine(random));
     return lines;
   }();
@@ -61,7 +60,9 @@ void DecipherBaseline(benchmark::State& state) {
   }
 }
 
-void Decipher(benchmark::State& state, CipherLevel level) {
+// The argument is the level.
+void Decipher(benchmark::State& state) {
+  const auto level = static_cast<CipherLevel>(state.range(0));
   const std::string& text = Enciphered100Megabytes();
   std::string plain(text.size(), '\0');
   for ([[maybe_unused]] auto round : state) {
@@ -100,10 +101,10 @@ void Fields(benchmark::State& state) {
 }
 
 // Messages of one size, 20 MB in all, in memory that stays in the cache as the buffers of a scan
-// do.
-void Md5Messages(
-    benchmark::State& state, size_t size,
-    const std::function<void(std::span<const std::string_view>, std::span<Md5Digest>)>& hash) {
+// do. The arguments are the size and the level.
+void Md5Messages(benchmark::State& state) {
+  const auto size = static_cast<size_t>(state.range(0));
+  const auto level = static_cast<Md5Level>(state.range(1));
   const std::string text(800'000, 'x');
   std::vector<std::string_view> messages;
   for (size_t total = 0, at = 0; total < 20'000'000; total += size, at += size) {
@@ -112,7 +113,7 @@ void Md5Messages(
   }
   std::vector<Md5Digest> digests(messages.size());
   for ([[maybe_unused]] auto round : state) {
-    hash(messages, digests);
+    HashMessages(messages, digests, level);
     benchmark::DoNotOptimize(digests.data());
   }
   state.SetBytesProcessed(static_cast<int64_t>(messages.size() * size) * state.iterations());
@@ -181,7 +182,9 @@ void LoadText(benchmark::State& state) {
   }
 }
 
-void LoadIndex(benchmark::State& state, size_t workers) {
+// The argument is the number of threads.
+void LoadIndex(benchmark::State& state) {
+  const auto workers = static_cast<size_t>(state.range(0));
   MillionHashes& hashes = MillionHashes::Instance();
   for ([[maybe_unused]] auto round : state) {
     const HashIndex index =
@@ -203,45 +206,37 @@ void Find(benchmark::State& state) {
   }
 }
 
-template <typename Function>
-void Add(const std::string& name, Function function) {
+void Add(const std::string& name, void (*function)(benchmark::State&),
+         const std::vector<int64_t>& arguments = {}) {
   benchmark::RegisterBenchmark(name.c_str(), function)
+      ->Args(arguments)
       ->Unit(benchmark::kMillisecond)
       ->UseRealTime();
 }
 
-void AddMd5(const std::string& group, size_t size) {
-  Add(group + "/baseline", [size](benchmark::State& state) {
-    Md5Messages(state, size, [](auto messages, auto digests) {
-      for (size_t i = 0; i < messages.size(); ++i) digests[i] = Md5Of(messages[i]);
-    });
-  });
-  for (const auto& [name, level] :
-       {std::pair{"sse2", Md5Level::kSse2}, std::pair{"avx2", Md5Level::kAvx2},
-        std::pair{"avx512", Md5Level::kAvx512}}) {
-    Add(group + "/" + name, [size, level = level](benchmark::State& state) {
-      Md5Messages(state, size,
-                  [level](auto messages, auto digests) { HashMessages(messages, digests, level); });
-    });
-  }
+template <typename Level>
+int64_t Argument(Level level) {
+  return static_cast<int64_t>(level);
 }
 
 const bool kRegistered = [] {
   Add("decipher_100_MB/baseline", DecipherBaseline);
-  for (const auto& [name, level] :
-       {std::pair{"portable", CipherLevel::kPortable}, std::pair{"ssse3", CipherLevel::kSsse3},
-        std::pair{"avx2", CipherLevel::kAvx2}}) {
-    Add(std::string("decipher_100_MB/") + name,
-        [level = level](benchmark::State& state) { Decipher(state, level); });
-  }
+  Add("decipher_100_MB/portable", Decipher, {Argument(CipherLevel::kPortable)});
+  Add("decipher_100_MB/ssse3", Decipher, {Argument(CipherLevel::kSsse3)});
+  Add("decipher_100_MB/avx2", Decipher, {Argument(CipherLevel::kAvx2)});
   Add("fields_of_1M_lines/baseline", FieldsBaseline);
   Add("fields_of_1M_lines/ours", Fields);
-  AddMd5("md5_of_16_kB_messages", 16'500);
-  AddMd5("md5_of_4_kB_messages", 4'100);
+  for (const int64_t size : {16'500, 4'100}) {
+    const std::string group = "md5_of_" + std::to_string(size) + "_bytes";
+    Add(group + "/baseline", Md5Messages, {size, Argument(Md5Level::kPortable)});
+    Add(group + "/sse2", Md5Messages, {size, Argument(Md5Level::kSse2)});
+    Add(group + "/avx2", Md5Messages, {size, Argument(Md5Level::kAvx2)});
+    Add(group + "/avx512", Md5Messages, {size, Argument(Md5Level::kAvx512)});
+  }
   Add("load_1M_hashes/baseline", LoadBaseline);
   Add("load_1M_hashes/text", LoadText);
-  Add("load_1M_hashes/index_1_thread", [](benchmark::State& state) { LoadIndex(state, 1); });
-  Add("load_1M_hashes/index_2_threads", [](benchmark::State& state) { LoadIndex(state, 2); });
+  Add("load_1M_hashes/index_1_thread", LoadIndex, {1});
+  Add("load_1M_hashes/index_2_threads", LoadIndex, {2});
   Add("find_20k_hashes", Find);
   return true;
 }();

@@ -8,6 +8,7 @@
 // `from` and stores them mirrored at `to`; V::Find64(from, c) has a bit set for each of the 64
 // bytes at `from` that is `c`.
 namespace quarnel {
+// NOLINTBEGIN(cert-dcl59-cpp, misc-definitions-in-headers): each file needs its own copy.
 namespace {
 
 // One text of at least V::kSize bytes.
@@ -61,4 +62,5 @@ inline size_t DecryptLineBlocks(const char* bytes, size_t size, char* text) {
 }
 
 }  // namespace
+// NOLINTEND(cert-dcl59-cpp, misc-definitions-in-headers)
 }  // namespace quarnel

@@ -17,6 +17,7 @@ size_t DecryptLinesAvx2(const char* bytes, size_t size, char* text);
 
 inline constexpr size_t kLongestCipherLine = 32767;
 
+// NOLINTBEGIN(cert-dcl59-cpp, misc-definitions-in-headers): each file needs its own copy.
 namespace {
 
 // The repeated key, long enough for a load of 32 bytes from any of its phases. A load at position i
@@ -25,4 +26,5 @@ constexpr char kKeyStream[] = "MELKORANMELKORANMELKORANMELKORANMELKORAN";
 static_assert(sizeof(kKeyStream) > 32 + 7);
 
 }  // namespace
+// NOLINTEND(cert-dcl59-cpp, misc-definitions-in-headers)
 }  // namespace quarnel

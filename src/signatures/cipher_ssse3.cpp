@@ -20,9 +20,9 @@ struct Bytes16 {
   static uint64_t Find64(const char* from, char c) {
     const __m128i wanted = _mm_set1_epi8(c);
     uint64_t found = 0;
-    for (int i = 0; i < 4; ++i) {
-      const int mask = _mm_movemask_epi8(_mm_cmpeq_epi8(Load(from + 16 * i), wanted));
-      found |= static_cast<uint64_t>(mask) << (16 * i);
+    for (size_t i = 0; i < 64; i += 16) {
+      const int mask = _mm_movemask_epi8(_mm_cmpeq_epi8(Load(from + i), wanted));
+      found |= static_cast<uint64_t>(mask) << i;
     }
     return found;
   }

@@ -77,7 +77,9 @@ std::optional<size_t> DecipherPart(FilePart& part, char* text, HashPlaces& place
   if (held > kLongestLine || FindLineEnd(lastLine) != held) return std::nullopt;
   DecryptTo(lastLine, text + position);
   places.Collect(text, position, position + held);
-  std::memcpy(text + position + held, "\r\n", 2);
+  char* const lineEnd = text + position + held;
+  lineEnd[0] = '\r';
+  lineEnd[1] = '\n';
   return position + held + 2;
 }
 

@@ -92,13 +92,13 @@ class Md5Batch::Engine {
   void SetState(size_t lane, const std::array<uint32_t, 4>& state);
   std::span<char> BufferOf(size_t lane);
 
-  const Implementation implementation_;
   // What the kernels see: for each lane where it reads, and how many whole blocks are there.
   alignas(64) std::array<uint32_t, 4 * kMostMd5Lanes> states_{};
   std::array<const char*, kMostMd5Lanes> at_{};
   std::array<size_t, kMostMd5Lanes> blocks_{};
   std::array<Lane, kMostMd5Lanes> lanes_;
   std::unique_ptr<char[]> buffers_;
+  const Implementation implementation_;
 };
 
 std::array<uint32_t, 4> Md5Batch::Engine::StateOf(size_t lane) const {

@@ -18,7 +18,7 @@ namespace quarnel {
 enum class Md5Level { kPortable, kSse2, kAvx2, kAvx512 };
 Md5Level BestMd5Level();
 
-// A message that comes in pieces.
+// A message that comes in pieces. Its functions raise nothing.
 class Md5Message {
  public:
   virtual ~Md5Message() = default;

@@ -9,6 +9,7 @@
 // aligned memory, and V::LoadBlock, which takes one block from each lane and turns the sixteen
 // words of each lane into sixteen vectors of one word from each.
 namespace quarnel {
+// NOLINTBEGIN(cert-dcl59-cpp, misc-definitions-in-headers): each file needs its own copy.
 namespace {
 
 template <typename V, size_t kGroups>
@@ -35,4 +36,5 @@ inline void Md5Lanes(uint32_t* state, const char* const* blocks, size_t count) {
 }
 
 }  // namespace
+// NOLINTEND(cert-dcl59-cpp, misc-definitions-in-headers)
 }  // namespace quarnel

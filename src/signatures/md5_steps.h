@@ -8,6 +8,7 @@
 // by side. All is local to the file that includes it, since each file is compiled for other
 // processors.
 namespace quarnel {
+// NOLINTBEGIN(cert-dcl59-cpp, misc-definitions-in-headers): each file needs its own copy.
 namespace {
 
 constexpr uint32_t kMd5Sines[64] = {
@@ -84,4 +85,5 @@ template <typename V, size_t kGroups>
 }
 
 }  // namespace
+// NOLINTEND(cert-dcl59-cpp, misc-definitions-in-headers)
 }  // namespace quarnel

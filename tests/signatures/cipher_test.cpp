@@ -23,8 +23,8 @@ std::string DecryptAsDefined(std::string_view cipher) {
   }
   std::string ordered;
   for (size_t i = 0; i < plain.size(); i += 2) {
-    std::string pair = plain.substr(i, 2);
-    ordered = std::string(pair.rbegin(), pair.rend()) + ordered;
+    const std::string pair = plain.substr(i, 2);
+    ordered.insert(ordered.begin(), pair.rbegin(), pair.rend());
   }
   return ordered;
 }

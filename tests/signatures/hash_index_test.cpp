@@ -24,7 +24,7 @@ std::string Digits(std::mt19937& random, size_t count) {
 
 // A line as it may stand in a file: most are of the usual form, some are anything.
 std::string RandomLine(std::mt19937& random) {
-  const std::string hash = Digits(random, 32);
+  std::string hash = Digits(random, 32);
   switch (random() % 12) {
     case 0:
       return hash;
