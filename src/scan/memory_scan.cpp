@@ -65,7 +65,7 @@ void MemoryScan::MemoryItemsInspection(ProgressBar& progressBar) {
       const ProcessRecord& process = processes[static_cast<size_t>(i)];
       if (const auto path = u_.processes.MainModulePath(process.id)) {
         Inspect(*path, signatures);
-      } else {
+      } else if (process.id != 0) {  // the idle entry stands for no program
         u_.unread.Add("process", process.executable);
       }
     }

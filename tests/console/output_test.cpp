@@ -53,7 +53,9 @@ ScanSummary Sample() {
                        .type = "Adware",
                        .level = "3",
                        .traces = {"C:\\a\x1b.exe", "HKEY_CURRENT_USER\\x"}},
-                      {.name = "Bo", .type = "Key Logger", .level = "10", .ignored = {"C:\\b"}}}};
+                      {.name = "Bo", .type = "Key Logger", .level = "10", .ignored = {"C:\\b"}}},
+          .unread = {"file C:\\locked"},
+          .unreadCount = 3};
 }
 
 TEST(ScanSummary, TableIsAlignedByWidth) {
@@ -67,6 +69,8 @@ TEST(ScanSummary, TableIsAlignedByWidth) {
             "Bo         Key Logger  10          0\n"
             "    C:\\b (ignored)\n"
             "\n"
+            "not read: file C:\\locked\n"
+            "not read: 2 further items\n"
             "1 threat with 2 traces found, 1 trace ignored. Scanning completed.\n");
 }
 
@@ -92,7 +96,9 @@ TEST(ScanSummary, Json) {
   EXPECT_EQ(out.str(),
             "{\"threat\":\"Bo\",\"type\":\"Key Logger\",\"level\":\"10\",\"traces\":[],"
             "\"ignored\":[\"C:\\\\b\"]}\n"
-            "{\"threats\":0,\"traces\":0,\"ignored\":1,\"status\":\"Scanning completed.\"}\n");
+            "{\"unread\":\"file C:\\\\locked\"}\n"
+            "{\"threats\":0,\"traces\":0,\"ignored\":1,\"notread\":3,\"status\":\"Scanning "
+            "completed.\"}\n");
 }
 
 TEST(ScanSummary, ReadsTheResultsTree) {

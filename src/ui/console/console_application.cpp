@@ -1,5 +1,7 @@
 #include "ui/console/console_application.h"
 
+#include <algorithm>
+
 #include "base/runtime_error.h"
 #include "platform/platform.h"
 #include "signatures/signature_files.h"
@@ -23,6 +25,9 @@ class ConsoleApplication : public ConsoleProgram {
     if (start.MouseDown) start.MouseDown();
     start.ClickByUser();
     ScanSummary summary = Report();
+    // A report names them all.
+    constexpr size_t kMostNamed = 5;
+    summary.unread.resize(std::min(summary.unread.size(), kMostNamed));
     bool present = false;
     AllSignatureArePresent(platform_->files(), platform_->machine(), present);
     if (!present) summary.problem = "signature files are missing";
@@ -37,8 +42,13 @@ class ConsoleApplication : public ConsoleProgram {
 
   ScanSummary Report() override {
     const frmMain& main = application_.MainForm();
-    return {.status = main.scan.lblStatus.Caption(),
-            .threats = ThreatsOf(main.results.vbatvwResults)};
+    ScanSummary summary{.status = main.scan.lblStatus.Caption(),
+                        .threats = ThreatsOf(main.results.vbatvwResults),
+                        .unreadCount = main.CouldNotRead().Count()};
+    for (const UnreadItem& item : main.CouldNotRead().Items()) {
+      summary.unread.push_back(item.kind + " " + item.name);
+    }
+    return summary;
   }
 
   void Wizard() override { NotPartOfThisBuild("the wizard"); }

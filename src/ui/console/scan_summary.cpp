@@ -138,6 +138,14 @@ void PrintSummary(const ScanSummary& summary, std::ostream& out, bool colours) {
     }
     out << '\n';
   }
+  for (const std::string& item : summary.unread) {
+    out << style.faint << "not read: " << Printable(item) << style.normal << '\n';
+  }
+  if (summary.unreadCount > summary.unread.size()) {
+    out << style.faint
+        << "not read: " << Counted(summary.unreadCount - summary.unread.size(), "further item")
+        << style.normal << '\n';
+  }
   out << SummaryLine(summary) << '\n';
 }
 
@@ -149,9 +157,11 @@ void WriteSummary(const ScanSummary& summary, RecordWriter& records) {
                    {"traces", threat.traces},
                    {"ignored", threat.ignored}});
   }
+  for (const std::string& item : summary.unread) records.Write({{"unread", item}});
   records.Write({{"threats", Number(summary.ThreatCount())},
                  {"traces", Number(summary.TraceCount())},
                  {"ignored", Number(summary.IgnoredCount())},
+                 {"notread", Number(summary.unreadCount)},
                  {"status", summary.status}});
 }
 

@@ -25,6 +25,10 @@ struct ScanThreat {
 struct ScanSummary {
   std::string status;  // "Scanning completed."
   std::vector<ScanThreat> threats;
+  // What could not be read, "file C:\\x": neither a find nor known to be clean. The count may be
+  // higher than what is named.
+  std::vector<std::string> unread;
+  size_t unreadCount = 0;
   // Why nothing can be concluded from it, such as missing signature files; empty when all is well.
   std::string problem;
 
