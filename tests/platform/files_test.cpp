@@ -213,8 +213,8 @@ TEST_F(FilesTest, SaysWhatKindOfFailureItIs) {
   }
   for (const std::string& path :
        {missing, pathless, Path("fi?e"), Path("f*"), std::string(), std::string("C:\\a\0b", 6),
-        std::string("1:\\"), "C:\\" + std::string(200000, '\\') + "x",
-        "C:" + std::string(100000, 'x')}) {
+        std::string("1:\\"), std::string("\\\\?\\"), std::string("\\\\host\\share\\x"),
+        "C:\\" + std::string(200000, '\\') + "x", "C:" + std::string(100000, 'x')}) {
     EXPECT_FALSE(Exists(path)) << path.substr(0, 80);
   }
   EXPECT_EQ(Read(Path("file")), "x");

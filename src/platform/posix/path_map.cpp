@@ -104,25 +104,20 @@ bool FolderStamp::StillHolds(const struct stat& fresh) const {
 }
 
 PathMap::Location PathMap::Exact(std::string_view path) const {
+  const auto raiseBadName = [text = path.substr(0, std::min<size_t>(path.find('\0'), 260))] {
+    throw RuntimeError(ErrorNumber::kBadFileName, text);
+  };
   if (path.empty() || path.size() > kLongestPath || path.find('\0') != std::string_view::npos) {
-    throw RuntimeError(ErrorNumber::kBadFileName,
-                       path.substr(0, std::min<size_t>(path.find('\0'), 260)));
+    raiseBadName();
   }
-  if (path.starts_with("\\\\?\\")) path.remove_prefix(4);
-  if (path.size() >= 2 && IsSlash(path[0]) && IsSlash(path[1])) {
-    // Another computer's share.
-    throw RuntimeError(ErrorNumber::kBadFileName, path.substr(0, 260));
-  }
-  char drive = 'c';
-  bool relative = false;
-  if (path.size() >= 2 && path[1] == ':') {
-    drive = static_cast<char>(path[0] | 0x20);
-    if (drive < 'a' || drive > 'z')
-      throw RuntimeError(ErrorNumber::kBadFileName, path.substr(0, 260));
-    path.remove_prefix(2);
-  } else {
-    relative = !IsSlash(path[0]);
-  }
+  const bool isLongForm = path.starts_with("\\\\?\\");
+  if (isLongForm) path.remove_prefix(4);
+  const bool hasDrive = path.size() >= 2 && path[1] == ':';
+  const char drive = hasDrive ? ToLower(path.substr(0, 1))[0] : 'c';
+  const bool isShare = path.size() >= 2 && IsSlash(path[0]) && IsSlash(path[1]);
+  if (isShare || (isLongForm && !hasDrive) || drive < 'a' || drive > 'z') raiseBadName();
+  if (hasDrive) path.remove_prefix(2);
+  const bool relative = !hasDrive && !IsSlash(path[0]);
   Location location;
   location.host.reserve(root_.size() + path.size() + kProgramFolder.size() + 8);
   location.host.append(root_).append("/drive_") += drive;
