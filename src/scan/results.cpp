@@ -54,7 +54,7 @@ std::string Results::LevelColumn(std::string_view name) const {
 }
 
 TreeNodeRef Results::AddThreatRoot(std::string_view name, std::string_view type) {
-  const TreeNodeRef root = page_.vbatvwResults.AddRoot(name, name);
+  TreeNodeRef root = page_.vbatvwResults.AddRoot(name, name);
   root->image = root->selectedImage = 1;
   page_.vbatvwResults.SetBold(*root, true);
   page_.vbatvwResults.SetExpanded(*root, true);
