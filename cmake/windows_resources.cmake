@@ -1,5 +1,9 @@
 # What a Windows program carries beside its code.
 
+if(WIN32)
+  add_library(quarnel_xp_imports OBJECT ${CMAKE_CURRENT_LIST_DIR}/windows_xp_imports.c)
+endif()
+
 # Sets in the caller's scope RC_PRODUCT, RC_COMPANY, RC_VERSION_COMMAS and RC_VERSION from the
 # program's own record of these facts.
 function(quarnel_read_product)
@@ -62,6 +66,5 @@ function(quarnel_windows_resources target)
   endif()
   configure_file(${CMAKE_CURRENT_FUNCTION_LIST_DIR}/version.rc.in ${folder}/version.rc @ONLY)
 
-  target_sources(${target} PRIVATE ${folder}/version.rc
-                                   ${CMAKE_CURRENT_FUNCTION_LIST_DIR}/windows_xp_imports.c)
+  target_sources(${target} PRIVATE ${folder}/version.rc $<TARGET_OBJECTS:quarnel_xp_imports>)
 endfunction()

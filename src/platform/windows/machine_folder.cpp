@@ -14,6 +14,10 @@ namespace {
 
 void CreateMachine(const std::string& folder, const MachineOptions& /*options*/) { Refuse(folder); }
 
+std::unique_ptr<Platform> OpenMachine(const std::string& folder) {
+  return OpenPlatform(folder == "." ? std::string() : folder);
+}
+
 std::string HostPathOf(const std::string& folder, std::string_view /*windowsPath*/) {
   Refuse(folder);
 }
