@@ -74,6 +74,11 @@ class Files {
   // folded, as they stand at this moment. Raises when the folder cannot be read.
   virtual std::vector<DirectoryEntry> List(std::string_view folder) = 0;
 
+  // As List, with nothing that would need a look at each entry: sizes and times may be missing, and
+  // of the attributes only these are sure: whether it is a folder or a link. An entry without any
+  // other has kNormal.
+  virtual std::vector<DirectoryEntry> ListBriefly(std::string_view folder) { return List(folder); }
+
   virtual std::unique_ptr<File> Open(std::string_view path, OpenMode mode) = 0;
 
   virtual void Delete(std::string_view path) = 0;        // a file; a read-only one is refused

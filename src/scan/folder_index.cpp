@@ -9,9 +9,6 @@
 namespace quarnel {
 namespace {
 
-// Listing a folder costs about as much as this many single questions.
-constexpr int kSingleQuestions = 4;
-
 // The bytes of a path that say nothing but themselves: printable ASCII without those that separate,
 // escape or stand for others. Only the file system knows how it folds the rest.
 bool IsPlainPath(std::string_view path) {
@@ -45,7 +42,7 @@ bool FolderIndex::TextEqual::operator()(std::string_view left, std::string_view 
 void FolderIndex::ListNames(std::string_view folder, Names& names) {
   // A folder that is missing or cannot be read holds no file that anybody could find.
   IgnoringErrors([&] {
-    for (DirectoryEntry& entry : files_.List(folder)) {
+    for (DirectoryEntry& entry : files_.ListBriefly(folder)) {
       if (!entry.IsFolder()) names.insert(std::move(entry.name));
     }
   });
@@ -69,7 +66,6 @@ bool FolderIndex::FileExists(std::string_view path) {
   }
   Folder& folder = FolderOf(path.substr(0, slash + 1));
   if (!folder.names) {
-    if (++folder.questions <= kSingleQuestions) return quarnel::FileExists(files_, path);
     folder.names.emplace();
     ListNames(path.substr(0, slash + 1), *folder.names);
   }

@@ -10,9 +10,9 @@
 
 namespace quarnel {
 
-// Answers the program's test of existence for many paths. A folder that is asked about more than a
-// few times is listed once, and its names then answer in any letter case; a name that is found is
-// confirmed by the file itself. What appears in a listed folder later is not seen, so an index
+// Answers the program's test of existence for many paths. A folder that is asked about is listed
+// once, and its names then answer in any letter case; a name that is found is confirmed by the file
+// itself. What appears in a listed folder later is not seen, so an index
 // lives no longer than one phase of a scan.
 class FolderIndex {
  public:
@@ -32,7 +32,6 @@ class FolderIndex {
   };
   using Names = std::unordered_set<std::string, TextHash, TextEqual>;
   struct Folder {
-    int questions = 0;
     std::optional<Names> names;  // once it is listed
   };
 

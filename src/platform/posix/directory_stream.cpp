@@ -35,7 +35,9 @@ const char* DirectoryStream::Next() {
       return nullptr;
     }
     const std::string_view name = static_cast<const char*>(entry->d_name);
-    if (name != "." && name != "..") return static_cast<const char*>(entry->d_name);
+    if (name == "." || name == "..") continue;
+    type_ = entry->d_type;
+    return static_cast<const char*>(entry->d_name);
   }
 }
 

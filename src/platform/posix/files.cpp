@@ -1,3 +1,4 @@
+#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -69,29 +70,21 @@ class PosixFiles : public Files {
   }
 
   std::vector<DirectoryEntry> List(std::string_view folder) override {
-    std::string host = paths_.Exact(folder).host;
-    std::optional<DirectoryStream> stream(std::in_place, host);
-    if (stream->Error() == ENOENT || stream->Error() == ENOTDIR) {
-      host = paths_.Locate(folder).host;
-      stream.emplace(host);
-    }
-    const AtPath at(host);
-    const std::string place = at.ProcPath() + "/";
-    std::vector<DirectoryEntry> entries;
-    while (const char* name = stream->Next()) {
-      DirectoryEntry entry;
-      // One that vanished since is left out; one that cannot be looked at is still named.
-      if (!ReadEntry(stream->Fd(), name, place + name, entry) && errno == ENOENT) continue;
-      entry.name = ShownName(name);
-      entries.push_back(std::move(entry));
-    }
-    // A folder that is missing as a whole is a missing path.
-    if (stream->Error() == ENOENT) throw RuntimeError(ErrorNumber::kPathNotFound, folder, ENOENT);
-    if (stream->Error() != 0) RaiseErrno(stream->Error(), folder);
-    std::sort(entries.begin(), entries.end(), [less = LessText()](const auto& a, const auto& b) {
-      return less(a.name, b.name) || (!less(b.name, a.name) && a.name < b.name);
+    return List(folder, [](const DirectoryStream&) { return std::optional<uint32_t>(); });
+  }
+
+  std::vector<DirectoryEntry> ListBriefly(std::string_view folder) override {
+    // A link shows what it leads to, which only a look can tell.
+    return List(folder, [](const DirectoryStream& stream) -> std::optional<uint32_t> {
+      switch (stream.Type()) {
+        case DT_REG:
+          return file_attribute::kNormal;
+        case DT_DIR:
+          return file_attribute::kDirectory;
+        default:
+          return std::nullopt;
+      }
     });
-    return entries;
   }
 
   std::unique_ptr<File> Open(std::string_view path, OpenMode mode) override {
@@ -197,6 +190,37 @@ class PosixFiles : public Files {
   }
 
  private:
+  // `known` gives the attributes of the stream's present entry, or nothing to have it looked at.
+  template <typename Known>
+  std::vector<DirectoryEntry> List(std::string_view folder, Known known) {
+    std::string host = paths_.Exact(folder).host;
+    std::optional<DirectoryStream> stream(std::in_place, host);
+    if (stream->Error() == ENOENT || stream->Error() == ENOTDIR) {
+      host = paths_.Locate(folder).host;
+      stream.emplace(host);
+    }
+    const AtPath at(host);
+    const std::string place = at.ProcPath() + "/";
+    std::vector<DirectoryEntry> entries;
+    while (const char* name = stream->Next()) {
+      DirectoryEntry entry;
+      if (const auto attributes = known(*stream)) {
+        entry.attributes = *attributes;
+      } else if (!ReadEntry(stream->Fd(), name, place + name, entry) && errno == ENOENT) {
+        continue;  // one that vanished since; one that cannot be looked at is still named
+      }
+      entry.name = ShownName(name);
+      entries.push_back(std::move(entry));
+    }
+    // A folder that is missing as a whole is a missing path.
+    if (stream->Error() == ENOENT) throw RuntimeError(ErrorNumber::kPathNotFound, folder, ENOENT);
+    if (stream->Error() != 0) RaiseErrno(stream->Error(), folder);
+    std::sort(entries.begin(), entries.end(), [less = LessText()](const auto& a, const auto& b) {
+      return less(a.name, b.name) || (!less(b.name, a.name) && a.name < b.name);
+    });
+    return entries;
+  }
+
   static std::string_view LastComponent(std::string_view host) {
     return host.substr(host.rfind('/') + 1);
   }

@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <limits>
 #include <utility>
@@ -18,17 +19,29 @@ namespace {
 
 class PosixFile : public File {
  public:
-  PosixFile(UniqueFd fd, std::string_view about) : fd_(std::move(fd)), about_(about) {}
+  // `size` is how large the file is at this moment; 0 when that is of no use.
+  PosixFile(UniqueFd fd, std::string_view about, uint64_t size = 0)
+      : fd_(std::move(fd)), about_(about), left_(size) {}
 
   size_t Read(std::span<char> buffer) override {
+    // A piece that was cut short at the size which the file had ends it. Most files are read in
+    // one piece, and this saves the second call; the next one looks again.
+    if (std::exchange(ended_, false)) return 0;
     for (;;) {
       const ssize_t count = read(fd_.Get(), buffer.data(), buffer.size());
-      if (count >= 0) return static_cast<size_t>(count);
-      if (errno != EINTR) RaiseErrno(errno, about_);
+      if (count < 0) {
+        if (errno != EINTR) RaiseErrno(errno, about_);
+        continue;
+      }
+      const auto bytes = static_cast<size_t>(count);
+      ended_ = bytes > 0 && bytes == left_ && bytes < buffer.size();
+      left_ -= std::min<uint64_t>(left_, bytes);
+      return bytes;
     }
   }
 
   void Write(std::string_view bytes) override {
+    ForgetEnd();
     while (!bytes.empty()) {
       const ssize_t count = write(fd_.Get(), bytes.data(), bytes.size());
       if (count >= 0) {
@@ -40,6 +53,7 @@ class PosixFile : public File {
   }
 
   void Seek(uint64_t position) override {
+    ForgetEnd();
     if (position > static_cast<uint64_t>(std::numeric_limits<off_t>::max())) {
       throw RuntimeError(ErrorNumber::kInvalidCall, about_);
     }
@@ -57,8 +71,15 @@ class PosixFile : public File {
   }
 
  private:
+  void ForgetEnd() {
+    ended_ = false;
+    left_ = 0;
+  }
+
   UniqueFd fd_;
   std::string about_;
+  uint64_t left_;  // bytes to the size that the file had; 0 when that is not known
+  bool ended_ = false;
 };
 
 struct stat StatusOfPlainFile(const UniqueFd& fd, std::string_view about) {
@@ -71,14 +92,15 @@ struct stat StatusOfPlainFile(const UniqueFd& fd, std::string_view about) {
 }
 
 // Not valid when nothing stands there.
-UniqueFd OpenSource(const std::string& host, std::string_view about) {
+UniqueFd OpenSource(const std::string& host, std::string_view about, uint64_t& size) {
   const AtPath at(host);
   // Opening a pipe would wait for its other end.
   UniqueFd fd(openat(at.Folder(), at.Name(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
   if (!fd.Valid() && (errno == ENOENT || errno == ENOTDIR)) return fd;
-  StatusOfPlainFile(fd, about);
-  // Files are read from front to end; advice that is refused costs nothing.
-  posix_fadvise(fd.Get(), 0, 0, POSIX_FADV_SEQUENTIAL);
+  size = static_cast<uint64_t>(StatusOfPlainFile(fd, about).st_size);
+  // Files are read from front to end; a small one is there with the first look anyway.
+  constexpr uint64_t kLarge = uint64_t{128} << 10;
+  if (size > kLarge) posix_fadvise(fd.Get(), 0, 0, POSIX_FADV_SEQUENTIAL);
   return fd;
 }
 
@@ -115,9 +137,10 @@ void CopyBytes(int from, int to, std::string_view about) {
 }  // namespace
 
 std::unique_ptr<File> OpenForReading(const std::string& host, std::string_view about) {
-  UniqueFd fd = OpenSource(host, about);
+  uint64_t size = 0;
+  UniqueFd fd = OpenSource(host, about, size);
   if (!fd.Valid()) return nullptr;
-  return std::make_unique<PosixFile>(std::move(fd), about);
+  return std::make_unique<PosixFile>(std::move(fd), about, size);
 }
 
 std::unique_ptr<File> OpenForWriting(const ChangePlace& place, std::string_view about,
@@ -130,7 +153,8 @@ std::unique_ptr<File> OpenForWriting(const ChangePlace& place, std::string_view 
 
 void CopyFile(const std::string& host, std::string_view about, const ChangePlace& target,
               std::string_view aboutTarget) {
-  const UniqueFd source = OpenSource(host, about);
+  uint64_t size = 0;
+  const UniqueFd source = OpenSource(host, about, size);
   const struct stat status = StatusOfPlainFile(source, about);
   if (target.Exists() && target.Status().st_dev == status.st_dev &&
       target.Status().st_ino == status.st_ino) {
