@@ -138,7 +138,7 @@ void DeepScan::FindFilesAPI(std::string_view path) {
       continue;
     }
     // An error ends the work on the folder and on all below it.
-    if (!Reporting(u_.log, "FindFilesAPI", [&] { InspectEntry(step, ahead); })) {
+    if (!Reporting(u_.log, "FindFilesAPI", [&] { InspectEntry(step, walk, ahead); })) {
       walk.skipped = step.entry.folder;
     }
   }
@@ -150,20 +150,27 @@ void DeepScan::ShowProgress(const std::string& path) {
   ProgressBar& bar = u_.page.pbgMain;
   if (bar.Value() + 1 <= bar.Max()) bar.SetValue(bar.Value() + 1);
   u_.page.lblScanning.SetCaption(path);
-  u_.page.lblPercentageCompleted.SetCaption(
-      "Deep system scan " + std::to_string(std::min(PercentOf(bar), 99)) + "% completed.");
+  ShowPercent(u_.page.lblPercentageCompleted, "Deep system scan ", std::min(PercentOf(bar), 99),
+              "% completed.");
 }
 
-std::string DeepScan::HashOf(const std::string& path, HashQueue* queue) {
-  if (queue) return queue->Next([this] { return GoesOn(); });
+std::string DeepScan::HashOf(const std::string& path, Walk& walk, HashQueue* queue) {
+  if (queue) {
+    return queue->Next([&] {
+      if (!GoesOn()) return false;
+      // While one large file is awaited the others go on.
+      TakeAhead(walk, queue);
+      return true;
+    });
+  }
   return HashFile(u_.files, path, [this] { return !GoesOn(); });
 }
 
-void DeepScan::InspectEntry(const Step& step, HashQueue* queue) {
+void DeepScan::InspectEntry(const Step& step, Walk& walk, HashQueue* queue) {
   const std::string path = step.entry.Path();
   ShowProgress(path);
   if (!step.hashed) return;
-  const std::string hash = HashOf(path, queue);
+  const std::string hash = HashOf(path, walk, queue);
   if (u_.flags.scanStopRequested) return;
   if (hash == kNoHash) {
     u_.unread.Add("file", path);

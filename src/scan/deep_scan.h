@@ -63,9 +63,9 @@ class DeepScan {
   void ScanBelow(std::string_view path, double maximum);
   void FindFilesAPI(std::string_view path);
   void TakeAhead(Walk& walk, HashQueue* queue);
-  void InspectEntry(const Step& step, HashQueue* queue);
+  void InspectEntry(const Step& step, Walk& walk, HashQueue* queue);
   void ShowProgress(const std::string& path);
-  std::string HashOf(const std::string& path, HashQueue* queue);
+  std::string HashOf(const std::string& path, Walk& walk, HashQueue* queue);
   bool GoesOn();
   void EnterFind(const std::string& path, size_t position);
 

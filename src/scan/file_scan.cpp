@@ -38,8 +38,8 @@ void FileScan::ScanSignatureFiles() {
 void FileScan::ShowProgress() {
   const int inspected = CountUp(u_.page.lblFilesFolderInspected);
   if (inspected <= u_.page.pbgMain.Max()) u_.page.pbgMain.SetValue(inspected);
-  u_.page.lblPercentageCompleted.SetCaption(
-      PercentCaption("Scanning Signature Files/Folder", u_.page.pbgMain));
+  ShowPercent(u_.page.lblPercentageCompleted,
+              "Scanning Signature Files/Folder : ", PercentOf(u_.page.pbgMain), "% Completed.");
 }
 
 void FileScan::ScanLine(std::string_view line, Phase& phase) {
@@ -136,8 +136,11 @@ void FileScan::CheckValidFile(std::string_view path, std::string_view company,
 bool FileScan::IsThreat(std::string_view path, std::string_view company, std::string_view hash) {
   if (GetFileExtension(path) == "lnk") return true;
   const auto hashFits = [&] {
-    const std::string itsHash = HashFile(u_.files, path);
-    if (itsHash == kNoHash) u_.unread.Add("file", path);
+    const std::string itsHash = HashFile(u_.files, path, [this] {
+      u_.host.DoEvents();
+      return u_.flags.scanStopRequested;
+    });
+    if (itsHash == kNoHash && !u_.flags.scanStopRequested) u_.unread.Add("file", path);
     return EqualText(itsHash, hash);
   };
   if (EqualText(company, "unknown")) return !hash.empty() && hashFits();

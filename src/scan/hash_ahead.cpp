@@ -1,14 +1,18 @@
 #include "scan/hash_ahead.h"
 
+#include <algorithm>
 #include <chrono>
+#include <iterator>
 
 #include "base/runtime_error.h"
 
 namespace quarnel {
 namespace {
 
-// Every file under way is an open descriptor; so many keep the lanes of all threads filled.
+// Every file that is not hashed yet is an open descriptor; so many keep the lanes of all threads
+// filled, and with so few it is time for more.
 constexpr size_t kMostPending = 256;
+constexpr size_t kFewPending = kMostPending / 2;
 
 constexpr auto kPatience = std::chrono::milliseconds(5);
 
@@ -29,12 +33,17 @@ void HashPool::Job::Done(const Md5Digest& digest) {
 }
 
 void HashPool::Job::Finish() {
+  const std::shared_ptr<Job> self = std::move(self_);
   file_.reset();
+  HashPool& pool = pool_;
+  const bool low = pool.unfinished_.fetch_sub(1) == kFewPending;
   done_.store(true);
-  if (!pool_.someoneWaits_.load()) return;
+  const Job* const awaited = pool.awaited_.load();
+  // Waking the one thread costs more than hashing a small file: only for what it waits for.
+  if (awaited == nullptr || (awaited != this && !low)) return;
   // The lock keeps the signal from falling between the waiter's look and its sleep.
-  const std::scoped_lock lock(pool_.mutex_);
-  pool_.jobEnded_.notify_all();
+  const std::scoped_lock lock(pool.mutex_);
+  pool.jobEnded_.notify_all();
 }
 
 HashPool::HashPool(unsigned threads, Md5Level level) {
@@ -44,6 +53,7 @@ HashPool::HashPool(unsigned threads, Md5Level level) {
 }
 
 void HashPool::Submit(const Jobs& jobs) {
+  unfinished_.fetch_add(jobs.size());
   {
     const std::scoped_lock lock(mutex_);
     waiting_.insert(waiting_.end(), jobs.begin(), jobs.end());
@@ -51,43 +61,45 @@ void HashPool::Submit(const Jobs& jobs) {
   jobsCame_.notify_all();
 }
 
-std::shared_ptr<HashPool::Job> HashPool::Take() {
+// A few jobs at a time, and no more than this thread's share of what is left.
+void HashPool::Take(Jobs& jobs) {
+  constexpr size_t kMost = 16;
   const std::scoped_lock lock(mutex_);
-  if (waiting_.empty()) return nullptr;
-  std::shared_ptr<Job> job = std::move(waiting_.front());
-  waiting_.pop_front();
-  return job;
+  const size_t share = (waiting_.size() + threads_.size() - 1) / threads_.size();
+  const auto end = waiting_.begin() + static_cast<std::ptrdiff_t>(std::min(share, kMost));
+  // The last one is handed out first.
+  jobs.assign(std::make_reverse_iterator(end), std::make_reverse_iterator(waiting_.begin()));
+  waiting_.erase(waiting_.begin(), end);
 }
 
 void HashPool::Work(const std::stop_token& stop, Md5Level level) {
   Md5Batch batch(level);
+  Jobs taken;
   while (!stop.stop_requested()) {
     {
       std::unique_lock lock(mutex_);
       if (!jobsCame_.wait(lock, stop, [this] { return !waiting_.empty(); })) return;
     }
-    // The jobs of a run are kept until its end: the batch refers to them.
-    Jobs taken;
     batch.Run([&]() -> Md5Message* {
-      std::shared_ptr<Job> job = stop.stop_requested() ? nullptr : Take();
-      if (!job) return nullptr;
-      taken.push_back(std::move(job));
-      return taken.back().get();
+      if (stop.stop_requested()) return nullptr;
+      if (taken.empty()) Take(taken);
+      if (taken.empty()) return nullptr;
+      Job* const job = taken.back().get();
+      job->self_ = std::move(taken.back());
+      taken.pop_back();
+      return job;
     });
   }
 }
 
 bool HashPool::Wait(const Job& job, const std::function<bool()>& whileWaiting) {
-  if (job.IsDone()) return true;
-  std::unique_lock lock(mutex_);
-  someoneWaits_.store(true);
-  bool goOn = true;
-  while (goOn && !jobEnded_.wait_for(lock, kPatience, [&] { return job.IsDone(); })) {
-    lock.unlock();
-    goOn = whileWaiting();
-    lock.lock();
+  awaited_.store(&job);
+  while (!job.IsDone()) {
+    if (!whileWaiting()) break;
+    std::unique_lock lock(mutex_);
+    if (!job.IsDone()) jobEnded_.wait_for(lock, kPatience);
   }
-  someoneWaits_.store(false);
+  awaited_.store(nullptr);
   return job.IsDone();
 }
 
@@ -106,9 +118,9 @@ void HashQueue::Flush() {
   added_.clear();
 }
 
-bool HashQueue::Full() const { return underWay_.size() + added_.size() >= kMostPending; }
+bool HashQueue::Full() const { return pool_.Unfinished() + added_.size() >= kMostPending; }
 
-bool HashQueue::RunsLow() const { return underWay_.size() < kMostPending / 2; }
+bool HashQueue::RunsLow() const { return pool_.Unfinished() < kFewPending; }
 
 std::string HashQueue::Next(const std::function<bool()>& whileWaiting) {
   const std::shared_ptr<HashPool::Job> job = underWay_.front();

@@ -37,6 +37,7 @@ class HashPool {
 
     HashPool& pool_;
     std::unique_ptr<File> file_;
+    std::shared_ptr<Job> self_;  // while a thread works on it
     std::string hash_{kNoHash};
     std::atomic<bool> done_ = false;
     std::atomic<bool> abandoned_ = false;
@@ -46,19 +47,22 @@ class HashPool {
   explicit HashPool(unsigned threads, Md5Level level = BestMd5Level());
 
   void Submit(const Jobs& jobs);
-  // Waits until a job is done, calling `whileWaiting` every few milliseconds; false when that
-  // answered false first.
+  // Waits until a job is done, calling `whileWaiting` every few milliseconds and whenever the jobs
+  // run low, so that it can submit more; false when that answered false first.
   bool Wait(const Job& job, const std::function<bool()>& whileWaiting);
+  // The jobs that were submitted and are not done: so many files are open.
+  size_t Unfinished() const { return unfinished_.load(std::memory_order_relaxed); }
 
  private:
   void Work(const std::stop_token& stop, Md5Level level);
-  std::shared_ptr<Job> Take();
+  void Take(Jobs& jobs);
 
   std::mutex mutex_;
   std::condition_variable_any jobsCame_;
   std::condition_variable jobEnded_;
   std::deque<std::shared_ptr<Job>> waiting_;
-  std::atomic<bool> someoneWaits_ = false;
+  std::atomic<size_t> unfinished_ = 0;
+  std::atomic<const Job*> awaited_ = nullptr;
   std::vector<std::jthread> threads_;
 };
 
@@ -73,7 +77,8 @@ class HashQueue {
   // A file to be hashed; a null one was not readable. It is started by the next Flush.
   void Add(std::unique_ptr<File> file);
   void Flush();
-  // Whether enough is under way, and whether more should be added before the next hash is taken.
+  // Whether enough is open, and whether more should be added before the next hash is taken. What is
+  // hashed and waits for its turn does not count.
   bool Full() const;
   bool RunsLow() const;
   // The hash of the file that was added first of those not yet taken; there must be one. kNoHash

@@ -60,7 +60,8 @@ void MemoryScan::MemoryItemsInspection(ProgressBar& progressBar) {
     for (int i = 0; i <= last && !u_.flags.alertScanRequested; ++i) {
       progressBar.SetValue(i);
       if (InScan()) u_.page.lblMemoryInspected.SetCaption(std::to_string(i));
-      u_.page.lblPercentageCompleted.SetCaption(PercentCaption("Scanning Memory", progressBar));
+      ShowPercent(u_.page.lblPercentageCompleted, "Scanning Memory : ", PercentOf(progressBar),
+                  "% Completed.");
       DoEvents();
       const ProcessRecord& process = processes[static_cast<size_t>(i)];
       if (const auto path = u_.processes.MainModulePath(process.id)) {

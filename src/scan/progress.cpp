@@ -1,5 +1,9 @@
 #include "scan/progress.h"
 
+#include <array>
+#include <charconv>
+#include <string>
+
 #include "base/text.h"
 
 namespace quarnel {
@@ -8,10 +12,17 @@ int PercentOf(const ProgressBar& bar) {
   return bar.Max() == 0 ? 0 : ToInteger(bar.Value() / bar.Max() * 100);
 }
 
-std::string PercentCaption(std::string_view phase, const ProgressBar& bar) {
-  std::string caption(phase);
-  caption.append(" : ").append(std::to_string(PercentOf(bar))).append("% Completed.");
-  return caption;
+void ShowPercent(Label& label, std::string_view before, int percent, std::string_view behind) {
+  std::array<char, 12> digits{};
+  const char* const end = std::to_chars(digits.begin(), digits.end(), percent).ptr;
+  const std::string_view number(digits.data(), static_cast<size_t>(end - digits.data()));
+  // A phase comes here with every line, and most lines change nothing.
+  const std::string_view shown = label.Caption();
+  if (shown.size() == before.size() + number.size() + behind.size() && shown.starts_with(before) &&
+      shown.ends_with(behind) && shown.substr(before.size(), number.size()) == number) {
+    return;
+  }
+  label.SetCaption(std::string(before).append(number).append(behind));
 }
 
 int CountUp(Label& counter) {

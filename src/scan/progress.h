@@ -1,6 +1,5 @@
 #pragma once
 
-#include <string>
 #include <string_view>
 
 #include "controls/simple_controls.h"
@@ -10,8 +9,9 @@ namespace quarnel {
 // How far a bar stands, in percent rounded half to even; 0 for a bar that has no length.
 int PercentOf(const ProgressBar& bar);
 
-// A caption such as "Scanning Registry : 12% Completed.".
-std::string PercentCaption(std::string_view phase, const ProgressBar& bar);
+// Sets a caption such as "Scanning Registry : 12% Completed.": the text in front of the number, the
+// number, the text behind it. Costs little while the number stays the same.
+void ShowPercent(Label& label, std::string_view before, int percent, std::string_view behind);
 
 // A counter's caption raised by one; its new value.
 int CountUp(Label& counter);

@@ -79,7 +79,8 @@ void RegistryScan::ReadKeyField(std::string_view field, Record& record) {
 void RegistryScan::ScanLine(std::string_view line, Record& record) {
   const int inspected = CountUp(u_.page.lblRegistryInspected);
   if (inspected <= u_.page.pbgMain.Max()) u_.page.pbgMain.SetValue(inspected);
-  u_.page.lblPercentageCompleted.SetCaption(PercentCaption("Scanning Registry", u_.page.pbgMain));
+  ShowPercent(u_.page.lblPercentageCompleted, "Scanning Registry : ", PercentOf(u_.page.pbgMain),
+              "% Completed.");
 
   const SignatureFields fields(line);
   record.mainKey = std::to_string(static_cast<int32_t>(GetMainKeyFromFile(fields[kMainKey])));
