@@ -51,7 +51,7 @@ void CookieScan::LoadFileInListView(std::string_view file, ListView& list) {
 
 std::vector<std::string> CookieScan::LoadPatterns() {
   const std::string folder = GetPathWithSlash(GetWindowsSystemDirectory(u_.machine));
-  const ComplementTools tools{u_.files, u_.host, u_.log, u_.title};
+  const ComplementTools tools{u_.files, u_.host, u_.log, title_};
   const std::string plain = folder + std::string(kPlainPatterns);
   ComplementFile(tools, SignaturePath(u_.machine, signature_file::kBlockedCookies), plain);
   u_.page.lvwBlockedCookies.Clear();

@@ -3,14 +3,8 @@
 #include <string>
 #include <string_view>
 
-#include "controls/host.h"
-#include "core/error_log.h"
-#include "core/settings.h"
-#include "platform/files.h"
-#include "platform/machine.h"
 #include "scan/pattern_set.h"
-#include "scan/results.h"
-#include "scan/scan_page.h"
+#include "scan/scan_context.h"
 
 namespace quarnel {
 
@@ -22,18 +16,9 @@ inline constexpr std::string_view kTrackingCookies = "Tracking Cookies";
 // list of blocked patterns. The same procedures delete the ticked cookies.
 class CookieScan {
  public:
-  struct Uses {
-    ScanPage& page;
-    ResultsPage& resultsPage;
-    const ScanFlags& flags;
-    Results& results;
-    Files& files;
-    Machine& machine;
-    Host& host;
-    ErrorLog& log;
-    std::string title;  // of message boxes
-  };
-  explicit CookieScan(Uses uses) : u_(std::move(uses)) {}
+  // `title` is that of message boxes.
+  CookieScan(const ScanContext& context, std::string title)
+      : u_(context), title_(std::move(title)) {}
 
   // Scans the user's cookie folder into `list`, and with `bDelete` deletes ticked rows of it
   // instead. Does nothing when the user has no such folder.
@@ -61,7 +46,8 @@ class CookieScan {
   void Enter(const std::string& path, ListView& list);
   void DeleteTicked(ListView& list);
 
-  Uses u_;
+  ScanContext u_;
+  std::string title_;
 };
 
 // The domain in a cookie file's name: user name, "@", domain, "[", a number, "].txt". Empty without

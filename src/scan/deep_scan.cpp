@@ -103,7 +103,9 @@ bool DeepScan::GoesOn() {
 // while the entries are shown one by one.
 void DeepScan::TakeAhead(Walk& walk, HashQueue* queue) {
   // In one go from half full to full: the pool's lock is taken once for many files.
-  constexpr size_t kMostAhead = 4096;
+  // So many entries are worked on while one large file, which takes a thread as long as anything
+  // its size, is awaited.
+  constexpr size_t kMostAhead = 16384;
   if (!walk.ahead.empty() && (!queue || !queue->RunsLow() || walk.ahead.size() > kMostAhead / 2)) {
     return;
   }

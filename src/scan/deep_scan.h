@@ -4,15 +4,9 @@
 #include <string>
 #include <string_view>
 
-#include "controls/host.h"
-#include "core/error_log.h"
-#include "platform/files.h"
-#include "platform/machine.h"
 #include "scan/hash_ahead.h"
-#include "scan/results.h"
-#include "scan/scan_page.h"
+#include "scan/scan_context.h"
 #include "scan/tree_walk.h"
-#include "scan/unread.h"
 #include "signatures/hash_index.h"
 
 namespace quarnel {
@@ -21,20 +15,9 @@ namespace quarnel {
 // threat is found wherever it lies.
 class DeepScan {
  public:
-  struct Uses {
-    ScanPage& page;
-    ResultsPage& resultsPage;
-    const ScanFlags& flags;
-    Unread& unread;
-    Results& results;
-    Files& files;
-    Machine& machine;
-    Host& host;
-    ErrorLog& log;
-  };
   // `pool` hashes ahead of the walk; without one each file is hashed when its turn comes, with the
   // same results.
-  DeepScan(const Uses& uses, HashPool* pool) : u_(uses), pool_(pool) {}
+  DeepScan(const ScanContext& context, HashPool* pool) : u_(context), pool_(pool) {}
 
   // Loads SignatureHashText; false when its file is missing.
   bool LoadSignatureHashText();
@@ -69,7 +52,7 @@ class DeepScan {
   bool GoesOn();
   void EnterFind(const std::string& path, size_t position);
 
-  Uses u_;
+  ScanContext u_;
   HashPool* pool_;
   HashIndex signatureHashText_;
   double total_ = 0;

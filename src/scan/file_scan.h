@@ -6,15 +6,9 @@
 #include <string_view>
 #include <vector>
 
-#include "controls/host.h"
 #include "core/dir_drill.h"
-#include "core/error_log.h"
-#include "platform/files.h"
-#include "platform/machine.h"
 #include "scan/folder_index.h"
-#include "scan/results.h"
-#include "scan/scan_page.h"
-#include "scan/unread.h"
+#include "scan/scan_context.h"
 #include "signatures/signature_files.h"
 
 namespace quarnel {
@@ -23,17 +17,7 @@ namespace quarnel {
 // described threat becomes a trace.
 class FileScan {
  public:
-  struct Uses {
-    ScanPage& page;
-    const ScanFlags& flags;
-    Unread& unread;
-    Results& results;
-    Files& files;
-    Machine& machine;
-    Host& host;
-    ErrorLog& log;
-  };
-  explicit FileScan(const Uses& uses) : u_(uses) {}
+  explicit FileScan(const ScanContext& context) : u_(context) {}
 
   void ScanSignatureFiles();
 
@@ -69,7 +53,7 @@ class FileScan {
   void TestCandidate(const Candidate& candidate, Phase& phase);
   bool IsThreat(std::string_view path, std::string_view company, std::string_view hash);
 
-  Uses u_;
+  ScanContext u_;
 };
 
 }  // namespace quarnel

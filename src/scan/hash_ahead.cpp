@@ -28,7 +28,7 @@ std::optional<std::string_view> HashPool::Job::Next(std::span<char> buffer) {
 }
 
 void HashPool::Job::Done(const Md5Digest& digest) {
-  hash_ = HexText(digest);
+  digest_ = digest;
   Finish();
 }
 
@@ -57,12 +57,14 @@ void HashPool::Submit(const Jobs& jobs) {
   {
     const std::scoped_lock lock(mutex_);
     waiting_.insert(waiting_.end(), jobs.begin(), jobs.end());
+    someWait_.store(true);
   }
   jobsCame_.notify_all();
 }
 
 // A few jobs at a time, and no more than this thread's share of what is left.
 void HashPool::Take(Jobs& jobs) {
+  if (!someWait_.load()) return;
   constexpr size_t kMost = 16;
   const std::scoped_lock lock(mutex_);
   const size_t share = (waiting_.size() + threads_.size() - 1) / threads_.size();
@@ -70,6 +72,7 @@ void HashPool::Take(Jobs& jobs) {
   // The last one is handed out first.
   jobs.assign(std::make_reverse_iterator(end), std::make_reverse_iterator(waiting_.begin()));
   waiting_.erase(waiting_.begin(), end);
+  someWait_.store(!waiting_.empty());
 }
 
 void HashPool::Work(const std::stop_token& stop, Md5Level level) {

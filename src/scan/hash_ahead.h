@@ -6,6 +6,7 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <stop_token>
 #include <string>
 #include <thread>
@@ -25,7 +26,7 @@ class HashPool {
     Job(HashPool& pool, std::unique_ptr<File> file) : pool_(pool), file_(std::move(file)) {}
     bool IsDone() const { return done_.load(std::memory_order_acquire); }
     // 32 digits, or kNoHash for a file that could not be read to its end.
-    const std::string& Hash() const { return hash_; }
+    std::string Hash() const { return digest_ ? HexText(*digest_) : std::string(kNoHash); }
     // Ends the work on it soon.
     void Abandon() { abandoned_.store(true, std::memory_order_relaxed); }
 
@@ -38,7 +39,7 @@ class HashPool {
     HashPool& pool_;
     std::unique_ptr<File> file_;
     std::shared_ptr<Job> self_;  // while a thread works on it
-    std::string hash_{kNoHash};
+    std::optional<Md5Digest> digest_;
     std::atomic<bool> done_ = false;
     std::atomic<bool> abandoned_ = false;
   };
@@ -61,6 +62,7 @@ class HashPool {
   std::condition_variable_any jobsCame_;
   std::condition_variable jobEnded_;
   std::deque<std::shared_ptr<Job>> waiting_;
+  std::atomic<bool> someWait_ = false;  // whether `waiting_` has jobs, for a look without the lock
   std::atomic<size_t> unfinished_ = 0;
   std::atomic<const Job*> awaited_ = nullptr;
   std::vector<std::jthread> threads_;

@@ -48,10 +48,10 @@ HashIndex MemoryScan::LoadPrograms() {
 void MemoryScan::MemoryItemsInspection(ProgressBar& progressBar) {
   Reporting(u_.log, "MemoryItemsInspection of ModMemoryItemsInspected", [&] {
     std::vector<ProcessRecord> processes;
-    const int count = Process32_Enum(u_.processes, processes, [this] { DoEvents(); });
+    const int count = Process32_Enum(processes_, processes, [this] { DoEvents(); });
     if (count == u_.flags.lastProcessCount) return;
     u_.flags.lastProcessCount = count;
-    const int last = Process32_Enum(u_.processes, processes, [this] { DoEvents(); });
+    const int last = Process32_Enum(processes_, processes, [this] { DoEvents(); });
     if (!SignaturePresent(u_.files, u_.machine, signature_file::kPrograms)) return;
     const HashIndex signatures = LoadPrograms();
     progressBar.SetValue(0);
@@ -64,7 +64,7 @@ void MemoryScan::MemoryItemsInspection(ProgressBar& progressBar) {
                   "% Completed.");
       DoEvents();
       const ProcessRecord& process = processes[static_cast<size_t>(i)];
-      if (const auto path = u_.processes.MainModulePath(process.id)) {
+      if (const auto path = processes_.MainModulePath(process.id)) {
         Inspect(*path, signatures);
       } else if (process.id != 0) {  // the idle entry stands for no program
         u_.unread.Add("process", process.executable);
@@ -78,7 +78,7 @@ void MemoryScan::CountProcessIn95() {
     if (!SignaturePresent(u_.files, u_.machine, signature_file::kPrograms)) return;
     const HashIndex signatures = LoadPrograms();
     std::vector<ProcessRecord> processes;
-    Process32_Enum(u_.processes, processes, [this] { DoEvents(); });
+    Process32_Enum(processes_, processes, [this] { DoEvents(); });
     u_.page.pbgMain.SetMax(100);
     u_.page.lblStatus.SetCaption(" ");
     for (const ProcessRecord& process : processes) {
@@ -127,11 +127,11 @@ void MemoryScan::DetectRunningEXE(std::string_view path, std::string_view compan
       u_.results.AddSpaywareToResults(path);
       return;
     }
-    u_.raiseAlert({.path = std::string(path),
-                   .company = std::string(company),
-                   .hash = std::string(hash),
-                   .typeName = std::string(typeName),
-                   .threatName = hit.threatName});
+    raiseAlert_({.path = std::string(path),
+                 .company = std::string(company),
+                 .hash = std::string(hash),
+                 .typeName = std::string(typeName),
+                 .threatName = hit.threatName});
   });
 }
 

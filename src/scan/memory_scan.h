@@ -4,14 +4,8 @@
 #include <string>
 #include <string_view>
 
-#include "controls/host.h"
-#include "core/error_log.h"
-#include "platform/files.h"
-#include "platform/machine.h"
 #include "platform/processes.h"
-#include "scan/results.h"
-#include "scan/scan_page.h"
-#include "scan/unread.h"
+#include "scan/scan_context.h"
 #include "signatures/hash_index.h"
 
 namespace quarnel {
@@ -32,20 +26,10 @@ struct MemoryAlert {
 // enabled Stop image tells, a hit goes to the results; otherwise it raises the alert.
 class MemoryScan {
  public:
-  struct Uses {
-    ScanPage& page;
-    ScanFlags& flags;
-    Unread& unread;
-    Results& results;
-    Processes& processes;
-    Files& files;
-    Machine& machine;
-    Host& host;
-    ErrorLog& log;
-    // Shows the alert and returns when it was answered.
-    std::function<void(const MemoryAlert& alert)> raiseAlert;
-  };
-  explicit MemoryScan(Uses uses) : u_(std::move(uses)) {}
+  // Shows the alert and returns when it was answered.
+  using RaiseAlert = std::function<void(const MemoryAlert& alert)>;
+  MemoryScan(const ScanContext& context, Processes& processes, RaiseAlert raiseAlert)
+      : u_(context), processes_(processes), raiseAlert_(std::move(raiseAlert)) {}
 
   // The NT family: inspects the main module of each process, unless the number of processes is that
   // of the last time.
@@ -71,7 +55,9 @@ class MemoryScan {
   void DoEvents() { u_.host.DoEvents(); }
   bool InScan() const { return u_.page.ImgStopScanMouseMove.Enabled(); }
 
-  Uses u_;
+  ScanContext u_;
+  Processes& processes_;
+  RaiseAlert raiseAlert_;
 };
 
 }  // namespace quarnel

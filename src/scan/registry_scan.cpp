@@ -73,7 +73,7 @@ void RegistryScan::ReadKeyField(std::string_view field, Record& record) {
   }
   const auto token = FindToken(field, opening);
   if (!token || token->word != "HKEYUSERVALUE") return;
-  record.key = "KEY:" + GetSSID(u_.registry) + "\\" + std::string(token->rest);
+  record.key = "KEY:" + GetSSID(registry_) + "\\" + std::string(token->rest);
 }
 
 void RegistryScan::ScanLine(std::string_view line, Record& record) {
@@ -106,7 +106,7 @@ void RegistryScan::ScanLine(std::string_view line, Record& record) {
 void RegistryScan::TestFolders(const Entry& entry) {
   const auto token = FindToken(entry.valueName, entry.valueName.find("[["));
   if (!token) return;
-  for (const std::string& folder : GetRegistryFolder(u_.machine, u_.registry, token->word)) {
+  for (const std::string& folder : GetRegistryFolder(u_.machine, registry_, token->word)) {
     if (u_.flags.scanStopRequested) return;
     Entry inFolder = entry;
     inFolder.valueName = folder + std::string(token->rest);
@@ -120,7 +120,7 @@ bool RegistryScan::Exists(const Entry& entry) {
   // could not be cleaned either.
   std::unique_ptr<RegistryKey> key;
   const RegistryStatus status =
-      u_.registry.Open(entry.hive, entry.key, registry_access::kReadWrite, key);
+      registry_.Open(entry.hive, entry.key, registry_access::kReadWrite, key);
   if (status == RegistryStatus::kAccessDenied) {
     u_.unread.Add("registry key", RegistryTraceText(HiveName(entry.hive), entry.key, ""));
   }
@@ -137,7 +137,7 @@ void RegistryScan::LoadSpywareRegistryToBeDeleted(Entry& entry) {
     if (entry.key.find("CB:") != std::string::npos) {
       entry.key.erase(0, 3);
       RegistryValue value;
-      if (!QueryValue(u_.registry, entry.hive, entry.key, entry.valueName, value)) {
+      if (!QueryValue(registry_, entry.hive, entry.key, entry.valueName, value)) {
         const size_t slash = entry.key.rfind('\\');
         if (slash == std::string::npos) return;
         entry.valueName = entry.key.substr(slash + 1);

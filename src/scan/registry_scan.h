@@ -4,14 +4,8 @@
 #include <string>
 #include <string_view>
 
-#include "controls/host.h"
-#include "core/error_log.h"
-#include "platform/files.h"
-#include "platform/machine.h"
 #include "platform/registry.h"
-#include "scan/results.h"
-#include "scan/scan_page.h"
-#include "scan/unread.h"
+#include "scan/scan_context.h"
 #include "signatures/signature_files.h"
 
 namespace quarnel {
@@ -29,19 +23,7 @@ std::string GetSSID(Registry& registry);
 // tested against the registry and entered in the results.
 class RegistryScan {
  public:
-  struct Uses {
-    ScanPage& page;
-    ResultsPage& resultsPage;
-    const ScanFlags& flags;
-    Unread& unread;
-    Results& results;
-    Registry& registry;
-    Files& files;
-    Machine& machine;
-    Host& host;
-    ErrorLog& log;
-  };
-  explicit RegistryScan(const Uses& uses) : u_(uses) {}
+  RegistryScan(const ScanContext& context, Registry& registry) : u_(context), registry_(registry) {}
 
   void ScanRegistry();
 
@@ -73,7 +55,8 @@ class RegistryScan {
   bool Exists(const Entry& entry);
   void Enter(const Entry& entry);
 
-  Uses u_;
+  ScanContext u_;
+  Registry& registry_;
 };
 
 }  // namespace quarnel

@@ -16,7 +16,7 @@ constexpr std::string_view kCongratulations = "Congratulations! No Spyware found
 
 Answer ScanController::Box(std::string_view text, MessageIcon icon, MessageButtons buttons) {
   return u_.host.MsgBox({.text = std::string(text),
-                         .title = u_.settings.ApplicationName(),
+                         .title = settings_.ApplicationName(),
                          .icon = icon,
                          .buttons = buttons});
 }
@@ -46,9 +46,9 @@ void ScanController::ResetPage() {
   u_.page.form.SetTag(kDoNotShow);
   results.lvwPicRemoveListOfSpywareFoundAndToBeRemoved.SetTag("0");
 
-  u_.surroundings.SelectScanTab();
-  u_.surroundings.Done();
-  u_.surroundings.SwitchSummary(false);
+  surroundings_.SelectScanTab();
+  surroundings_.Done();
+  surroundings_.SwitchSummary(false);
   for (Control* control : std::initializer_list<Control*>{
            &results.cmdDone, &results.cmdRemoveSpywares, &results.cmdCheckUncheckAll,
            &results.chkCreateRestore, &results.ImgAddToIgnoredListNormal,
@@ -75,7 +75,7 @@ void ScanController::ResetPage() {
 void ScanController::ImgStartScanMouseMove_Click() {
   Reporting(u_.log, "ImgStartScanMouseMove_Click in frmMain", [&] {
     ResetPage();
-    u_.surroundings.MakeTimersEnabledOrDisableAcordingToSetting(true);
+    surroundings_.MakeTimersEnabledOrDisableAcordingToSetting(true);
     ShowRunning(true);
     u_.results.RecomputeCounters();
     u_.flags.scanStopRequested = false;
@@ -87,15 +87,15 @@ void ScanController::ImgStartScanMouseMove_Click() {
     }
     const DateTime start = u_.host.clock().Now();
     const std::string historyKey = SingleText(static_cast<float>(SecondsOfDay(start)));
-    u_.settings.Save(setting::kScanStart, GeneralDateText(start));
-    if (u_.surroundings.MemoryShieldOn()) u_.surroundings.StopMemoryTimer();
+    settings_.Save(setting::kScanStart, GeneralDateText(start));
+    if (surroundings_.MemoryShieldOn()) surroundings_.StopMemoryTimer();
 
     StartScanning();
 
     u_.page.ImgStopScanMouseMove.SetEnabled(false);
     WriteHistory(historyKey, GeneralDateText(start));
-    u_.settings.Save(setting::kScanEnd, GeneralDateText(u_.host.clock().Now()));
-    u_.surroundings.RefreshSystemSummary();
+    settings_.Save(setting::kScanEnd, GeneralDateText(u_.host.clock().Now()));
+    surroundings_.RefreshSystemSummary();
     SaveLastScanResults();
     EndScan();
   });
@@ -108,19 +108,19 @@ void ScanController::EndScan() {
   u_.results.RecomputeCounters();
   u_.page.lblStatus.SetCaption(u_.flags.scanStopRequested ? "Scanning cancelled."
                                                           : "Scanning completed.");
-  u_.surroundings.MakeTimersEnabledOrDisableAcordingToSetting(false);
+  surroundings_.MakeTimersEnabledOrDisableAcordingToSetting(false);
   ListView& threats = results.lvwPicRemoveListOfSpywareFoundAndToBeRemoved;
   if (threats.Empty()) {
     if (threats.Tag() != "1") {
       Congratulate();
-      u_.surroundings.SwitchSummary(true);
-      u_.surroundings.Done();
+      surroundings_.SwitchSummary(true);
+      surroundings_.Done();
     }
     results.imgNext0.SetVisible(false);
     results.imgNext1.SetVisible(false);
     return;
   }
-  u_.surroundings.Next();
+  surroundings_.Next();
   if (u_.flags.scheduledScanRunning) {
     Box("Scheduled scan complete. Click [Next >>] button to proceed to the removal process.",
         MessageIcon::kInformation, MessageButtons::kOk);
@@ -193,28 +193,28 @@ void ScanController::MeasureBy(std::string_view signatureFile) {
 
 void ScanController::CookiePhase() {
   u_.page.form.Refresh();
-  if (!ToBoolean(u_.settings.GetOther(setting::kScanCookies))) return;
+  if (!ToBoolean(settings_.GetOther(setting::kScanCookies))) return;
   u_.page.lblStatus.SetCaption("Scanning Cookies...");
   u_.page.lblPercentageCompleted.SetCaption("Scanning Cookies...         ");
   if (Present(signature_file::kBlockedCookies)) {
     u_.resultsPage.lvwTrackingCookieObjectrecognized.Clear();
-    u_.cookieScan.DeleteSelectedCookies(u_.resultsPage.lvwTrackingCookieObjectrecognized, false);
+    phases_.cookies.DeleteSelectedCookies(u_.resultsPage.lvwTrackingCookieObjectrecognized, false);
   }
   u_.page.lblStatus.SetCaption("");
 }
 
 void ScanController::MemoryPhase() {
   NextPhase("Scanning Memory - 0% Completed");
-  if (!ToBoolean(u_.settings.GetOther(setting::kSweepMemory))) return;
+  if (!ToBoolean(settings_.GetOther(setting::kSweepMemory))) return;
   u_.page.lblStatus.SetCaption("Inspecting memory...");
   if (!Present(signature_file::kPrograms)) return;
   MeasureBy(signature_file::kPrograms);
-  switch (GetOSVersionInfo(u_.machine, u_.host, u_.settings.ApplicationName())) {
+  switch (GetOSVersionInfo(u_.machine, u_.host, settings_.ApplicationName())) {
     case static_cast<int>(SystemFamily::kWindows9x):
-      u_.memoryScan.CountProcessIn95();
+      phases_.memory.CountProcessIn95();
       break;
     case static_cast<int>(SystemFamily::kWindowsNt):
-      u_.memoryScan.MemoryItemsInspection(u_.page.pbgMain);
+      phases_.memory.MemoryItemsInspection(u_.page.pbgMain);
       break;
     default:
       break;
@@ -223,10 +223,10 @@ void ScanController::MemoryPhase() {
 
 void ScanController::RegistryPhase() {
   NextPhase("Scanning Registry - 0% Completed");
-  if (!ToBoolean(u_.settings.GetOther(setting::kScanRegistry))) return;
+  if (!ToBoolean(settings_.GetOther(setting::kScanRegistry))) return;
   if (!Present(signature_file::kRegistry)) return;
   MeasureBy(signature_file::kRegistry);
-  u_.registryScan.ScanRegistry();
+  phases_.registry.ScanRegistry();
 }
 
 void ScanController::FilePhase() {
@@ -234,17 +234,18 @@ void ScanController::FilePhase() {
   NextPhase("Scanning Files/Folder - 0% Completed");
   if (!Present(signature_file::kFiles)) return;
   MeasureBy(signature_file::kFiles);
-  u_.fileScan.ScanSignatureFiles();
+  phases_.files.ScanSignatureFiles();
 }
 
 void ScanController::DeepPhase() {
-  if (ValLong(u_.settings.Get(setting::kDeepScan)) != 1) return;
+  if (ValLong(settings_.Get(setting::kDeepScan)) != 1) return;
   u_.page.form.Refresh();
   for (size_t i = 0; i < u_.page.lvwHardDrives.Count(); ++i) {
     if (u_.flags.scanStopRequested) return;
     const ListRow row = u_.page.lvwHardDrives.At(i);
     // Each drive ends with the signatures forgotten, so each loads them.
-    if (row.checked && u_.deepScan.LoadSignatureHashText()) u_.deepScan.ScanDrive(row.key + ":\\");
+    if (row.checked && phases_.deep.LoadSignatureHashText())
+      phases_.deep.ScanDrive(row.key + ":\\");
   }
 }
 
@@ -284,12 +285,12 @@ void ScanController::ImgStopScanMouseMove_Click() {
     ListView& threats = u_.resultsPage.lvwPicRemoveListOfSpywareFoundAndToBeRemoved;
     if (threats.Empty() && threats.Tag() != "1") {
       if (!asksNothing()) Congratulate();
-      u_.surroundings.Done();
+      surroundings_.Done();
     }
     if (asksNothing()) {
-      u_.surroundings.Done();
+      surroundings_.Done();
     } else {
-      u_.surroundings.Next();
+      surroundings_.Next();
     }
   });
 }

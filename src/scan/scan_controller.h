@@ -3,18 +3,13 @@
 #include <string>
 #include <string_view>
 
-#include "controls/host.h"
-#include "core/error_log.h"
 #include "core/settings.h"
-#include "platform/files.h"
-#include "platform/machine.h"
 #include "scan/cookie_scan.h"
 #include "scan/deep_scan.h"
 #include "scan/file_scan.h"
 #include "scan/memory_scan.h"
 #include "scan/registry_scan.h"
-#include "scan/results.h"
-#include "scan/scan_page.h"
+#include "scan/scan_context.h"
 
 namespace quarnel {
 
@@ -37,25 +32,16 @@ class ScanSurroundings {
 // each step, so that Stop and Pause run nested inside it.
 class ScanController {
  public:
-  struct Uses {
-    ScanPage& page;
-    ResultsPage& resultsPage;
-    ScanFlags& flags;
-    Unread& unread;
-    ScanSurroundings& surroundings;
-    Results& results;
-    CookieScan& cookieScan;
-    MemoryScan& memoryScan;
-    RegistryScan& registryScan;
-    FileScan& fileScan;
-    DeepScan& deepScan;
-    Settings& settings;
-    Files& files;
-    Machine& machine;
-    Host& host;
-    ErrorLog& log;
+  struct Phases {
+    CookieScan& cookies;
+    MemoryScan& memory;
+    RegistryScan& registry;
+    FileScan& files;
+    DeepScan& deep;
   };
-  explicit ScanController(const Uses& uses) : u_(uses) {}
+  ScanController(const ScanContext& context, const Phases& phases, ScanSurroundings& surroundings,
+                 Settings& settings)
+      : u_(context), phases_(phases), surroundings_(surroundings), settings_(settings) {}
 
   // A whole scan; returns when it is over.
   void ImgStartScanMouseMove_Click();
@@ -89,7 +75,10 @@ class ScanController {
 
   Answer Box(std::string_view text, MessageIcon icon, MessageButtons buttons);
 
-  Uses u_;
+  ScanContext u_;
+  Phases phases_;
+  ScanSurroundings& surroundings_;
+  Settings& settings_;
 };
 
 }  // namespace quarnel

@@ -216,8 +216,9 @@ void Md5Batch::Engine::Hash() {
 }
 
 void Md5Batch::Engine::Run(const std::function<Md5Message*()>& next) {
-  bool more = true;
   for (;;) {
+    // Asked anew in each round: a long message in one lane must not keep the others empty.
+    bool more = true;
     bool any = false;
     for (size_t lane = 0; lane < Lanes(); ++lane) {
       if (blocks_[lane] == 0 && (more || lanes_[lane].message != nullptr)) {

@@ -43,7 +43,8 @@ class Md5Batch {
   size_t Lanes() const;
 
   // Hashes every message that `next` hands out, until it gives null and all are done. `next` is
-  // asked whenever a lane is free; it gets no message back but by Done. Messages end in any order.
+  // asked whenever a lane is free, and after a null again with the next pieces of the messages in
+  // work; it gets no message back but by Done. Messages end in any order.
   void Run(const std::function<Md5Message*()>& next);
 
  private:

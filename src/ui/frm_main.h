@@ -191,6 +191,7 @@ class frmMain : public Form, private ScanSurroundings {
   Unread unread_;
   SafeList safeList_;
   Results resultsModel_;
+  ScanContext scanContext_;
   CookieScan cookieScan_;
   MemoryScan memoryScan_;
   RegistryScan registryScan_;

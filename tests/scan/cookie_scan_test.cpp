@@ -21,15 +21,7 @@ class CookieScanTest : public ScanTest {
     });
   }
 
-  CookieScan cookieScan{{.page = page,
-                         .resultsPage = resultsPage,
-                         .flags = flags,
-                         .results = results,
-                         .files = files(),
-                         .machine = machine(),
-                         .host = host,
-                         .log = log,
-                         .title = "Quarnel"}};
+  CookieScan cookieScan{context, "Quarnel"};
   std::string folder = GetPath(machine(), csidl::kCookies);
 
   std::string Cookie(std::string_view name, std::string_view itsHost) {

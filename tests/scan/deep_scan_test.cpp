@@ -20,18 +20,7 @@ class DeepScanTest : public ScanTest {
  protected:
   HashPool pool{2};
 
-  DeepScan Make(HashPool* hashPool) {
-    return DeepScan({.page = page,
-                     .resultsPage = resultsPage,
-                     .flags = flags,
-                     .unread = unread,
-                     .results = results,
-                     .files = files(),
-                     .machine = machine(),
-                     .host = host,
-                     .log = log},
-                    hashPool);
-  }
+  DeepScan Make(HashPool* hashPool) { return DeepScan(context, hashPool); }
   void Clear() {
     resultsPage.vbatvwResults.Clear();
     resultsPage.sfttvwResults.Clear();

@@ -21,14 +21,7 @@ constexpr int kProgramFiles = 31;
 
 class FileScanTest : public ScanTest {
  protected:
-  FileScan fileScan{{.page = page,
-                     .flags = flags,
-                     .unread = unread,
-                     .results = results,
-                     .files = files(),
-                     .machine = machine(),
-                     .host = host,
-                     .log = log}};
+  FileScan fileScan{context};
   std::string folder = GetFolder(machine(), kProgramFiles).front() + "Planted\\";
 
   std::string HashOf(std::string_view content) { return HexText(Md5Of(content)); }

@@ -34,17 +34,8 @@ class MemoryScanTest : public ScanTest {
  protected:
   ListedProcesses processes;
   std::vector<MemoryAlert> alerts;
-  MemoryScan memoryScan{
-      {.page = page,
-       .flags = flags,
-       .unread = unread,
-       .results = results,
-       .processes = processes,
-       .files = files(),
-       .machine = machine(),
-       .host = host,
-       .log = log,
-       .raiseAlert = [this](const MemoryAlert& alert) { alerts.push_back(alert); }}};
+  MemoryScan memoryScan{context, processes,
+                        [this](const MemoryAlert& alert) { alerts.push_back(alert); }};
 
   std::string Run(std::string_view name, std::string_view content) {
     const std::string path = Path(name);

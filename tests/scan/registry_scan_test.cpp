@@ -15,16 +15,7 @@ using ::testing::IsEmpty;
 
 class RegistryScanTest : public ScanTest {
  protected:
-  RegistryScan registryScan{{.page = page,
-                             .resultsPage = resultsPage,
-                             .flags = flags,
-                             .unread = unread,
-                             .results = results,
-                             .registry = registry(),
-                             .files = files(),
-                             .machine = machine(),
-                             .host = host,
-                             .log = log}};
+  RegistryScan registryScan{context, registry()};
 
   void Value(std::string_view key, std::string_view name) {
     RegCreateKeyValue(registry(), kRoot, Key(key), name, std::string("data"));

@@ -14,43 +14,10 @@ namespace {
 
 class SampleScanTest : public ScanTest {
  protected:
-  CookieScan cookieScan{{.page = page,
-                         .resultsPage = resultsPage,
-                         .flags = flags,
-                         .results = results,
-                         .files = files(),
-                         .machine = machine(),
-                         .host = host,
-                         .log = log,
-                         .title = "Quarnel"}};
-  MemoryScan memoryScan{{.page = page,
-                         .flags = flags,
-                         .unread = unread,
-                         .results = results,
-                         .processes = platform().processes(),
-                         .files = files(),
-                         .machine = machine(),
-                         .host = host,
-                         .log = log,
-                         .raiseAlert = {}}};
-  RegistryScan registryScan{{.page = page,
-                             .resultsPage = resultsPage,
-                             .flags = flags,
-                             .unread = unread,
-                             .results = results,
-                             .registry = registry(),
-                             .files = files(),
-                             .machine = machine(),
-                             .host = host,
-                             .log = log}};
-  FileScan fileScan{{.page = page,
-                     .flags = flags,
-                     .unread = unread,
-                     .results = results,
-                     .files = files(),
-                     .machine = machine(),
-                     .host = host,
-                     .log = log}};
+  CookieScan cookieScan{context, "Quarnel"};
+  MemoryScan memoryScan{context, platform().processes(), {}};
+  RegistryScan registryScan{context, registry()};
+  FileScan fileScan{context};
 
   // "threat: trace" of every line below a threat, in order.
   std::vector<std::string> Scan() {

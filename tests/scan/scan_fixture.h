@@ -6,9 +6,7 @@
 
 #include "core/error_log.h"
 #include "core/paths.h"
-#include "scan/results.h"
-#include "scan/scan_page.h"
-#include "scan/unread.h"
+#include "scan/scan_context.h"
 #include "signatures/compiler.h"
 #include "support/platform_fixture.h"
 #include "support/test_host.h"
@@ -30,6 +28,16 @@ class ScanTest : public PlatformTest {
   Unread unread;
   ErrorLog log{files(), machine(), host, "Quarnel"};
   Results results{resultsPage, [](std::string_view) { return kLevel; }, host, log};
+
+  ScanContext context{.page = page,
+                      .resultsPage = resultsPage,
+                      .flags = flags,
+                      .unread = unread,
+                      .results = results,
+                      .files = files(),
+                      .machine = machine(),
+                      .host = host,
+                      .log = log};
 
   std::string LogText() {
     return FileExists(files(), log.Path()) ? ReadWholeFile(files(), log.Path()) : std::string();
