@@ -17,7 +17,14 @@ bool IsHexDigit(char c) {
   return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
 }
 
-std::string Quoted(std::string_view text) { return '"' + std::string(text) + '"'; }
+// A text for a message of one line: short, and without what a terminal would obey.
+std::string Quoted(std::string_view text) {
+  constexpr size_t kMost = 60;
+  std::string quoted(text.substr(0, kMost));
+  std::replace_if(
+      quoted.begin(), quoted.end(), [](char c) { return (c >= 0 && c < ' ') || c == '\x7F'; }, '?');
+  return '"' + quoted + (text.size() > kMost ? "...\"" : "\"");
+}
 
 // A whole number in plain digits between two bounds.
 std::string CheckNumber(std::string_view field, int low, int high) {
