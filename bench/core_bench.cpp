@@ -7,9 +7,9 @@
 #include <string_view>
 #include <vector>
 
-#include "controls/host.h"
 #include "core/ini_text.h"
 #include "core/lines.h"
+#include "idle_host.h"
 
 namespace quarnel {
 namespace {
@@ -58,17 +58,6 @@ void LastValue(benchmark::State& state) {
     benchmark::DoNotOptimize(value);
   }
 }
-
-struct IdleHost : Host {
-  using Host::Host;
-  Answer MsgBox(const MessageBox&) override { return Answer::kOk; }
-  std::optional<std::string> InputBox(std::string_view, std::string_view,
-                                      std::string_view) override {
-    return std::nullopt;
-  }
-  void RunModal(Form&) override {}
-  void SetClipboardText(std::string_view) override {}
-};
 
 constexpr int kTurns = 100'000;
 
