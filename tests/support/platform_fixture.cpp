@@ -4,7 +4,7 @@
 
 namespace quarnel {
 
-PlatformTest::PlatformTest() : platform_(OpenPlatform(machine_.Folder())) {
+PlatformTest::PlatformTest() : platform_(machine_.Open()) {
   scratch_ = "C:\\QuarnelTest-" + std::to_string(platform_->processes().OwnId());
   DeleteTree(files(), scratch_);
   files().CreateFolder(scratch_);

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <memory>
 #include <string>
+
+#include "platform/platform.h"
 
 namespace quarnel {
 
@@ -15,6 +18,9 @@ class TemporaryMachine {
 
   // What OpenPlatform takes.
   const std::string& Folder() const { return folder_; }
+
+  // Opens it. On a running system what is changed through this platform is taken back at its end.
+  std::unique_ptr<Platform> Open();
 
  private:
   std::string folder_;

@@ -40,4 +40,6 @@ TemporaryMachine::TemporaryMachine() : folder_(NewFolder()) {
 
 TemporaryMachine::~TemporaryMachine() { Remove(folder_); }
 
+std::unique_ptr<Platform> TemporaryMachine::Open() { return OpenPlatform(folder_); }
+
 }  // namespace quarnel

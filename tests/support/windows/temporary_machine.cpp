@@ -1,6 +1,7 @@
 #include "support/temporary_machine.h"
 
 #include "platform/windows/backends.h"
+#include "support/windows/undone_platform.h"
 
 namespace quarnel {
 
@@ -9,5 +10,9 @@ TemporaryMachine::TemporaryMachine() {
   ReplaceRestartCall([](uint32_t, uint32_t) { return false; });
 }
 TemporaryMachine::~TemporaryMachine() = default;
+
+std::unique_ptr<Platform> TemporaryMachine::Open() {
+  return MakeUndonePlatform(OpenPlatform(folder_));
+}
 
 }  // namespace quarnel
