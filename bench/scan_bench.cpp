@@ -177,7 +177,8 @@ void PatternsReady(benchmark::State& state) {
   const PatternSet set(CookieData().patterns);
   for ([[maybe_unused]] auto round : state) {
     size_t found = 0;
-    for (const std::string& domain : CookieData().domains) found += set.FirstMatch(domain) ? 1U : 0U;
+    for (const std::string& domain : CookieData().domains)
+      found += set.FirstMatch(domain) ? 1U : 0U;
     if (found != BlockedDomains()) state.SkipWithError("wrong number of finds");
   }
 }
