@@ -81,6 +81,13 @@ class Files {
 
   virtual std::unique_ptr<File> Open(std::string_view path, OpenMode mode) = 0;
 
+  // Opens a file that List gave, for reading. Any number of threads may call this at a time,
+  // whatever the one thread does with the rest meanwhile. A path that is not as the file system
+  // keeps it may be missed.
+  virtual std::unique_ptr<File> OpenListed(std::string_view path) {
+    return Open(path, OpenMode::kRead);
+  }
+
   virtual void Delete(std::string_view path) = 0;        // a file; a read-only one is refused
   virtual void DeleteFolder(std::string_view path) = 0;  // an empty folder
   virtual void CreateFolder(std::string_view path) = 0;  // its parent must exist

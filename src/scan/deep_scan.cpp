@@ -99,10 +99,10 @@ bool DeepScan::GoesOn() {
   return !u_.flags.scanStopRequested;
 }
 
-// Takes entries from the walk and opens their files, so that the pool always has enough to hash
-// while the entries are shown one by one.
+// Takes entries from the walk, so that the pool always has enough to hash while the entries are
+// shown one by one.
 void DeepScan::TakeAhead(Walk& walk, HashQueue* queue) {
-  // In one go from half full to full: the pool's lock is taken once for many files.
+  // In one go from few to full: the pool's lock is taken once for many files.
   // So many entries are worked on while one large file, which takes a thread as long as anything
   // its size, is awaited.
   constexpr size_t kMostAhead = 16384;
@@ -113,11 +113,7 @@ void DeepScan::TakeAhead(Walk& walk, HashQueue* queue) {
     auto entry = walk.tree.Next();
     if (!entry) break;
     const bool hashed = IsHashed(entry->found);
-    if (hashed && queue) {
-      std::unique_ptr<File> file;
-      IgnoringErrors([&] { file = u_.files.Open(entry->Path(), OpenMode::kRead); });
-      queue->Add(std::move(file));
-    }
+    if (hashed && queue) queue->Add(entry->Path());
     walk.ahead.push_back({.entry = std::move(*entry), .hashed = hashed});
   }
   if (queue) queue->Flush();
@@ -127,7 +123,7 @@ void DeepScan::FindFilesAPI(std::string_view path) {
   u_.page.pbgMain.SetVisible(true);
   Walk walk{.tree = TreeWalk(u_.files, u_.unread, path), .ahead = {}, .skipped = {}};
   std::optional<HashQueue> queue;
-  if (pool_) queue.emplace(*pool_);
+  if (pool_) queue.emplace(*pool_, u_.files);
   HashQueue* const ahead = queue ? &*queue : nullptr;
   while (GoesOn()) {
     TakeAhead(walk, ahead);
@@ -158,12 +154,14 @@ void DeepScan::ShowProgress(const std::string& path) {
 
 std::string DeepScan::HashOf(const std::string& path, Walk& walk, HashQueue* queue) {
   if (queue) {
-    return queue->Next([&] {
+    std::string hash = queue->Next([&] {
       if (!GoesOn()) return false;
       // While one large file is awaited the others go on.
       TakeAhead(walk, queue);
       return true;
     });
+    // The pool opens a file only where the listing named it; what it missed gets a second look.
+    if (hash != kNoHash || u_.flags.scanStopRequested) return hash;
   }
   return HashFile(u_.files, path, [this] { return !GoesOn(); });
 }

@@ -9,10 +9,12 @@
 namespace quarnel {
 namespace {
 
-// Every file that is not hashed yet is an open descriptor; so many keep the lanes of all threads
-// filled, and with so few it is time for more.
-constexpr size_t kMostPending = 256;
+// So many jobs are submitted at most, and with so few it is time for more: early, since the one
+// thread has to get its turn on a processor that the others keep busy.
+constexpr size_t kMostPending = 4096;
 constexpr size_t kFewPending = kMostPending / 2;
+
+constexpr size_t kTogether = 64;
 
 constexpr auto kPatience = std::chrono::milliseconds(5);
 
@@ -20,8 +22,10 @@ constexpr auto kPatience = std::chrono::milliseconds(5);
 
 std::optional<std::string_view> HashPool::Job::Next(std::span<char> buffer) {
   size_t size = 0;
-  const bool read = file_ && !abandoned_.load(std::memory_order_relaxed) &&
-                    IgnoringErrors([&] { size = file_->Read(buffer); });
+  const bool read = !abandoned_.load(std::memory_order_relaxed) && IgnoringErrors([&] {
+    if (!file_) file_ = files_.OpenListed(path_);
+    size = file_->Read(buffer);
+  });
   if (read) return std::string_view(buffer.data(), size);
   Finish();
   return std::nullopt;
@@ -95,12 +99,12 @@ void HashPool::Work(const std::stop_token& stop, Md5Level level) {
   }
 }
 
-bool HashPool::Wait(const Job& job, const std::function<bool()>& whileWaiting) {
-  awaited_.store(&job);
-  while (!job.IsDone()) {
+bool HashPool::Wait(const Job& job, const Job& later, const std::function<bool()>& whileWaiting) {
+  for (const Job* awaited = &later; !job.IsDone(); awaited = &job) {
+    awaited_.store(awaited);
     if (!whileWaiting()) break;
     std::unique_lock lock(mutex_);
-    if (!job.IsDone()) jobEnded_.wait_for(lock, kPatience);
+    if (!awaited->IsDone()) jobEnded_.wait_for(lock, kPatience);
   }
   awaited_.store(nullptr);
   return job.IsDone();
@@ -110,8 +114,9 @@ HashQueue::~HashQueue() {
   for (const auto& job : underWay_) job->Abandon();
 }
 
-void HashQueue::Add(std::unique_ptr<File> file) {
-  added_.push_back(std::make_shared<HashPool::Job>(pool_, std::move(file)));
+void HashQueue::Add(std::string path) {
+  added_.push_back(std::make_shared<HashPool::Job>(pool_, files_, std::move(path)));
+  if (added_.size() == kTogether) Flush();
 }
 
 void HashQueue::Flush() {
@@ -127,7 +132,9 @@ bool HashQueue::RunsLow() const { return pool_.Unfinished() < kFewPending; }
 
 std::string HashQueue::Next(const std::function<bool()>& whileWaiting) {
   const std::shared_ptr<HashPool::Job> job = underWay_.front();
-  if (!pool_.Wait(*job, whileWaiting)) return std::string(kNoHash);
+  // Short jobs end close together. Sleeping until some more are done saves waking for each.
+  const std::shared_ptr<HashPool::Job> later = underWay_[std::min(kTogether, underWay_.size()) - 1];
+  if (!pool_.Wait(*job, *later, whileWaiting)) return std::string(kNoHash);
   underWay_.pop_front();
   return job->Hash();
 }

@@ -17,13 +17,14 @@
 
 namespace quarnel {
 
-// Threads that hash files. They touch nothing but the open files that they are handed.
+// Threads that open and hash files. They touch nothing else.
 class HashPool {
  public:
   // A file on its way through the pool. Its hash may be read once it is done.
   class Job : public Md5Message {
    public:
-    Job(HashPool& pool, std::unique_ptr<File> file) : pool_(pool), file_(std::move(file)) {}
+    Job(HashPool& pool, Files& files, std::string path)
+        : pool_(pool), files_(files), path_(std::move(path)) {}
     bool IsDone() const { return done_.load(std::memory_order_acquire); }
     // 32 digits, or kNoHash for a file that could not be read to its end.
     std::string Hash() const { return digest_ ? HexText(*digest_) : std::string(kNoHash); }
@@ -37,6 +38,8 @@ class HashPool {
     void Finish();
 
     HashPool& pool_;
+    Files& files_;
+    std::string path_;
     std::unique_ptr<File> file_;
     std::shared_ptr<Job> self_;  // while a thread works on it
     std::optional<Md5Digest> digest_;
@@ -49,9 +52,10 @@ class HashPool {
 
   void Submit(const Jobs& jobs);
   // Waits until a job is done, calling `whileWaiting` every few milliseconds and whenever the jobs
-  // run low, so that it can submit more; false when that answered false first.
-  bool Wait(const Job& job, const std::function<bool()>& whileWaiting);
-  // The jobs that were submitted and are not done: so many files are open.
+  // run low, so that it can submit more; false when that answered false first. At first, and for a
+  // few milliseconds at most, it waits until `later` is done too.
+  bool Wait(const Job& job, const Job& later, const std::function<bool()>& whileWaiting);
+  // The jobs that were submitted and are not done.
   size_t Unfinished() const { return unfinished_.load(std::memory_order_relaxed); }
 
  private:
@@ -71,16 +75,17 @@ class HashPool {
 // Hashes in the order in which files are added.
 class HashQueue {
  public:
-  explicit HashQueue(HashPool& pool) : pool_(pool) {}
+  HashQueue(HashPool& pool, Files& files) : pool_(pool), files_(files) {}
   ~HashQueue();
   HashQueue(const HashQueue&) = delete;
   HashQueue& operator=(const HashQueue&) = delete;
 
-  // A file to be hashed; a null one was not readable. It is started by the next Flush.
-  void Add(std::unique_ptr<File> file);
+  // A file to be hashed, by the path that a listing gave. It is started by the next Flush at
+  // the latest.
+  void Add(std::string path);
   void Flush();
-  // Whether enough is open, and whether more should be added before the next hash is taken. What is
-  // hashed and waits for its turn does not count.
+  // Whether enough is under way, and whether more should be added before the next hash is taken.
+  // What is hashed and waits for its turn does not count.
   bool Full() const;
   bool RunsLow() const;
   // The hash of the file that was added first of those not yet taken; there must be one. kNoHash
@@ -89,6 +94,7 @@ class HashQueue {
 
  private:
   HashPool& pool_;
+  Files& files_;
   HashPool::Jobs added_;
   std::deque<std::shared_ptr<HashPool::Job>> underWay_;
 };

@@ -99,6 +99,12 @@ class PosixFiles : public Files {
     return OpenForWriting(place, path, mode);
   }
 
+  std::unique_ptr<File> OpenListed(std::string_view path) override {
+    auto file = OpenForReading(paths_.Exact(path).host, path);
+    if (!file) throw RuntimeError(ErrorNumber::kFileNotFound, path, ENOENT);
+    return file;
+  }
+
   void Delete(std::string_view path) override {
     const ChangePlace place = ExistingPlace(path);
     if (place.IsFolder()) throw RuntimeError(ErrorNumber::kPathFileAccess, path, EISDIR);
