@@ -11,6 +11,7 @@
 
 #include "base/runtime_error.h"
 #include "base/text.h"
+#include "platform/memory.h"
 #include "signatures/cipher.h"
 #include "signatures/hash_places.h"
 #include "signatures/line_end.h"
@@ -88,7 +89,9 @@ std::optional<size_t> DecipherPart(FilePart& part, char* text, HashPlaces& place
 class HashIndex::Data {
  public:
   // Room for a text of this size.
-  explicit Data(size_t room) : text_(std::make_unique_for_overwrite<char[]>(room)) {}
+  explicit Data(size_t room) : text_(std::make_unique_for_overwrite<char[]>(room)) {
+    PreferLargePages(text_.get(), room);
+  }
 
   // False when the file is not of the usual form.
   bool Load(std::span<FilePart> parts, const std::function<void()>& onPiece);
@@ -122,7 +125,9 @@ bool HashIndex::Data::Load(std::span<FilePart> parts, const std::function<void()
   std::vector<std::optional<size_t>> ends(parts.size());
   RunParallel(parts.size(), [&](size_t i) {
     // Half of what the densest text would need; what is not used costs nothing.
-    found[i].hashes.reserve((parts[i].end - parts[i].begin) / (2 * kHashDigits));
+    auto& hashes = found[i].hashes;
+    hashes.reserve((parts[i].end - parts[i].begin) / (2 * kHashDigits));
+    PreferLargePages(hashes.data(), hashes.capacity() * sizeof(HashPlaces::Place));
     ends[i] = DecipherPart(parts[i], text_.get(), found[i], i == 0 ? onPiece : nullptr);
   });
   for (size_t i = 0; i < parts.size(); ++i) {
@@ -164,7 +169,10 @@ void HashIndex::Data::FillTable(std::span<const HashPlaces> found, Slots& table,
   for (const HashPlaces& places : found) {
     count += static_cast<size_t>(std::count_if(places.hashes.begin(), places.hashes.end(), isOurs));
   }
-  table.resize(std::bit_ceil(2 * count + 1));
+  const size_t slots = std::bit_ceil(2 * count + 1);
+  table.reserve(slots);
+  PreferLargePages(table.data(), slots * sizeof(Slots::value_type));
+  table.resize(slots);
   for (const HashPlaces& places : found) {
     for (size_t i = 0; i < places.hashes.size(); ++i) {
       // Slots lie anywhere in memory: they are asked for before they are needed.
