@@ -38,23 +38,37 @@ struct ReleaseObject {
 template <typename Interface>
 using ComObject = std::unique_ptr<Interface, ReleaseObject>;
 
-// What the shell's own link object says.
-std::optional<std::wstring> TargetByShell(const std::wstring& path) {
+// Whether letters were lost in a code page: no name holds the mark that stands for them.
+bool IsWhole(std::wstring_view path) {
+  return !path.empty() && path.find(L'?') == std::wstring_view::npos;
+}
+
+// The path in a link's list of shell items, whose names are always Unicode.
+std::wstring PathOfItems(IShellLinkW& link) {
+  LPITEMIDLIST items = nullptr;
+  wchar_t path[MAX_PATH] = {};
+  if (link.GetIDList(&items) == S_OK) SHGetPathFromIDListW(items, path);
+  CoTaskMemFree(items);
+  return path;
+}
+
+// What the shell's own link object says; empty when it says nothing.
+std::wstring TargetByShell(const std::wstring& path) {
   const ComSession session;
   void* made = nullptr;
   if (FAILED(CoCreateInstance(CLSID_ShellLink, nullptr, CLSCTX_INPROC_SERVER, IID_IShellLinkW,
                               &made))) {
-    return std::nullopt;
+    return {};
   }
   const ComObject<IShellLinkW> link(static_cast<IShellLinkW*>(made));
-  if (FAILED(link->QueryInterface(IID_IPersistFile, &made))) return std::nullopt;
+  if (FAILED(link->QueryInterface(IID_IPersistFile, &made))) return {};
   const ComObject<IPersistFile> file(static_cast<IPersistFile*>(made));
   wchar_t target[MAX_PATH] = {};
   if (FAILED(file->Load(path.c_str(), STGM_READ)) ||
-      link->GetPath(target, MAX_PATH, nullptr, 0) != S_OK || target[0] == 0) {
-    return std::nullopt;
+      link->GetPath(target, MAX_PATH, nullptr, 0) != S_OK) {
+    return {};
   }
-  return target;
+  return IsWhole(target) ? target : PathOfItems(*link);
 }
 
 bool IsPlainFile(const std::wstring& path) {
@@ -96,9 +110,8 @@ class WindowsShell : public Shell {
   std::optional<std::string> ShortcutTarget(std::string_view path) override {
     const auto place = FileAt(path);
     if (!place) return std::nullopt;
-    const auto shown = TargetByShell(*place);
-    // No name holds a question mark: it stands for letters that were lost in a code page.
-    if (shown && shown->find(L'?') == std::wstring::npos) return Narrow(*shown);
+    const std::wstring shown = TargetByShell(*place);
+    if (IsWhole(shown)) return Narrow(shown);
     std::optional<std::string> read;
     IgnoringErrors(
         [&] { read = ReadShortcutTarget(ReadWholeFile(files_, path, kLargestShortcut)); });

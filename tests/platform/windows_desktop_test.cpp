@@ -1,0 +1,97 @@
+// Real windows: some that the program closes, and the one by which it is found.
+
+#include <atomic>
+#include <thread>
+
+#include "platform/windows/win32.h"
+#include "support/platform_fixture.h"
+#include "support/victim.h"
+
+namespace quarnel {
+namespace {
+
+// A window on a thread of its own, as another program's is.
+class OtherWindow {
+ public:
+  explicit OtherWindow(const wchar_t* className, DWORD style = 0)
+      : thread_([this, className, style] { Run(className, style); }) {
+    while (window_ == nullptr) std::this_thread::yield();
+  }
+  ~OtherWindow() {
+    PostMessageW(window_, WM_CLOSE, 0, 0);
+    thread_.join();
+  }
+  OtherWindow(const OtherWindow&) = delete;
+  OtherWindow& operator=(const OtherWindow&) = delete;
+
+  bool IsOpen() const { return IsWindow(window_); }
+
+ private:
+  static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wide, LPARAM data) {
+    if (message == WM_DESTROY) PostQuitMessage(0);
+    return DefWindowProcW(window, message, wide, data);
+  }
+  void Run(const wchar_t* className, DWORD style) {
+    WNDCLASSW windowClass = {};
+    windowClass.lpfnWndProc = Procedure;
+    windowClass.hInstance = GetModuleHandleW(nullptr);
+    windowClass.lpszClassName = className;
+    RegisterClassW(&windowClass);
+    window_ = CreateWindowExW(0, className, L"window", WS_OVERLAPPEDWINDOW | style, 0, 0, 300, 200,
+                              nullptr, nullptr, windowClass.hInstance, nullptr);
+    MSG message;
+    while (GetMessageW(&message, nullptr, 0, 0) > 0) DispatchMessageW(&message);
+  }
+
+  std::atomic<HWND> window_ = nullptr;
+  std::thread thread_;
+};
+
+class WindowsDesktopTest : public PlatformTest {
+ protected:
+  Desktop& desktop() { return platform().desktop(); }
+};
+
+TEST_F(WindowsDesktopTest, ClosesBrowserWindowsOnly) {
+  const OtherWindow browser(L"IEFrame", WS_VISIBLE);
+  const OtherWindow folder(L"CabinetWClass");
+  const OtherWindow editor(L"QuarnelTestEditor");
+  CloseBrowserWindows(desktop());
+  EXPECT_TRUE(Eventually([&] { return !browser.IsOpen() && !folder.IsOpen(); }));
+  EXPECT_TRUE(editor.IsOpen());
+}
+
+TEST_F(WindowsDesktopTest, TheAnnouncedWindowPassesRequestsOnAndIsNeverSeen) {
+  constexpr std::string_view kClass = "ThunderRT6FormDC";
+  const std::string caption = "Quarnel \xE2\x82\xAC";
+  desktop().Announce(kClass, caption);
+  EXPECT_FALSE(desktop().TakeForwardRequest());
+  const auto id = desktop().FindWindow(kClass, caption);
+  ASSERT_TRUE(id);
+  EXPECT_FALSE(desktop().FindWindow(kClass, "quarnel \xE2\x82\xAC"));
+  const auto window = reinterpret_cast<HWND>(static_cast<UINT_PTR>(*id));
+
+  desktop().BringForward(*id);
+  EXPECT_TRUE(Eventually([&] { return desktop().TakeForwardRequest(); }));
+  EXPECT_FALSE(desktop().TakeForwardRequest());
+  EXPECT_FALSE(IsWindowVisible(window));
+
+  // Other programs cannot close it.
+  SendMessageW(window, WM_CLOSE, 0, 0);
+  EXPECT_EQ(desktop().FindWindow(kClass, caption), id);
+  desktop().Announce(kClass, "");
+  EXPECT_FALSE(IsWindow(window));
+}
+
+TEST_F(WindowsDesktopTest, EnumerationEndsWhenTold) {
+  const OtherWindow one(L"QuarnelTestEditor");
+  int all = 0;
+  desktop().EnumWindows([&](WindowId, std::string_view) { return ++all > 0; });
+  EXPECT_GT(all, 0);
+  int visited = 0;
+  desktop().EnumWindows([&](WindowId, std::string_view) { return ++visited < 1; });
+  EXPECT_EQ(visited, 1);
+}
+
+}  // namespace
+}  // namespace quarnel
