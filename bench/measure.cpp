@@ -11,7 +11,7 @@
 // and the most memory that one of its processes held, in KiB. Exits as the command does.
 int main(int argc, char** argv) {
   if (argc < 3) {
-    std::fputs("usage: bench-measure FILE COMMAND...\n", stderr);
+    (void)std::fputs("usage: bench-measure FILE COMMAND...\n", stderr);
     return 2;
   }
   const auto start = std::chrono::steady_clock::now();
@@ -34,7 +34,7 @@ int main(int argc, char** argv) {
     std::perror(argv[1]);
     return 1;
   }
-  std::fprintf(file, "%.6f %ld\n", seconds.count(), usage.ru_maxrss);
-  std::fclose(file);
+  (void)std::fprintf(file, "%.6f %ld\n", seconds.count(), usage.ru_maxrss);
+  (void)std::fclose(file);
   return WIFEXITED(status) ? WEXITSTATUS(status) : 1;
 }

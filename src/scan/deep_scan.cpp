@@ -105,8 +105,9 @@ void DeepScan::TakeAhead(Walk& walk, HashQueue* queue) {
   // In one go from few to full: the pool's lock is taken once for many files.
   // So many entries are worked on while one large file, which takes a thread as long as anything
   // its size, is awaited.
-  constexpr size_t kMostAhead = 16384;
-  if (!walk.ahead.empty() && (!queue || !queue->RunsLow() || walk.ahead.size() > kMostAhead / 2)) {
+  constexpr size_t kMostAhead = 32768;
+  if (!walk.ahead.empty() &&
+      (!queue || !queue->RunsLow() || walk.ahead.size() > kMostAhead / 8 * 7)) {
     return;
   }
   while (walk.ahead.size() < kMostAhead && (queue ? !queue->Full() : walk.ahead.empty())) {

@@ -39,6 +39,7 @@ void HashPool::Job::Done(const Md5Digest& digest) {
 void HashPool::Job::Finish() {
   const std::shared_ptr<Job> self = std::move(self_);
   file_.reset();
+  path_ = {};  // thousands of jobs may wait for their turn
   HashPool& pool = pool_;
   const bool low = pool.unfinished_.fetch_sub(1) == kFewPending;
   done_.store(true);

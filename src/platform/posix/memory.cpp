@@ -2,22 +2,16 @@
 
 #include <sys/mman.h>
 
-#include <cstdint>
+#include <memory>
 
 namespace quarnel {
 
-void PreferLargePages(const void* begin, size_t size) {
+void PreferLargePages([[maybe_unused]] void* begin, [[maybe_unused]] size_t size) {
 #ifdef MADV_HUGEPAGE
   // Whole large pages only: the rest may belong to something small.
-  constexpr uintptr_t kPage = uintptr_t{2} << 20;
-  const auto address = reinterpret_cast<uintptr_t>(begin);
-  const uintptr_t first = (address + kPage - 1) / kPage * kPage;
-  const uintptr_t last = (address + size) / kPage * kPage;
-  if (first >= last) return;
-  madvise(reinterpret_cast<void*>(first), last - first, MADV_HUGEPAGE);
-#else
-  (void)begin;
-  (void)size;
+  constexpr size_t kPage = size_t{2} << 20;
+  if (std::align(kPage, kPage, begin, size) == nullptr) return;
+  madvise(begin, size / kPage * kPage, MADV_HUGEPAGE);
 #endif
 }
 

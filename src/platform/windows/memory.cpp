@@ -3,6 +3,6 @@
 namespace quarnel {
 
 // Large pages need a right here that ordinary users do not have.
-void PreferLargePages(const void* /*begin*/, size_t /*size*/) {}
+void PreferLargePages(void* /*begin*/, size_t /*size*/) {}
 
 }  // namespace quarnel
