@@ -139,7 +139,7 @@ class StringFileInfoSearch {
 };
 
 std::string TextOfFile(Files& files, std::string_view path, std::string_view name,
-                       const std::function<void()>& events) {
+                       const std::function<bool()>& goesOn) {
   try {
     const auto file = files.Open(path, OpenMode::kRead);
     StringFileInfoSearch search(name);
@@ -147,7 +147,7 @@ std::string TextOfFile(Files& files, std::string_view path, std::string_view nam
     while (true) {
       const size_t size = file->Read(piece);
       if (search.Feed(std::string_view(piece).substr(0, size), size == 0)) break;
-      if (size == piece.size() && events) events();
+      if (size == piece.size() && goesOn && !goesOn()) return {};
     }
     return search.Text();
   } catch (const RuntimeError&) {
@@ -180,13 +180,13 @@ std::optional<FileVersionInfo> GetFileVersionInfo(VersionRecords& records, std::
 }
 
 std::string GetCompanyName(Files& files, std::string_view path,
-                           const std::function<void()>& events) {
-  return TextOfFile(files, path, "CompanyName", events);
+                           const std::function<bool()>& goesOn) {
+  return TextOfFile(files, path, "CompanyName", goesOn);
 }
 
 std::string GetFileDescription(Files& files, std::string_view path,
-                               const std::function<void()>& events) {
-  return TextOfFile(files, path, "FileDescription", events);
+                               const std::function<bool()>& goesOn) {
+  return TextOfFile(files, path, "FileDescription", goesOn);
 }
 
 std::string StringFileInfoText(std::string_view bytes, std::string_view name) {

@@ -45,12 +45,12 @@ FileVersionInfo DescribeVersion(const FixedVersionRecord& record);
 std::optional<FileVersionInfo> GetFileVersionInfo(VersionRecords& records, std::string_view path);
 
 // Text that the raw bytes of a file hold behind a name of its block "StringFileInfo", whether or
-// not the version interface can read it; empty when not found. `events` is called between pieces of
-// a large file.
+// not the version interface can read it; empty when not found. `goesOn` is called between pieces of
+// a large file; when it says no, nothing is found.
 std::string GetCompanyName(Files& files, std::string_view path,
-                           const std::function<void()>& events);
+                           const std::function<bool()>& goesOn);
 std::string GetFileDescription(Files& files, std::string_view path,
-                               const std::function<void()>& events);
+                               const std::function<bool()>& goesOn);
 
 // The same search in bytes that are at hand: `name` is "CompanyName" or "FileDescription".
 std::string StringFileInfoText(std::string_view bytes, std::string_view name);

@@ -135,18 +135,22 @@ void FileScan::CheckValidFile(std::string_view path, std::string_view company,
 
 bool FileScan::IsThreat(std::string_view path, std::string_view company, std::string_view hash) {
   if (GetFileExtension(path) == "lnk") return true;
+  bool stopped = false;  // while the file was read
+  const auto goesOn = [&] {
+    u_.host.DoEvents();
+    stopped = u_.flags.scanStopRequested;
+    return !stopped;
+  };
   const auto hashFits = [&] {
-    const std::string itsHash = HashFile(u_.files, path, [this] {
-      u_.host.DoEvents();
-      return u_.flags.scanStopRequested;
-    });
-    if (itsHash == kNoHash && !u_.flags.scanStopRequested) u_.unread.Add("file", path);
+    const std::string itsHash = HashFile(u_.files, path, [&] { return !goesOn(); });
+    if (itsHash == kNoHash && !stopped) u_.unread.Add("file", path);
     return EqualText(itsHash, hash);
   };
   if (EqualText(company, "unknown")) return !hash.empty() && hashFits();
   // A named company without a hash needs only the file: the two empty hash texts are equal.
   if (hash.empty()) return true;
-  const std::string itsCompany = GetCompanyName(u_.files, path, [this] { u_.host.DoEvents(); });
+  const std::string itsCompany = GetCompanyName(u_.files, path, goesOn);
+  if (stopped) return false;
   return EqualText(itsCompany, company) || hashFits();
 }
 

@@ -97,7 +97,10 @@ void MemoryScan::CountProcessIn95() {
 void MemoryScan::Inspect(std::string_view modulePath, const HashIndex& signatures) {
   u_.page.lblStatus.SetCaption(modulePath);
   const std::string path = ActuallProcessName(ToUpper(Trim(modulePath)));
-  const std::string company = GetCompanyName(u_.files, path, [this] { DoEvents(); });
+  const std::string company = GetCompanyName(u_.files, path, [this] {
+    DoEvents();
+    return true;
+  });
   const std::string hash = HashFile(u_.files, path);
   if (hash == kNoHash) u_.unread.Add("file", path);
   const auto position = signatures.Find(hash);

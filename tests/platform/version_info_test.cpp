@@ -14,6 +14,7 @@ class VersionInfoTest : public PlatformTest {
     WriteWholeFile(files(), Path("file.exe"), bytes);
     return GetCompanyName(files(), Path("file.exe"), [&] {
       if (events) ++*events;
+      return true;
     });
   }
 };
