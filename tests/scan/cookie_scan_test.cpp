@@ -25,7 +25,7 @@ class CookieScanTest : public ScanTest {
   std::string folder = GetPath(machine(), csidl::kCookies);
 
   std::string Cookie(std::string_view name, std::string_view itsHost) {
-    const std::string path = folder + "\\" + std::string(name);
+    std::string path = folder + "\\" + std::string(name);
     WriteFile(path, "id\nvalue\n" + std::string(itsHost) + "/path\n1024\n*\n");
     return path;
   }

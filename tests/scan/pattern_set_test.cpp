@@ -38,10 +38,10 @@ TEST(PatternSetTest, AnswersAsThePlainLoopDoes) {
     return text;
   };
   for (int round = 0; round < 300; ++round) {
-    std::vector<std::string> patterns;
+    std::vector<std::string> patterns(12);
     // Most sets stay free of brackets, which are seldom valid when drawn by chance.
     const size_t letters = round % 4 == 0 ? alphabet.size() : 8;
-    for (int i = 0; i < 12; ++i) patterns.push_back(make(7, letters));
+    for (std::string& pattern : patterns) pattern = make(7, letters);
     const PatternSet set(patterns);
     for (int i = 0; i < 40; ++i) {
       const std::string text = make(9, 4);
