@@ -23,7 +23,8 @@ struct Reading {
   explicit Reading(const std::string& file) {
     const auto resource = FindVersionResource([&](uint64_t offset, size_t size) {
       asked += size;
-      return offset < file.size() ? file.substr(offset, size) : std::string();
+      if (offset >= file.size()) return std::string();
+      return file.substr(static_cast<size_t>(offset), size);
     });
     if (resource) record = FixedFromVersionResource(*resource);
   }

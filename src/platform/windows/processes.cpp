@@ -32,14 +32,14 @@ bool HasEnded(const KernelHandle& process) {
 }
 
 // Some programs of the system itself are named by the path that the kernel was given.
-std::wstring WithoutKernelForms(std::wstring path) {
+std::wstring WithoutKernelForms(const std::wstring& path) {
   constexpr std::wstring_view kDosDevices = LR"(\??\)";
   constexpr std::wstring_view kSystemRoot = LR"(\SystemRoot\)";
   if (path.starts_with(kDosDevices)) return path.substr(kDosDevices.size());
   if (!path.starts_with(kSystemRoot)) return path;
   wchar_t folder[MAX_PATH] = {};
   if (GetWindowsDirectoryW(folder, MAX_PATH) == 0) return path;
-  return folder + path.substr(kSystemRoot.size() - 1);
+  return std::wstring(folder).append(path, kSystemRoot.size() - 1, std::wstring::npos);
 }
 
 std::optional<std::string> ImagePath(const KernelHandle& process) {
@@ -52,7 +52,7 @@ std::optional<std::string> ImagePath(const KernelHandle& process) {
   }
   path.resize(std::min<size_t>(size, path.size()));
   if (path.empty() || path[0] == L'\0') return std::nullopt;
-  return Narrow(WithoutKernelForms(std::move(path)));
+  return Narrow(WithoutKernelForms(path));
 }
 
 // When a process began; 0 when it does not tell.
