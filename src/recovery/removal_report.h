@@ -1,0 +1,60 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace quarnel {
+
+enum class TraceKind { kFile, kRegistry, kCookie };
+
+// What became of a trace of the results. A trace that was to go and still exists is kFailed or
+// kKept, whatever the calls that should have removed it said.
+enum class Fate {
+  kRemoved,
+  kQuarantined,  // detail: its path there
+  kGone,         // it had vanished before the removal
+  kKept,         // detail: why
+  kFailed,       // detail: why
+};
+
+struct ReportedTrace {
+  TraceKind kind = TraceKind::kFile;
+  std::string trace;  // as the results name it
+  std::string threat;
+  Fate fate = Fate::kFailed;
+  std::string detail;
+
+  bool operator==(const ReportedTrace&) const = default;
+};
+
+// How the backup before a removal went.
+struct BackupResult {
+  // The path of the restore point's files without their endings; empty when none was made.
+  std::string restorePoint;
+  // What is not in it and why, one sentence each; empty when it is whole.
+  std::vector<std::string> failures;
+
+  bool Complete() const { return !restorePoint.empty() && failures.empty(); }
+  bool operator==(const BackupResult&) const = default;
+};
+
+// What a removal did, as the machine showed it afterwards.
+struct RemovalReport {
+  std::string time;                    // local, "YYYY-MM-DD HH:MM:SS"
+  std::optional<BackupResult> backup;  // nothing when none was asked for
+  std::string problem;                 // why it ended part way; empty when it came to its end
+  std::vector<ReportedTrace> traces;
+
+  size_t Count(Fate fate) const;
+  bool operator==(const RemovalReport&) const = default;
+};
+
+// One word each, as reports print them: "file", "registry", "cookie"; "removed", "quarantined",
+// "gone", "kept", "failed".
+std::string_view NameOf(TraceKind kind);
+std::string_view NameOf(Fate fate);
+
+}  // namespace quarnel
