@@ -67,6 +67,12 @@ class Files {
  public:
   virtual ~Files() = default;
 
+  // The same file system for paths that are not to be trusted. What is used through it enters no
+  // folder by way of a link, even when one is put in a folder's place during the call, and opens no
+  // link: such a path is kPermissionDenied, or nothing stands there. Deletion and moves take a link
+  // at the path's end for itself. A drive's root may lead anywhere. Belongs to this object.
+  virtual Files& WithoutLinks() = 0;
+
   // What stands under this path; nothing when there is none or it cannot be reached.
   virtual std::optional<DirectoryEntry> Stat(std::string_view path) = 0;
 

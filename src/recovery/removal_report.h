@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "recovery/backup.h"
+
 namespace quarnel {
 
 enum class TraceKind { kFile, kRegistry, kCookie };
@@ -30,26 +32,14 @@ struct ReportedTrace {
   bool operator==(const ReportedTrace&) const = default;
 };
 
-// How the backup before a removal went.
-struct BackupResult {
-  // The path of the restore point's files without their endings; empty when none was made.
-  std::string restorePoint;
-  // What is not in it and why, one sentence each; empty when it is whole.
-  std::vector<std::string> failures;
-
-  bool Complete() const { return !restorePoint.empty() && failures.empty(); }
-  bool operator==(const BackupResult&) const = default;
-};
-
 // What a removal did, as the machine showed it afterwards.
 struct RemovalReport {
   std::string time;                    // local, "YYYY-MM-DD HH:MM:SS"
-  std::optional<BackupResult> backup;  // nothing when none was asked for
+  std::optional<BackupReport> backup;  // nothing when none was asked for
   std::string problem;                 // why it ended part way; empty when it came to its end
   std::vector<ReportedTrace> traces;
 
   size_t Count(Fate fate) const;
-  bool operator==(const RemovalReport&) const = default;
 };
 
 // One word each, as reports print them: "file", "registry", "cookie"; "removed", "quarantined",

@@ -18,6 +18,7 @@ class FailingFiles : public Files {
   void Step() {
     if (++steps == failAt) throw RuntimeError(ErrorNumber::kDiskFull);
   }
+  Files& WithoutLinks() override { return *this; }
   std::optional<DirectoryEntry> Stat(std::string_view path) override { return files_.Stat(path); }
   std::vector<DirectoryEntry> List(std::string_view folder) override { return files_.List(folder); }
   std::unique_ptr<File> Open(std::string_view path, OpenMode mode) override {

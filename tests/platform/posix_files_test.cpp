@@ -154,6 +154,45 @@ TEST_F(PosixFilesTest, LinksWithinTheMachineAreFollowed) {
   files().Delete(Path("loop"));
 }
 
+TEST_F(PosixFilesTest, WithoutLinksNothingBehindALinkIsTouched) {
+  Files& safe = files().WithoutLinks();
+  fs::create_directories(Host() / "real/folder");
+  Plant(Host() / "real/file", "keep");
+  Plant(Host() / "mine", "mine");
+  fs::create_directory_symlink("real", Host() / "link");
+  fs::create_symlink("real/file", Host() / "to-file");
+  const auto denied = [&](auto&& action) {
+    EXPECT_EQ(ErrorOf(action), ErrorNumber::kPermissionDenied);
+  };
+  denied([&] { safe.Delete(Path("LINK\\file")); });
+  denied([&] { safe.DeleteFolder(Path("link\\folder")); });
+  denied([&] { safe.CreateFolder(Path("link\\new")); });
+  denied([&] { safe.Move(Path("link\\file"), Path("stolen")); });
+  denied([&] { safe.Move(Path("mine"), Path("link\\mine")); });
+  denied([&] { safe.ReplaceFile(Path("mine"), Path("link\\file")); });
+  denied([&] { safe.Copy(Path("to-file"), Path("copy")); });
+  denied([&] { safe.Copy(Path("mine"), Path("to-file")); });
+  denied([&] { safe.SetAttributes(Path("to-file"), file_attribute::kReadOnly); });
+  denied([&] { safe.SetModified(Path("link\\file"), FileTime()); });
+  denied([&] { safe.List(Path("link")); });
+  for (const char* name : {"link\\file", "to-file", "link\\new"}) {
+    for (const OpenMode mode : {OpenMode::kRead, OpenMode::kCreate}) {
+      denied([&] { safe.Open(Path(name), mode); });
+    }
+  }
+  EXPECT_FALSE(safe.Stat(Path("link\\file")));
+  EXPECT_EQ(Read("real\\file"), "keep");
+  // What is no link works as ever, and a link itself can be moved and deleted.
+  safe.Copy(Path("real\\file"), Path("REAL\\folder\\copy"));
+  EXPECT_EQ(ReadWholeFile(safe, Path("real\\folder\\copy")), "keep");
+  EXPECT_EQ(safe.List(Path("real")).size(), 2U);
+  EXPECT_TRUE(safe.Stat(Path("link")));
+  safe.Move(Path("to-file"), Path("moved"));
+  safe.Delete(Path("moved"));
+  safe.DeleteFolder(Path("link"));
+  EXPECT_EQ(Names(), (std::vector<std::string>{"mine", "real"}));
+}
+
 TEST_F(PosixFilesTest, SpecialFilesAreNotOpened) {
   ASSERT_EQ(mkfifo((Host() / "pipe").c_str(), 0666), 0);
   for (const OpenMode mode : {OpenMode::kRead, OpenMode::kReadWrite, OpenMode::kAppend}) {

@@ -32,14 +32,14 @@ uint32_t StoredAttributes(const std::string& hostPath) {
 void StoreAttributes(const std::string& hostPath, uint32_t attributes) {
   attributes &= kStored;
   if (attributes == 0) {
-    removexattr(hostPath.c_str(), kName);
+    lremovexattr(hostPath.c_str(), kName);
     return;
   }
   std::array<char, 16> buffer = {'0', 'x'};
   const auto [end, error] =
       std::to_chars(buffer.data() + 2, buffer.data() + buffer.size(), attributes, 16);
   // A file system without extended attributes refuses, which is no failure of the caller's.
-  setxattr(hostPath.c_str(), kName, buffer.data(), static_cast<size_t>(end - buffer.data()), 0);
+  lsetxattr(hostPath.c_str(), kName, buffer.data(), static_cast<size_t>(end - buffer.data()), 0);
 }
 
 }  // namespace quarnel

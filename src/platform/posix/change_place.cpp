@@ -46,19 +46,43 @@ bool LiesOnDrive(int folder, PathMap& paths) {
   }
 }
 
+UniqueFd OpenFolder(int above, const char* name, int flags, std::string_view about) {
+  UniqueFd folder(openat(above, name, kFolderOnly | flags));
+  if (folder.Valid()) return folder;
+  const int code = errno;
+  struct stat status = {};
+  const bool isLink = (flags & O_NOFOLLOW) != 0 && code == ENOTDIR &&
+                      fstatat(above, name, &status, AT_SYMLINK_NOFOLLOW) == 0 &&
+                      S_ISLNK(status.st_mode);
+  if (isLink) throw RuntimeError(ErrorNumber::kPermissionDenied, about, ELOOP);
+  if (code == ENOENT) throw RuntimeError(ErrorNumber::kPathNotFound, about, ENOENT);
+  RaiseErrno(code, about);
+}
+
+UniqueFd OpenFolder(const std::string& host, std::string_view about) {
+  const AtPath at(host);
+  return OpenFolder(at.Folder(), at.Name(), 0, about);
+}
+
+// Goes down from a drive's root by one folder at a time, none of which may be a link.
+UniqueFd OpenFolderWithoutLinks(const std::string& host, size_t driveLength,
+                                std::string_view about) {
+  UniqueFd folder = OpenFolder(host.substr(0, driveLength), about);
+  for (size_t begin = driveLength + 1; begin < host.size();) {
+    const size_t end = std::min(host.find('/', begin), host.size());
+    folder = OpenFolder(folder.Get(), host.substr(begin, end - begin).c_str(), O_NOFOLLOW, about);
+    begin = end + 1;
+  }
+  return folder;
+}
+
 }  // namespace
 
-ChangePlace ChangePlace::At(PathMap& paths, const std::string& host, std::string_view about) {
+ChangePlace ChangePlace::In(UniqueFd folder, std::string_view name, PathMap& paths,
+                            std::string_view about) {
   ChangePlace place;
-  const size_t slash = host.rfind('/');
-  place.name_ = host.substr(slash + 1);
-  const std::string folder = host.substr(0, slash);
-  const AtPath at(folder);
-  place.folder_.Reset(openat(at.Folder(), at.Name(), kFolderOnly));
-  if (!place.folder_.Valid()) {
-    if (errno == ENOENT) throw RuntimeError(ErrorNumber::kPathNotFound, about, ENOENT);
-    RaiseErrno(errno, about);
-  }
+  place.name_ = name;
+  place.folder_ = std::move(folder);
   if (!LiesOnDrive(place.Folder(), paths)) {
     throw RuntimeError(ErrorNumber::kPermissionDenied, about, EXDEV);
   }
@@ -70,22 +94,33 @@ ChangePlace ChangePlace::At(PathMap& paths, const std::string& host, std::string
   return place;
 }
 
-ChangePlace ChangePlace::Of(PathMap& paths, std::string_view windowsPath) {
+ChangePlace ChangePlace::Of(PathMap& paths, std::string_view windowsPath, Links links) {
   const PathMap::Location location = paths.Locate(windowsPath);
   if (location.IsDriveRoot()) {
     throw RuntimeError(location.exists ? ErrorNumber::kPathFileAccess : ErrorNumber::kPathNotFound,
                        windowsPath);
   }
-  return At(paths, location.host, windowsPath);
+  const size_t slash = location.host.rfind('/');
+  const std::string folder = location.host.substr(0, slash);
+  return In(links == Links::kFollow
+                ? OpenFolder(folder, windowsPath)
+                : OpenFolderWithoutLinks(folder, location.driveLength, windowsPath),
+            location.host.substr(slash + 1), paths, windowsPath);
 }
 
-ChangePlace ChangePlace::OfTarget(PathMap& paths, std::string_view windowsPath) {
-  ChangePlace place = Of(paths, windowsPath);
+ChangePlace ChangePlace::OfTarget(PathMap& paths, std::string_view windowsPath, Links links) {
+  ChangePlace place = Of(paths, windowsPath, links);
   if (!place.IsLink()) return place;
+  if (links == Links::kRefuse) {
+    throw RuntimeError(ErrorNumber::kPermissionDenied, windowsPath, ELOOP);
+  }
   const std::unique_ptr<char, decltype(&std::free)> real(
       realpath(place.ProcPath().c_str(), nullptr), &std::free);
   if (real == nullptr) RaiseErrno(errno, windowsPath);
-  return At(paths, real.get(), windowsPath);
+  const std::string host = real.get();
+  const size_t slash = host.rfind('/');
+  return In(OpenFolder(host.substr(0, slash), windowsPath), host.substr(slash + 1), paths,
+            windowsPath);
 }
 
 std::string ChangePlace::ProcPath() const {

@@ -16,11 +16,15 @@ namespace quarnel {
 // turn a deletion or a write against the host. All operations raise RuntimeError.
 class ChangePlace {
  public:
+  // Whether a folder may be entered by way of a link.
+  enum class Links { kFollow, kRefuse };
+
   // The name itself, which may be a link. Raises kPathNotFound when its folder is missing,
-  // kPathFileAccess for the root of a drive, kPermissionDenied when the folder lies outside.
-  static ChangePlace Of(PathMap& paths, std::string_view windowsPath);
-  // The same, with a link taken to its target.
-  static ChangePlace OfTarget(PathMap& paths, std::string_view windowsPath);
+  // kPathFileAccess for the root of a drive, kPermissionDenied when the folder lies outside or
+  // behind a link that is refused.
+  static ChangePlace Of(PathMap& paths, std::string_view windowsPath, Links links);
+  // The same, with a link taken to its target, or refused.
+  static ChangePlace OfTarget(PathMap& paths, std::string_view windowsPath, Links links);
 
   int Folder() const { return folder_.Get(); }
   const char* Name() const { return name_.c_str(); }
@@ -40,7 +44,9 @@ class ChangePlace {
   void SyncFolder() const;
 
  private:
-  static ChangePlace At(PathMap& paths, const std::string& host, std::string_view about);
+  // A place in an open folder.
+  static ChangePlace In(UniqueFd folder, std::string_view name, PathMap& paths,
+                        std::string_view about);
 
   UniqueFd folder_;
   std::string name_;

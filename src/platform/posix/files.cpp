@@ -20,6 +20,8 @@
 namespace quarnel {
 namespace {
 
+using Links = ChangePlace::Links;
+
 FileTime TimeFromSystem(const struct timespec& time) {
   return FileTime(std::chrono::duration_cast<FileTime::duration>(
       std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec)));
@@ -51,7 +53,14 @@ bool ReadEntry(int folder, const char* name, const std::string& path, DirectoryE
 
 class PosixFiles : public Files {
  public:
-  explicit PosixFiles(PathMap& paths) : paths_(paths) {}
+  explicit PosixFiles(PathMap& paths, Links links = Links::kFollow)
+      : paths_(paths), links_(links) {}
+
+  Files& WithoutLinks() override {
+    if (links_ == Links::kRefuse) return *this;
+    if (!withoutLinks_) withoutLinks_ = std::make_unique<PosixFiles>(paths_, Links::kRefuse);
+    return *withoutLinks_;
+  }
 
   std::optional<DirectoryEntry> Stat(std::string_view path) override {
     PathMap::Location location;
@@ -59,8 +68,7 @@ class PosixFiles : public Files {
       return std::nullopt;
     }
     DirectoryEntry entry;
-    const AtPath at(location.host);
-    if (!ReadEntry(at.Folder(), at.Name(), at.ProcPath(), entry)) return std::nullopt;
+    if (!ReadEntryAt(location, path, entry)) return std::nullopt;
     if (location.IsDriveRoot()) {
       entry.attributes &= ~file_attribute::kReparsePoint;
     } else {
@@ -88,6 +96,10 @@ class PosixFiles : public Files {
   }
 
   std::unique_ptr<File> Open(std::string_view path, OpenMode mode) override {
+    if (mode == OpenMode::kRead && links_ == Links::kRefuse) {
+      if (auto file = OpenForReading(ExistingPlace(path), path)) return file;
+      throw RuntimeError(ErrorNumber::kFileNotFound, path, ENOENT);
+    }
     if (mode == OpenMode::kRead) {
       // Most paths are given as they stand on the disk: those need no search.
       if (auto file = OpenForReading(paths_.Exact(path).host, path)) return file;
@@ -95,11 +107,12 @@ class PosixFiles : public Files {
       if (auto file = OpenForReading(location.host, path)) return file;
       RaiseMissing(location, path);
     }
-    ChangePlace place = ChangePlace::OfTarget(paths_, path);
+    ChangePlace place = ChangePlace::OfTarget(paths_, path, links_);
     return OpenForWriting(place, path, mode);
   }
 
   std::unique_ptr<File> OpenListed(std::string_view path) override {
+    if (links_ == Links::kRefuse) return Open(path, OpenMode::kRead);
     auto file = OpenForReading(paths_.Exact(path).host, path);
     if (!file) throw RuntimeError(ErrorNumber::kFileNotFound, path, ENOENT);
     return file;
@@ -122,14 +135,14 @@ class PosixFiles : public Files {
   }
 
   void CreateFolder(std::string_view path) override {
-    const ChangePlace place = ChangePlace::Of(paths_, path);
+    const ChangePlace place = ChangePlace::Of(paths_, path, links_);
     if (place.Exists()) throw RuntimeError(ErrorNumber::kFileExists, path, EEXIST);
     if (mkdirat(place.Folder(), place.Name(), 0777) != 0) RaiseErrno(errno, path);
   }
 
   void Move(std::string_view from, std::string_view to) override {
     const ChangePlace source = ExistingPlace(from);
-    ChangePlace target = ChangePlace::Of(paths_, to);
+    ChangePlace target = ChangePlace::Of(paths_, to, links_);
     if (target.Exists()) {
       // A change of letter case finds the file itself.
       if (!target.IsSameEntry(source)) throw RuntimeError(ErrorNumber::kFileExists, to, EEXIST);
@@ -147,7 +160,7 @@ class PosixFiles : public Files {
 
   void ReplaceFile(std::string_view from, std::string_view to) override {
     const ChangePlace source = ExistingPlace(from);
-    const ChangePlace target = ChangePlace::Of(paths_, to);
+    const ChangePlace target = ChangePlace::Of(paths_, to, links_);
     if (source.IsFolder() || target.IsFolder()) {
       throw RuntimeError(ErrorNumber::kPathFileAccess, to, EISDIR);
     }
@@ -160,15 +173,21 @@ class PosixFiles : public Files {
   }
 
   void Copy(std::string_view from, std::string_view to) override {
+    if (links_ == Links::kRefuse) {
+      const ChangePlace source = ExistingPlace(from);
+      const ChangePlace target = ChangePlace::OfTarget(paths_, to, links_);
+      if (target.IsFolder()) throw RuntimeError(ErrorNumber::kPathFileAccess, to, EISDIR);
+      return CopyFile(source, from, target, to);
+    }
     const PathMap::Location source = paths_.Locate(from);
     if (!source.exists) RaiseMissing(source, from);
-    ChangePlace target = ChangePlace::OfTarget(paths_, to);
+    ChangePlace target = ChangePlace::OfTarget(paths_, to, links_);
     if (target.IsFolder()) throw RuntimeError(ErrorNumber::kPathFileAccess, to, EISDIR);
     CopyFile(source.host, from, target, to);
   }
 
   void SetAttributes(std::string_view path, uint32_t attributes) override {
-    const ChangePlace place = ChangePlace::OfTarget(paths_, path);
+    const ChangePlace place = ChangePlace::OfTarget(paths_, path, links_);
     if (!place.Exists()) throw RuntimeError(ErrorNumber::kFileNotFound, path, ENOENT);
     const mode_t mode = place.Status().st_mode & 07777;
     const bool readOnly = (attributes & file_attribute::kReadOnly) != 0;
@@ -184,7 +203,7 @@ class PosixFiles : public Files {
   }
 
   void SetModified(std::string_view path, FileTime time) override {
-    const ChangePlace place = ChangePlace::OfTarget(paths_, path);
+    const ChangePlace place = ChangePlace::OfTarget(paths_, path, links_);
     if (!place.Exists()) throw RuntimeError(ErrorNumber::kFileNotFound, path, ENOENT);
     const auto sinceEpoch = time.time_since_epoch();
     const auto seconds = std::chrono::floor<std::chrono::seconds>(sinceEpoch);
@@ -200,8 +219,14 @@ class PosixFiles : public Files {
   template <typename Known>
   std::vector<DirectoryEntry> List(std::string_view folder, Known known) {
     std::string host = paths_.Exact(folder).host;
+    // Holds the way to the folder open while it is read by its place below that.
+    std::optional<ChangePlace> held;
+    if (links_ == Links::kRefuse && !paths_.Exact(folder).IsDriveRoot()) {
+      held = ChangePlace::OfTarget(paths_, folder, links_);
+      host = held->ProcPath();
+    }
     std::optional<DirectoryStream> stream(std::in_place, host);
-    if (stream->Error() == ENOENT || stream->Error() == ENOTDIR) {
+    if (!held && (stream->Error() == ENOENT || stream->Error() == ENOTDIR)) {
       host = paths_.Locate(folder).host;
       stream.emplace(host);
     }
@@ -238,7 +263,7 @@ class PosixFiles : public Files {
 
   // The place of a name that must stand there already.
   ChangePlace ExistingPlace(std::string_view path) {
-    ChangePlace place = ChangePlace::Of(paths_, path);
+    ChangePlace place = ChangePlace::Of(paths_, path, links_);
     if (!place.Exists()) throw RuntimeError(ErrorNumber::kFileNotFound, path, ENOENT);
     return place;
   }
@@ -249,7 +274,23 @@ class PosixFiles : public Files {
     }
   }
 
+  bool ReadEntryAt(const PathMap::Location& location, std::string_view path,
+                   DirectoryEntry& entry) {
+    if (links_ == Links::kFollow || location.IsDriveRoot()) {
+      const AtPath at(location.host);
+      return ReadEntry(at.Folder(), at.Name(), at.ProcPath(), entry);
+    }
+    bool found = false;
+    IgnoringErrors([&] {
+      const ChangePlace place = ChangePlace::Of(paths_, path, links_);
+      found = ReadEntry(place.Folder(), place.Name(), place.ProcPath(), entry);
+    });
+    return found;
+  }
+
   PathMap& paths_;
+  Links links_;
+  std::unique_ptr<PosixFiles> withoutLinks_;
 };
 
 }  // namespace

@@ -91,11 +91,27 @@ struct stat StatusOfPlainFile(const UniqueFd& fd, std::string_view about) {
   return status;
 }
 
+// Where a file that is to be read stands.
+struct Source {
+  int folder;
+  const char* name;
+  std::string procPath;
+  int flags;  // O_NOFOLLOW where a link is refused
+};
+
+Source SourceAt(const AtPath& at) { return {at.Folder(), at.Name(), at.ProcPath(), 0}; }
+Source SourceAt(const ChangePlace& place) {
+  return {place.Folder(), place.Name(), place.ProcPath(), O_NOFOLLOW};
+}
+
 // Not valid when nothing stands there.
-UniqueFd OpenSource(const std::string& host, std::string_view about, uint64_t& size) {
-  const AtPath at(host);
+UniqueFd OpenSource(const Source& source, std::string_view about, uint64_t& size) {
   // Opening a pipe would wait for its other end.
-  UniqueFd fd(openat(at.Folder(), at.Name(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+  UniqueFd fd(openat(source.folder, source.name,
+                     O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC | source.flags));
+  if (!fd.Valid() && errno == ELOOP && source.flags != 0) {
+    throw RuntimeError(ErrorNumber::kPermissionDenied, about, ELOOP);
+  }
   if (!fd.Valid() && (errno == ENOENT || errno == ENOTDIR)) return fd;
   size = static_cast<uint64_t>(StatusOfPlainFile(fd, about).st_size);
   // Files are read from front to end; a small one is there with the first look anyway.
@@ -134,13 +150,47 @@ void CopyBytes(int from, int to, std::string_view about) {
   while (const size_t count = source.Read(buffer)) target.Write({buffer.data(), count});
 }
 
+std::unique_ptr<File> OpenForReading(const Source& source, std::string_view about) {
+  uint64_t size = 0;
+  UniqueFd fd = OpenSource(source, about, size);
+  if (!fd.Valid()) return nullptr;
+  return std::make_unique<PosixFile>(std::move(fd), about, size);
+}
+
+void CopyFile(const Source& from, std::string_view about, const ChangePlace& target,
+              std::string_view aboutTarget) {
+  uint64_t size = 0;
+  const UniqueFd source = OpenSource(from, about, size);
+  const struct stat status = StatusOfPlainFile(source, about);
+  if (target.Exists() && target.Status().st_dev == status.st_dev &&
+      target.Status().st_ino == status.st_ino) {
+    // Emptying the target would lose the content.
+    throw RuntimeError(ErrorNumber::kPermissionDenied, aboutTarget);
+  }
+  const UniqueFd copy = OpenTarget(target, aboutTarget, O_WRONLY | O_TRUNC);
+  try {
+    CopyBytes(source.Get(), copy.Get(), aboutTarget);
+    StoreAttributes(target.ProcPath(), StoredAttributes(from.procPath));
+    const struct timespec times[] = {{0, UTIME_OMIT}, status.st_mtim};
+    if (futimens(copy.Get(), times) != 0) RaiseErrno(errno, aboutTarget);
+    if ((status.st_mode & S_IWUSR) == 0 && fchmod(copy.Get(), status.st_mode & 0555) != 0) {
+      RaiseErrno(errno, aboutTarget);
+    }
+  } catch (const RuntimeError&) {
+    unlinkat(target.Folder(), target.Name(), 0);
+    throw;
+  }
+}
+
 }  // namespace
 
 std::unique_ptr<File> OpenForReading(const std::string& host, std::string_view about) {
-  uint64_t size = 0;
-  UniqueFd fd = OpenSource(host, about, size);
-  if (!fd.Valid()) return nullptr;
-  return std::make_unique<PosixFile>(std::move(fd), about, size);
+  const AtPath at(host);
+  return OpenForReading(SourceAt(at), about);
+}
+
+std::unique_ptr<File> OpenForReading(const ChangePlace& place, std::string_view about) {
+  return OpenForReading(SourceAt(place), about);
 }
 
 std::unique_ptr<File> OpenForWriting(const ChangePlace& place, std::string_view about,
@@ -153,27 +203,13 @@ std::unique_ptr<File> OpenForWriting(const ChangePlace& place, std::string_view 
 
 void CopyFile(const std::string& host, std::string_view about, const ChangePlace& target,
               std::string_view aboutTarget) {
-  uint64_t size = 0;
-  const UniqueFd source = OpenSource(host, about, size);
-  const struct stat status = StatusOfPlainFile(source, about);
-  if (target.Exists() && target.Status().st_dev == status.st_dev &&
-      target.Status().st_ino == status.st_ino) {
-    // Emptying the target would lose the content.
-    throw RuntimeError(ErrorNumber::kPermissionDenied, aboutTarget);
-  }
-  const UniqueFd copy = OpenTarget(target, aboutTarget, O_WRONLY | O_TRUNC);
-  try {
-    CopyBytes(source.Get(), copy.Get(), aboutTarget);
-    StoreAttributes(target.ProcPath(), StoredAttributes(AtPath(host).ProcPath()));
-    const struct timespec times[] = {{0, UTIME_OMIT}, status.st_mtim};
-    if (futimens(copy.Get(), times) != 0) RaiseErrno(errno, aboutTarget);
-    if ((status.st_mode & S_IWUSR) == 0 && fchmod(copy.Get(), status.st_mode & 0555) != 0) {
-      RaiseErrno(errno, aboutTarget);
-    }
-  } catch (const RuntimeError&) {
-    unlinkat(target.Folder(), target.Name(), 0);
-    throw;
-  }
+  const AtPath at(host);
+  CopyFile(SourceAt(at), about, target, aboutTarget);
+}
+
+void CopyFile(const ChangePlace& source, std::string_view about, const ChangePlace& target,
+              std::string_view aboutTarget) {
+  CopyFile(SourceAt(source), about, target, aboutTarget);
 }
 
 void SyncFile(const ChangePlace& place, std::string_view about) {

@@ -13,12 +13,17 @@ namespace quarnel {
 
 // Null when nothing stands there.
 std::unique_ptr<File> OpenForReading(const std::string& host, std::string_view about);
+// The same for the name itself, which must be no link.
+std::unique_ptr<File> OpenForReading(const ChangePlace& place, std::string_view about);
 std::unique_ptr<File> OpenForWriting(const ChangePlace& place, std::string_view about,
                                      OpenMode mode);
 
 // Makes or replaces the file at `target` with content, attributes and time of the one at `host`.
 // What was made of it is deleted when that fails.
 void CopyFile(const std::string& host, std::string_view about, const ChangePlace& target,
+              std::string_view aboutTarget);
+// The same of the file that has the name itself, which must be no link.
+void CopyFile(const ChangePlace& source, std::string_view about, const ChangePlace& target,
               std::string_view aboutTarget);
 
 // Returns when the file's content is on the disk.

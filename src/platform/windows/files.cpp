@@ -6,6 +6,7 @@
 
 #include "base/text.h"
 #include "platform/windows/backends.h"
+#include "platform/windows/held_way.h"
 #include "platform/windows/system_error.h"
 #include "platform/windows/system_path.h"
 #include "platform/windows/unique_handle.h"
@@ -60,11 +61,7 @@ template <typename Path>
 DirectoryEntry EntryOf(const WIN32_FIND_DATAW& found, const Path& path) {
   DirectoryEntry entry;
   TakeFacts(found, entry);
-  // Other reparse points, such as those of a file kept elsewhere, are files like others.
-  const bool isLink = (found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0 &&
-                      (found.dwReserved0 == IO_REPARSE_TAG_SYMLINK ||
-                       found.dwReserved0 == IO_REPARSE_TAG_MOUNT_POINT);
-  if (isLink) FollowLink(path(), entry);
+  if (IsLink(found)) FollowLink(path(), entry);
   entry.name = Narrow(found.cFileName);
   return entry;
 }
@@ -82,9 +79,24 @@ SearchHandle BeginSearch(const std::wstring& pattern, WIN32_FIND_DATAW& found) {
 
 class WindowsFiles : public Files {
  public:
+  enum class Links { kFollow, kRefuse };
+  explicit WindowsFiles(Links links = Links::kFollow) : links_(links) {}
+
+  Files& WithoutLinks() override {
+    if (links_ == Links::kRefuse) return *this;
+    if (!withoutLinks_) withoutLinks_ = std::make_unique<WindowsFiles>(Links::kRefuse);
+    return *withoutLinks_;
+  }
+
   std::optional<DirectoryEntry> Stat(std::string_view path) override {
     std::wstring place;
-    if (!IgnoringErrors([&] { place = SystemPath(path); })) return std::nullopt;
+    HeldWay way;
+    if (!IgnoringErrors([&] {
+          place = SystemPath(path);
+          way = WayTo(place, path);
+        })) {
+      return std::nullopt;
+    }
     if (!IsRoot(place)) {
       WIN32_FIND_DATAW found;
       // Unlike an attribute query, a search tells the name's own letter case.
@@ -104,6 +116,7 @@ class WindowsFiles : public Files {
 
   std::vector<DirectoryEntry> List(std::string_view folder) override {
     const std::wstring base = SystemPath(folder);
+    const HeldWay way = WayTo(base, folder, HeldWay::End::kItself);
     const std::wstring place = IsRoot(base) ? base : base + L'\\';
     std::vector<DirectoryEntry> entries;
     WIN32_FIND_DATAW found;
@@ -134,17 +147,21 @@ class WindowsFiles : public Files {
   }
 
   std::unique_ptr<File> Open(std::string_view path, OpenMode mode) override {
-    return OpenWindowsFile(SystemPath(path), path, mode);
+    const std::wstring place = SystemPath(path);
+    const HeldWay way = WayTo(place, path);
+    return OpenWindowsFile(place, path, mode, links_ == Links::kRefuse);
   }
 
   void Delete(std::string_view path) override {
     const std::wstring place = SystemPath(path);
+    const HeldWay way = WayTo(place, path);
     RefuseReadOnly(place, path);
     if (!DeleteFileW(place.c_str())) RaiseAt(place, GetLastError(), path);
   }
 
   void DeleteFolder(std::string_view path) override {
     const std::wstring place = SystemPath(path);
+    const HeldWay way = WayTo(place, path);
     const DWORD attributes = RefuseReadOnly(place, path);
     if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0) {
       throw RuntimeError(ErrorNumber::kPathFileAccess, path, ERROR_DIRECTORY);
@@ -154,7 +171,9 @@ class WindowsFiles : public Files {
   }
 
   void CreateFolder(std::string_view path) override {
-    if (!CreateDirectoryW(SystemPath(path).c_str(), nullptr)) {
+    const std::wstring place = SystemPath(path);
+    const HeldWay way = WayTo(place, path);
+    if (!CreateDirectoryW(place.c_str(), nullptr)) {
       RaiseSystemError(GetLastError(), path);
     }
   }
@@ -162,6 +181,8 @@ class WindowsFiles : public Files {
   void Move(std::string_view from, std::string_view to) override {
     const std::wstring source = SystemPath(from);
     const std::wstring target = SystemPath(to);
+    const HeldWay wayFrom = WayTo(source, from);
+    const HeldWay wayTo = WayTo(target, to);
     if (MoveFileExW(source.c_str(), target.c_str(), 0)) return;
     const DWORD code = GetLastError();
     const bool isFolder = IsFolderAt(source);
@@ -169,6 +190,7 @@ class WindowsFiles : public Files {
       throw RuntimeError(ErrorNumber::kPermissionDenied, from, static_cast<long>(code));
     }
     if (isFolder || code != ERROR_NOT_SAME_DEVICE) RaiseSystemError(code, from);
+    if (links_ == Links::kRefuse && IsLinkAt(source)) RaiseSystemError(ERROR_ACCESS_DENIED, from);
     // Not left to the system, which calls it a success when the source stays.
     if (!CopyFileW(source.c_str(), target.c_str(), TRUE)) RaiseSystemError(GetLastError(), from);
     SetFileAttributesW(source.c_str(), FILE_ATTRIBUTE_NORMAL);
@@ -178,6 +200,7 @@ class WindowsFiles : public Files {
   void ReplaceFile(std::string_view from, std::string_view to) override {
     const std::wstring source = SystemPath(from);
     const std::wstring target = SystemPath(to);
+    const HeldWay way = WayTo(target, to);
     RefuseReadOnly(target, to);
     if (IsFolderAt(source) || IsFolderAt(target)) {
       throw RuntimeError(ErrorNumber::kPathFileAccess, to);
@@ -192,6 +215,9 @@ class WindowsFiles : public Files {
   void Copy(std::string_view from, std::string_view to) override {
     const std::wstring source = SystemPath(from);
     const std::wstring target = SystemPath(to);
+    const HeldWay wayFrom = WayTo(source, from, HeldWay::End::kItself);
+    const HeldWay wayTo = WayTo(target, to);
+    if (links_ == Links::kRefuse && IsLinkAt(target)) RaiseSystemError(ERROR_ACCESS_DENIED, to);
     if (IsFolderAt(source)) throw RuntimeError(ErrorNumber::kPathFileAccess, from);
     if (IsFolderAt(target)) throw RuntimeError(ErrorNumber::kPathFileAccess, to);
     const DWORD before = RefuseReadOnly(target, to);
@@ -211,6 +237,7 @@ class WindowsFiles : public Files {
 
   void SetAttributes(std::string_view path, uint32_t attributes) override {
     const std::wstring place = SystemPath(path);
+    const HeldWay way = WayTo(place, path, HeldWay::End::kItself);
     const DWORD wanted = attributes & kSettable;
     // Zero would leave all as it is.
     if (!SetFileAttributesW(place.c_str(), wanted == 0 ? FILE_ATTRIBUTE_NORMAL : wanted)) {
@@ -220,6 +247,7 @@ class WindowsFiles : public Files {
 
   void SetModified(std::string_view path, FileTime time) override {
     const std::wstring place = SystemPath(path);
+    const HeldWay way = WayTo(place, path, HeldWay::End::kItself);
     const KernelHandle file(CreateFileW(place.c_str(), FILE_WRITE_ATTRIBUTES, kShareAll, nullptr,
                                         OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
     const FILETIME modified = TimeForSystem(time);
@@ -227,6 +255,16 @@ class WindowsFiles : public Files {
       RaiseSystemError(GetLastError(), path);
     }
   }
+
+ private:
+  // What has to be held while something is done at a place; nothing where links are followed.
+  HeldWay WayTo(const std::wstring& place, std::string_view about,
+                HeldWay::End end = HeldWay::End::kFolder) const {
+    return links_ == Links::kFollow ? HeldWay() : HeldWay(place, end, about);
+  }
+
+  Links links_;
+  std::unique_ptr<WindowsFiles> withoutLinks_;
 };
 
 }  // namespace

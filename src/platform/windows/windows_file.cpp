@@ -4,6 +4,7 @@
 #include <limits>
 #include <utility>
 
+#include "platform/windows/held_way.h"
 #include "platform/windows/system_error.h"
 #include "platform/windows/unique_handle.h"
 
@@ -112,14 +113,21 @@ void RaiseAt(const std::wstring& path, DWORD code, std::string_view about) {
 }
 
 std::unique_ptr<File> OpenWindowsFile(const std::wstring& path, std::string_view about,
-                                      OpenMode mode) {
+                                      OpenMode mode, bool refuseLinks) {
   const auto* opening = std::find_if(std::begin(kOpenings), std::end(kOpenings),
                                      [&](const Opening& entry) { return entry.mode == mode; });
   if (mode != OpenMode::kRead) RefuseReadOnly(path, about);
+  const DWORD flags =
+      FILE_ATTRIBUTE_NORMAL | opening->flags | (refuseLinks ? FILE_FLAG_OPEN_REPARSE_POINT : 0);
   KernelHandle handle(CreateFileW(path.c_str(), opening->access, kShareAll, nullptr,
-                                  opening->disposition, FILE_ATTRIBUTE_NORMAL | opening->flags,
-                                  nullptr));
+                                  opening->disposition, flags, nullptr));
   if (!handle.Valid()) RaiseAt(path, GetLastError(), about);
+  // The link itself was opened then, and nothing has been done to it.
+  BY_HANDLE_FILE_INFORMATION facts;
+  if (refuseLinks && GetFileInformationByHandle(handle.Get(), &facts) &&
+      (facts.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0 && IsLinkAt(path)) {
+    throw RuntimeError(ErrorNumber::kPermissionDenied, about, ERROR_ACCESS_DENIED);
+  }
   auto file = std::make_unique<WindowsFile>(std::move(handle), about);
   if (mode == OpenMode::kCreate) file->Empty();
   return file;

@@ -12,7 +12,7 @@ namespace quarnel {
 // Opens a file at a path of SystemPath. All raise RuntimeError; `about` is the path as the caller
 // knows it.
 std::unique_ptr<File> OpenWindowsFile(const std::wstring& path, std::string_view about,
-                                      OpenMode mode);
+                                      OpenMode mode, bool refuseLinks);
 
 // Returns when a file's content is on the disk.
 void SyncFile(const std::wstring& path, std::string_view about);

@@ -34,6 +34,12 @@ class UndoneFiles : public Files {
  public:
   UndoneFiles(Files& files, UndoList& undo) : files_(files), undo_(undo) {}
 
+  Files& WithoutLinks() override {
+    if (!withoutLinks_) {
+      withoutLinks_ = std::make_unique<UndoneFiles>(files_.WithoutLinks(), undo_);
+    }
+    return *withoutLinks_;
+  }
   std::optional<DirectoryEntry> Stat(std::string_view path) override { return files_.Stat(path); }
   std::vector<DirectoryEntry> List(std::string_view folder) override { return files_.List(folder); }
   std::unique_ptr<File> Open(std::string_view path, OpenMode mode) override {
@@ -107,6 +113,7 @@ class UndoneFiles : public Files {
   Files& files_;
   UndoList& undo_;
   std::set<std::string> kept_;
+  std::unique_ptr<UndoneFiles> withoutLinks_;
 };
 
 struct KeyName {
