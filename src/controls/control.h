@@ -8,6 +8,7 @@
 
 namespace quarnel {
 
+class CToolTip;
 class Form;
 
 using Handler = std::function<void()>;
@@ -50,9 +51,19 @@ class Control {
   // both raise kInvalidCall on a control that has no such action.
   virtual void SetByUser(std::string_view text);
   virtual void ClickByUser();
+  virtual void RightClickByUser();
 
   // The press of a mouse button that comes before a click.
   Handler MouseDown;
+  // The mouse moves over the control. It runs before the balloon is shown.
+  Handler MouseMove;
+
+  // The tool tip that shows while the mouse rests on the control; null when it has none.
+  const CToolTip* Balloon() const { return balloon_; }
+
+  // Whether the mouse, pressed on the control and moved, takes the whole window along.
+  bool DragsWindow() const { return dragsWindow_; }
+  void SetDragsWindow(bool drags) { Assign(dragsWindow_, drags); }
 
  protected:
   void Changed() { ++revision_; }
@@ -65,13 +76,18 @@ class Control {
   }
 
  private:
+  friend class CToolTip;
+  void AttachBalloon(CToolTip* balloon);
+
   Form& form_;
   std::string name_;
   std::string tag_;
   std::string toolTip_;
+  CToolTip* balloon_ = nullptr;
   uint64_t revision_ = 0;
   bool visible_ = true;
   bool enabled_ = true;
+  bool dragsWindow_ = false;
 };
 
 // "1" and "0", the text of a flag in every property.

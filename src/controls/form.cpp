@@ -33,6 +33,19 @@ void Form::SetWindowState(WindowState state) {
   if (visible_) Form_Resize();
 }
 
+void Form::SetTopMost(bool topMost) {
+  if (topMost_ == topMost) return;
+  topMost_ = topMost;
+  ++revision_;
+}
+
+void Form::ZOrder() {
+  ++frontRequests_;
+  ++revision_;
+}
+
+void SetTopMostWindow(Form& form, bool topMost) { form.SetTopMost(topMost); }
+
 void Form::SetPlace(const ScreenArea& place) {
   if (place_ == place) return;
   place_ = place;

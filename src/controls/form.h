@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "controls/control.h"
+#include "controls/screen.h"
 
 namespace quarnel {
 
@@ -20,15 +21,8 @@ enum class WindowState { kNormal = 0, kMinimised = 1, kMaximised = 2 };
 // Why a form is asked to close.
 enum class UnloadMode { kUser = 0, kCode = 1, kSessionEnd = 2 };
 
-// A rectangle on the screen, in twips.
-struct ScreenArea {
-  int left = 0;
-  int top = 0;
-  int width = 0;
-  int height = 0;
-
-  bool operator==(const ScreenArea&) const = default;
-};
+// What a window has around it: a frame by which a user sizes it, the frame of a dialog, or nothing.
+enum class BorderStyle { kSizable, kDialog, kNone };
 
 // A form: a set of named controls with the life of a window. Load runs Form_Load once; Show loads,
 // becomes visible, and runs Form_Resize and Form_Activate; Close asks Form_QueryUnload and then
@@ -58,6 +52,13 @@ class Form {
   // Whether the window has an entry in the task bar.
   bool ShowInTaskbar() const { return showInTaskbar_; }
   void SetShowInTaskbar(bool show);
+  BorderStyle Border() const { return border_; }
+  // Whether the window stays above those of all programs.
+  bool TopMost() const { return topMost_; }
+  void SetTopMost(bool topMost);
+  // Puts the window in front of the others; a front looks whether the number of requests has grown.
+  void ZOrder();
+  uint64_t FrontRequests() const { return frontRequests_; }
   uint64_t Revision() const { return revision_; }
 
   void Load();
@@ -78,6 +79,7 @@ class Form {
   Control* Find(std::string_view name) const;
 
  protected:
+  void SetBorder(BorderStyle border) { border_ = border; }
   virtual void Form_Load() {}
   virtual void Form_Activate() {}
   virtual void Form_Resize() {}
@@ -100,10 +102,16 @@ class Form {
   State state_ = State::kNew;
   WindowState windowState_ = WindowState::kNormal;
   ScreenArea place_;
+  uint64_t frontRequests_ = 0;
+  BorderStyle border_ = BorderStyle::kDialog;
+  bool topMost_ = false;
   bool visible_ = false;
   bool unloading_ = false;
   bool showInTaskbar_ = true;
 };
+
+// Keeps a window above those of all programs, or no longer.
+void SetTopMostWindow(Form& form, bool topMost);
 
 // The place of a form in the program. Touching it gives the loaded form, made anew when it was
 // never loaded or has been unloaded since: its controls then stand as designed.

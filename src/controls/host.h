@@ -7,6 +7,7 @@
 
 #include "controls/clock.h"
 #include "controls/form.h"
+#include "controls/screen.h"
 #include "controls/timer.h"
 
 namespace quarnel {
@@ -55,6 +56,11 @@ class Host {
   // Returns when the visible form `form` was hidden or unloaded.
   virtual void RunModal(Form& form) = 0;
   virtual void SetClipboardText(std::string_view text) = 0;
+  // Desktop, task bar and mouse at this moment.
+  virtual ScreenFacts Screen() const { return {}; }
+  // Whether icons in the notification area can be seen and clicked. Where they cannot, a window
+  // that would leave the screen for its icon is only minimised.
+  virtual bool HasTray() const { return true; }
   // Ends the process at once. It does not return: a front that must unwind its own frames first
   // throws ProcessEnded, which nobody else catches.
   [[noreturn]] virtual void EndProcess();

@@ -32,6 +32,11 @@ std::optional<std::string> Captioned::Property(std::string_view name) const {
   return Control::Property(name);
 }
 
+std::optional<std::string> Image::Property(std::string_view name) const {
+  if (name == "picture") return std::to_string(picture_);
+  return Captioned::Property(name);
+}
+
 std::optional<std::string> Label::Property(std::string_view name) const {
   if (name == "forecolor") return ColourText(foreColour_);
   return Captioned::Property(name);
@@ -39,6 +44,7 @@ std::optional<std::string> Label::Property(std::string_view name) const {
 
 std::optional<std::string> MenuItem::Property(std::string_view name) const {
   if (name == "checked") return FlagText(checked_);
+  if (name == "highlighted") return FlagText(highlighted_);
   return Captioned::Property(name);
 }
 
@@ -138,23 +144,6 @@ void ComboBox::SetByUser(std::string_view text) {
   if (Click) Click();
 }
 
-void DatePicker::SetValue(std::optional<DateTime> value) { Assign(value_, value); }
-
-std::string DatePicker::ValueText() const {
-  if (!value_) return {};
-  return kind_ == Kind::kDate ? DateText(*value_) : TimeText(*value_);
-}
-
-void DatePicker::SetByUser(std::string_view text) {
-  std::optional<DateTime> value;
-  if (!Trim(text).empty()) {
-    value = ParseDate(text);
-    if (!value) throw RuntimeError(ErrorNumber::kTypeMismatch);
-  }
-  SetValue(value);
-  if (Change) Change();
-}
-
 void ProgressBar::SetMin(double min) {
   if (range_ == Range::kStrict && min > max_) {
     throw RuntimeError(ErrorNumber::kInvalidPropertyValue);
@@ -184,6 +173,21 @@ std::optional<std::string> ProgressBar::Property(std::string_view name) const {
   if (name == "min") return NumberText(min_);
   if (name == "max") return NumberText(max_);
   if (name == "value") return NumberText(value_);
+  return Control::Property(name);
+}
+
+bool IsNetworkAddress(std::string_view location) {
+  return StartsWithText(location, "http://") || StartsWithText(location, "https://");
+}
+
+void Browser::Navigate(std::string_view location) {
+  Assign(location_, location);
+  if (!IsNetworkAddress(location)) Assign(localPage_, location);
+}
+
+std::optional<std::string> Browser::Property(std::string_view name) const {
+  if (name == "location") return location_;
+  if (name == "localpage") return localPage_;
   return Control::Property(name);
 }
 

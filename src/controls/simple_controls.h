@@ -6,7 +6,6 @@
 #include <string_view>
 #include <vector>
 
-#include "base/date_time.h"
 #include "controls/control.h"
 
 namespace quarnel {
@@ -31,12 +30,6 @@ class Clickable : public Control {
   Handler Click;
 };
 
-class Image : public Clickable {
- public:
-  using Clickable::Clickable;
-  std::string_view Type() const override { return "Image"; }
-};
-
 // A control with a caption.
 class Captioned : public Clickable {
  public:
@@ -48,6 +41,23 @@ class Captioned : public Clickable {
 
  private:
   std::string caption_;
+};
+
+// A picture. Its caption is not drawn: it names the picture for those who cannot see it.
+class Image : public Captioned {
+ public:
+  Image(Form& form, std::string name, std::string_view caption = {})
+      : Captioned(form, std::move(name)) {
+    SetCaption(caption);
+  }
+  std::string_view Type() const override { return "Image"; }
+  // The number of the picture in its image list, from 1; 0 for the control's own one.
+  int Picture() const { return picture_; }
+  void SetPicture(int number) { Assign(picture_, number); }
+  std::optional<std::string> Property(std::string_view name) const override;
+
+ private:
+  int picture_ = 0;
 };
 
 class Label : public Captioned {
@@ -83,10 +93,13 @@ class MenuItem : public Captioned {
   std::string_view Type() const override { return "MenuItem"; }
   bool Checked() const { return checked_; }
   void SetChecked(bool checked) { Assign(checked_, checked); }
+  bool Highlighted() const { return highlighted_; }
+  void SetHighlighted(bool highlighted) { Assign(highlighted_, highlighted); }
   std::optional<std::string> Property(std::string_view name) const override;
 
  private:
   bool checked_ = false;
+  bool highlighted_ = false;
 };
 
 // A check box. Its click handler runs whenever its value changes, by a user or in code.
@@ -185,24 +198,6 @@ class ComboBox : public Control {
   int listIndex_ = -1;
 };
 
-// A picker of a date or of a time of day; it may hold nothing.
-class DatePicker : public Control {
- public:
-  enum class Kind { kDate, kTime };
-  DatePicker(Form& form, std::string name, Kind kind)
-      : Control(form, std::move(name)), kind_(kind) {}
-  std::string_view Type() const override { return "DatePicker"; }
-  std::optional<DateTime> Value() const { return value_; }
-  void SetValue(std::optional<DateTime> value);
-  std::string ValueText() const override;
-  void SetByUser(std::string_view text) override;
-  Handler Change;
-
- private:
-  Kind kind_;
-  std::optional<DateTime> value_;
-};
-
 // A bar between Min and Max. A strict one refuses a value outside them with kInvalidPropertyValue;
 // the other takes any value and shows it at the nearer end.
 class ProgressBar : public Control {
@@ -228,17 +223,28 @@ class ProgressBar : public Control {
   double value_ = 0;
 };
 
-// A page shown from a file or an address.
+// A page shown without scripts from a file, by its path on the machine. Of a location that is an
+// address of the network a front shows the local page, with a link to the address; a click on any
+// link to the network goes to LinkClick.
 class Browser : public Control {
  public:
   using Control::Control;
   std::string_view Type() const override { return "Browser"; }
   const std::string& Location() const { return location_; }
-  void Navigate(std::string_view location) { Assign(location_, location); }
+  void Navigate(std::string_view location);
+  // The file that was last navigated to; empty when there was none.
+  const std::string& LocalPage() const { return localPage_; }
   std::string ValueText() const override { return location_; }
+  std::optional<std::string> Property(std::string_view name) const override;
+
+  std::function<void(std::string_view address)> LinkClick;
 
  private:
   std::string location_;
+  std::string localPage_;
 };
+
+// Whether a location is an address of the network, and no path.
+bool IsNetworkAddress(std::string_view location);
 
 }  // namespace quarnel

@@ -1,13 +1,9 @@
 #pragma once
 
-#include <memory>
-
 #include "core/error_log.h"
 #include "core/settings.h"
 #include "platform/platform.h"
-#include "ui/frm_close.h"
-#include "ui/frm_main.h"
-#include "ui/frm_splash.h"
+#include "ui/forms.h"
 
 namespace quarnel {
 
@@ -20,17 +16,15 @@ class Application {
   // installer asked for, and shows the main window.
   bool Main();
 
-  frmMain& MainForm() { return *main_; }
+  Forms& forms() { return forms_; }
+  frmMain& MainForm() { return forms_.main(); }
   Settings& settings() { return settings_; }
 
  private:
   Platform& platform_;
-  Host& host_;
   Settings settings_;
   ErrorLog log_;
-  FormSlot<frmSplash> splash_;
-  FormSlot<frmClose> close_;
-  std::unique_ptr<frmMain> main_;
+  Forms forms_;
 };
 
 }  // namespace quarnel

@@ -8,6 +8,7 @@
 #include "platform/shell.h"
 #include "signatures/levels.h"
 #include "signatures/signature_files.h"
+#include "ui/forms.h"
 
 namespace quarnel {
 namespace {
@@ -18,12 +19,10 @@ constexpr std::string_view kResultMode = "ResultMode";
 
 }  // namespace
 
-frmMain::frmMain(Services services, FormSlot<frmSplash>& splash, FormSlot<frmClose>& closeForm,
-                 StartOptions startOptions)
+frmMain::frmMain(Services services, Forms& forms, StartOptions startOptions)
     : Form(services.host, "frmMain"),
       s_(services),
-      splash_(splash),
-      closeForm_(closeForm),
+      forms_(forms),
       startOptions_(startOptions),
       safeList_(s_.platform.files(), s_.log),
       resultsModel_(
@@ -383,7 +382,7 @@ void frmMain::Form_QueryUnload(bool& cancel, UnloadMode mode) {
   Reporting(s_.log, "ImgCloseApplication_Click in frmMain", [&] {
     cancel = true;
     if (Val(s_.settings.Get(setting::kSkipMessages)) == 0) {
-      closeForm_.Touch().ShowModal();
+      forms_.close.Touch().ShowModal();
       optionLogic_.SynchroniseCloseOptions();
     }
     const auto answer = static_cast<Answer>(ValLong(s_.settings.GetOther(setting::kButton)));

@@ -10,18 +10,19 @@
 #include "controls/form.h"
 #include "controls/simple_controls.h"
 #include "controls/timer.h"
+#include "controls/tray_icon.h"
 #include "scan/file_scan.h"
 #include "scan/results.h"
 #include "scan/safe_list.h"
 #include "scan/scan_controller.h"
 #include "scan/scan_page.h"
-#include "ui/frm_close.h"
-#include "ui/frm_splash.h"
 #include "ui/options_page.h"
 #include "ui/services.h"
 #include "ui/summary_page.h"
 
 namespace quarnel {
+
+class Forms;
 
 // The tab strip and the pages behind it.
 struct TabStrip {
@@ -89,8 +90,7 @@ struct StartOptions {
 // leaves the work to the subsystems.
 class frmMain : public Form, private ScanSurroundings {
  public:
-  frmMain(Services services, FormSlot<frmSplash>& splash, FormSlot<frmClose>& closeForm,
-          StartOptions options);
+  frmMain(Services services, Forms& forms, StartOptions options);
 
   ScanPage scan{*this};
   ResultsPage results{*this};
@@ -101,6 +101,7 @@ class frmMain : public Form, private ScanSurroundings {
   SchedulePage schedule{*this};
   SummaryPage summary{*this};
   MainTimers timers{*this};
+  TrayIcon trayIcon{*this, "trayIcon"};
   // Hidden; its tag holds the window state that was in force before a minimise.
   Label lblAllowBHO{*this, "lblAllowBHO"};
 
@@ -184,8 +185,7 @@ class frmMain : public Form, private ScanSurroundings {
   void StopMemoryTimer() override { timers.tmrMemoryInspected.SetEnabled(false); }
 
   Services s_;
-  FormSlot<frmSplash>& splash_;
-  FormSlot<frmClose>& closeForm_;
+  Forms& forms_;
   StartOptions startOptions_;
   ScanFlags flags_;
   Unread unread_;

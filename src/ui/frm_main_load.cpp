@@ -7,6 +7,7 @@
 #include "scan/hard_drives.h"
 #include "scan/signature_totals.h"
 #include "signatures/signature_files.h"
+#include "ui/forms.h"
 #include "ui/frm_main.h"
 
 namespace quarnel {
@@ -99,8 +100,8 @@ void frmMain::NameMenus() {
 // Stands still until the splash has unloaded itself. Touching it once more afterwards loads it
 // again, hidden and with its timer running, until the options are loaded.
 void frmMain::ShowSplash() {
-  if (startOptions_.showSplash) splash_.Touch().ShowModal();
-  splash_->lblWebSite.SetCaption(kCompanyName);
+  if (startOptions_.showSplash) forms_.splash.Touch().ShowModal();
+  forms_.splash->lblWebSite.SetCaption(kCompanyName);
 }
 
 void frmMain::RestConnectionTimers() {
@@ -117,8 +118,8 @@ void frmMain::LoadFirstPage() {
 void frmMain::GetSettingOfFormMain() {
   Reporting(s_.log, "GetSettingOfFormMain in frmMain", [&] { optionLogic_.Load(); });
   if (s_.settings.GetOther(setting::kShowScreen) == "YES") {
-    splash_->tmrUnload.SetEnabled(false);
-    splash_.Unload();
+    forms_.splash->tmrUnload.SetEnabled(false);
+    forms_.splash.Unload();
     host().SetMousePointer(Pointer::kDefault);
     SetWindowState(WindowState::kNormal);
     Show();

@@ -7,18 +7,10 @@
 #include "controls/simple_controls.h"
 #include "core/settings.h"
 #include "scan/results.h"
+#include "schedule/schedule_page.h"
 #include "ui/options_page.h"
 
 namespace quarnel {
-
-// The controls of the schedule page that tell when the next scan is due.
-struct SchedulePage {
-  Form& form;
-  CheckBox chkAutomaticScanYesOrNo{form, "chkAutomaticScanYesOrNo", "Enable Auto Scan"};
-  ComboBox cmbDays{form, "cmbDays"};
-  DatePicker dtpScheduleDate{form, "dtpScheduleDate", DatePicker::Kind::kDate};
-  DatePicker dtpScheduleTime{form, "dtpScheduleTime", DatePicker::Kind::kTime};
-};
 
 // One line of the summary: its name, its value, and the icon that says whether it is well.
 struct SummaryRow {
