@@ -39,6 +39,7 @@ std::optional<std::string> Image::Property(std::string_view name) const {
 
 std::optional<std::string> Label::Property(std::string_view name) const {
   if (name == "forecolor") return ColourText(foreColour_);
+  if (name == "bold") return FlagText(bold_);
   return Captioned::Property(name);
 }
 

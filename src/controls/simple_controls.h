@@ -36,6 +36,12 @@ class Captioned : public Clickable {
   using Clickable::Clickable;
   const std::string& Caption() const { return caption_; }
   void SetCaption(std::string_view caption) { Assign(caption_, caption); }
+  // Adds to the end, at the cost of what is added.
+  void AppendCaption(std::string_view text) {
+    if (text.empty()) return;
+    caption_ += text;
+    Changed();
+  }
   std::string ValueText() const override { return caption_; }
   std::optional<std::string> Property(std::string_view name) const override;
 
@@ -69,10 +75,13 @@ class Label : public Captioned {
   std::string_view Type() const override { return "Label"; }
   Colour ForeColour() const { return foreColour_; }
   void SetForeColour(Colour colour) { Assign(foreColour_, colour); }
+  bool Bold() const { return bold_; }
+  void SetBold(bool bold) { Assign(bold_, bold); }
   std::optional<std::string> Property(std::string_view name) const override;
 
  private:
   Colour foreColour_ = Colour::kBlack;
+  bool bold_ = false;
 };
 
 class Button : public Captioned {

@@ -38,29 +38,6 @@ std::vector<std::string> SplitAtNul(std::string_view text) {
   return parts;
 }
 
-// Replaces a file by way of a new one beside it.
-void ReplaceWhole(Files& files, const std::string& path, std::string_view bytes) {
-  const auto present = files.Stat(path);
-  if (present && (present->attributes & file_attribute::kReadOnly) != 0) {
-    throw RuntimeError(ErrorNumber::kPermissionDenied, path);
-  }
-  const std::string temporary = path + ".tmp";
-  const auto discard = [&] { files.Delete(temporary); };
-  // Whatever stands there, a link too, must not be written through.
-  IgnoringErrors(discard);
-  try {
-    {
-      const std::unique_ptr<File> file = files.Open(temporary, OpenMode::kCreate);
-      file->Write(bytes);
-      file->Flush();
-    }
-    files.ReplaceFile(temporary, path);
-  } catch (const RuntimeError&) {
-    IgnoringErrors(discard);
-    throw;
-  }
-}
-
 // A window that begins before the screen or ends behind it, shifted to where it fits.
 int ShiftedInto(int position, int length, int screenStart, int screenLength) {
   return std::max(std::min(position, screenStart + screenLength - length), screenStart);
@@ -87,8 +64,8 @@ void cInifile::Rewrite(Edit&& edit) {
   if (!ini) return;
   const std::string before = ini->Text();
   if (!edit(*ini)) return;
-  const bool done =
-      ini->Text() == before || IgnoringErrors([&] { ReplaceWhole(files_, path_, ini->Text()); });
+  const bool done = ini->Text() == before ||
+                    IgnoringErrors([&] { ReplaceWholeFile(files_, path_, ini->Text()); });
   lastReturnCode_ = done ? 1 : 0;
 }
 

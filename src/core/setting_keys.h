@@ -57,6 +57,8 @@ inline constexpr SettingKey kMemorySheildOn{kOptions, "optMemorySheildOn", kChec
                                             "False"};
 // The opposite of the one above, which the tray menu keeps and nobody reads.
 inline constexpr SettingKey kMemorySheildOff{kOptions, "optMemorySheildOff", kTrueFalse, ""};
+// Restore points come back exactly as their manifests say, and quarantined files never collide.
+inline constexpr SettingKey kStrict{kOptions, "chkStrict", kCheckState, "0"};
 // The ActiveX shield.
 inline constexpr SettingKey kSheild{kOptions, "Sheild", kCheckState, "0"};
 inline constexpr SettingKey kReportLorrimesh{kOptions, "optLorrigrid", kCheckState, "1"};
@@ -116,6 +118,7 @@ inline constexpr SettingKey kAll[] = {kScanRegistry,
                                       kDisplayHijakRestoreAlerts,
                                       kMemorySheildOn,
                                       kMemorySheildOff,
+                                      kStrict,
                                       kSheild,
                                       kReportLorrimesh,
                                       kRunAtStartup,

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "base/runtime_error.h"
+#include "base/text.h"
 
 namespace quarnel {
 
@@ -21,6 +22,39 @@ std::string ReadWholeFile(Files& files, std::string_view path, uint64_t limit) {
   }
   bytes.resize(length);
   return bytes;
+}
+
+std::string TemporaryName(std::string_view path) {
+  const size_t slash = path.find_last_of("\\/");
+  const size_t begin = slash == std::string_view::npos ? 0 : slash + 1;
+  // FNV-1a: short enough for any folder, and told apart well enough within one.
+  uint32_t hash = 0x811C9DC5;
+  for (const char c : ToUpper(path.substr(begin))) {
+    hash = (hash ^ static_cast<unsigned char>(c)) * 0x01000193;
+  }
+  std::string name = "~00000000.tmp";
+  for (size_t digit = 8; digit > 0; --digit, hash >>= 4) {
+    name[digit] = "0123456789abcdef"[hash & 0xF];
+  }
+  return std::string(path.substr(0, begin)) + name;
+}
+
+void ReplaceWholeFile(Files& files, std::string_view path, std::string_view bytes) {
+  const auto present = files.Stat(path);
+  if (present && (present->attributes & file_attribute::kReadOnly) != 0) {
+    throw RuntimeError(ErrorNumber::kPermissionDenied, path);
+  }
+  const std::string temporary = TemporaryName(path);
+  const auto discard = [&] { files.Delete(temporary); };
+  // Whatever stands there, a link too, must not be written through.
+  IgnoringErrors(discard);
+  try {
+    files.Open(temporary, OpenMode::kCreate)->Write(bytes);
+    files.ReplaceFile(temporary, path);
+  } catch (const RuntimeError&) {
+    IgnoringErrors(discard);
+    throw;
+  }
 }
 
 void WriteWholeFile(Files& files, std::string_view path, std::string_view bytes) {

@@ -110,6 +110,14 @@ class Files {
 // bytes: a larger file is kOverflow.
 std::string ReadWholeFile(Files& files, std::string_view path, uint64_t limit = uint64_t{1} << 31);
 
+// A name in the folder of `path` for what is to take its place; the same at every call, so that
+// what a killed program left behind is found again.
+std::string TemporaryName(std::string_view path);
+
+// Makes or replaces a file in one step: whoever reads it, also after a crash, finds all of the old
+// content or all of the new. A file that is read-only is refused.
+void ReplaceWholeFile(Files& files, std::string_view path, std::string_view bytes);
+
 // Makes or replaces a file with this content. Not atomic.
 void WriteWholeFile(Files& files, std::string_view path, std::string_view bytes);
 

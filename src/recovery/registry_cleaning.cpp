@@ -14,7 +14,8 @@ enum Column : size_t { kMainKey = 3, kKey = 4, kValueName = 5 };
 
 void RegistryCleaning::CleanRegistryEntries() {
   Reporting(u_.log, "CleanRegistryEntries in frmMain", [&] {
-    while (const auto index = NextRow()) {
+    std::string_view hiveName;
+    while (const auto index = NextRow(hiveName)) {
       DeleteTrace(u_.results.lvwRegistryEntriesFound.At(*index));
       u_.results.lvwRegistryEntriesFound.Remove(*index);
     }
@@ -24,20 +25,19 @@ void RegistryCleaning::CleanRegistryEntries() {
   });
 }
 
-std::optional<size_t> RegistryCleaning::NextRow() {
+std::optional<size_t> RegistryCleaning::NextRow(std::string_view& hiveName) {
   const ListView& list = u_.results.lvwRegistryEntriesFound;
   ProgressBar& bar = u_.page.pbrRemoveSpyware;
   bar.SetMin(0);
   bar.SetMax(static_cast<double>(list.Count() + 1));
   bar.SetVisible(true);
   u_.page.lblDeletingCaption.SetCaption("Cleaning Spyware/Adware registry entries...");
-  std::string_view hiveName;
   for (size_t i = 0; i < list.Count(); ++i) {
     bar.SetValue(static_cast<double>(i + 1));
     const ListRow& row = list.At(i);
     if (!row.checked) continue;
     const auto handle = static_cast<uint32_t>(ToLong(row.SubItem(kMainKey)));
-    // A handle without a name keeps that of the row before.
+    // A handle without a name keeps that of the row before, also over walks.
     if (const std::string_view name = HiveName(handle); !name.empty()) hiveName = name;
     const std::string trace =
         RegistryTraceText(hiveName, row.SubItem(kKey), row.SubItem(kValueName));

@@ -27,7 +27,7 @@ class RegistryCleaning {
 
  private:
   // The first ticked row that is not exempt, with the bar moved along; nothing when there is none.
-  std::optional<size_t> NextRow();
+  std::optional<size_t> NextRow(std::string_view& hiveName);
   void DeleteTrace(const ListRow& row);
 
   Uses u_;

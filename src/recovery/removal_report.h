@@ -47,4 +47,14 @@ struct RemovalReport {
 std::string_view NameOf(TraceKind kind);
 std::string_view NameOf(Fate fate);
 
+// The report as a file of records, and back; nothing for a text that is none or is not whole.
+std::string RemovalReportText(const RemovalReport& report);
+std::optional<RemovalReport> ReadRemovalReport(std::string_view text);
+
+// The last removal's report, in the program's folder. Saving replaces it in one step and raises as
+// that does; loading gives nothing when there is no whole one.
+std::string RemovalReportPath(Machine& machine);
+void SaveRemovalReport(Files& files, Machine& machine, const RemovalReport& report);
+std::optional<RemovalReport> LoadRemovalReport(Files& files, Machine& machine);
+
 }  // namespace quarnel

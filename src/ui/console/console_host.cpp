@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "base/text.h"
+#include "core/fields.h"
 #include "ui/console/display_text.h"
 #include "ui/console/records.h"
 

@@ -1,6 +1,7 @@
 #include "ui/console/records.h"
 
 #include "base/unicode.h"
+#include "core/fields.h"
 #include "ui/console/display_text.h"
 
 namespace quarnel {
@@ -57,30 +58,6 @@ void RecordWriter::Write(const std::vector<Field>& fields) {
   }
   if (IsJson()) line += '}';
   out_ << std::string_view(line).substr(IsJson() || line.empty() ? 0 : 1) << '\n';
-}
-
-std::string EscapeField(std::string_view text) {
-  std::string result;
-  result.reserve(text.size());
-  for (const char c : text) {
-    switch (c) {
-      case '\t':
-        result += "\\t";
-        break;
-      case '\r':
-        result += "\\r";
-        break;
-      case '\n':
-        result += "\\n";
-        break;
-      case '\\':
-        result += "\\\\";
-        break;
-      default:
-        result += c;
-    }
-  }
-  return result;
 }
 
 std::string JsonText(std::string_view text) {

@@ -35,9 +35,6 @@ class RecordWriter {
   Format format_;
 };
 
-// Tab, CR, LF and backslash as "\t", "\r", "\n" and "\\"; every other byte as it is.
-std::string EscapeField(std::string_view text);
-
 // The text as a JSON string with its quotes. A byte that is no UTF-8 becomes U+FFFD.
 std::string JsonText(std::string_view text);
 

@@ -1,0 +1,407 @@
+#include "recovery/removal.h"
+
+#include <gmock/gmock.h>
+
+#include "scan/scan_fixture.h"
+#include "support/victim.h"
+
+namespace quarnel {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::EndsWith;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::SizeIs;
+using ::testing::StartsWith;
+using ::testing::UnorderedElementsAre;
+
+constexpr std::string_view kThreat = "Threat";
+
+// A removal on a machine with real files, keys and cookies.
+class RemovalTest : public ScanTest {
+ protected:
+  RemovalTest() {
+    page.ImgStopScanMouseMove.SetVisible(false);
+    settings.SaveSetting("Registry Status", "ResetValue", "x");
+    settings.ResetRegistrySettings();
+    if (!files().Stat(machine().ProgramFolder())) CreateFolders(files(), machine().ProgramFolder());
+    EmptyQuarantine();
+  }
+  ~RemovalTest() override {
+    EmptyQuarantine();
+    IgnoringErrors([&] { files().Delete(RemovalReportPath(machine())); });
+  }
+
+  std::string Quarantine() { return GetPathWithSlash(machine().ProgramFolder()) + "Quarantine"; }
+  void EmptyQuarantine() {
+    if (!files().Stat(Quarantine())) return;
+    DeleteTree(files(), Quarantine());
+  }
+  std::vector<std::string> Quarantined() {
+    std::vector<std::string> names;
+    if (!files().Stat(Quarantine())) return names;
+    for (const DirectoryEntry& entry : files().List(Quarantine())) names.push_back(entry.name);
+    return names;
+  }
+
+  // A file trace in the results, with its file unless it is to be missing.
+  std::string AddFile(const std::string& name, bool makeFile = true) {
+    const std::string path = name.find('\\') == std::string::npos ? Path(name) : name;
+    if (makeFile) WriteWholeFile(files(), path, "x");
+    results.AddFileTrace({.path = path,
+                          .company = "Company",
+                          .threatName = std::string(kThreat),
+                          .typeName = "Type",
+                          .spywareId = "7"},
+                         root);
+    return path;
+  }
+  void AddKey(const std::string& key, const std::string& value) {
+    const std::string text = "HKEY_CURRENT_USER\\" + key + " -> Value Name: " + value;
+    resultsPage.lvwRegistryEntriesFound.Add(
+        {.text = "Company",
+         .subItems = {std::string(kThreat), "Type", "-2147483647", key, value, text}});
+    TreeNodeRef above = resultsPage.vbatvwResults.Find(kThreat);
+    if (!above) above = results.AddThreatRoot(kThreat, "Type");
+    results.ShowTrace(above, {.text = text});
+  }
+  void TickAll() {
+    for (const TreeNodeRef& node : resultsPage.vbatvwResults.InOrder()) node->checked = true;
+  }
+  void Tick(std::string_view text, bool ticked) {
+    for (const TreeNodeRef& node : resultsPage.vbatvwResults.InOrder()) {
+      if (WithoutPrefixes(node->text) == text) node->checked = ticked;
+    }
+  }
+
+  // "trace: fate (detail)" of every trace of the saved report.
+  std::vector<std::string> Fates() {
+    std::vector<std::string> fates;
+    const auto report = LoadRemovalReport(files(), machine());
+    if (!report) return {"no report"};
+    for (const ReportedTrace& trace : report->traces) {
+      std::string line = FileName_Parse(trace.trace) + ": " + std::string(NameOf(trace.fate));
+      if (!trace.detail.empty() && trace.fate != Fate::kQuarantined) line += " " + trace.detail;
+      fates.push_back(line);
+    }
+    return fates;
+  }
+  std::vector<std::string> Messages() {
+    std::vector<std::string> texts;
+    for (const MessageBox& box : host.messages) texts.push_back(box.text);
+    return texts;
+  }
+  bool Exists(std::string_view path) { return files().Stat(path).has_value(); }
+
+  Settings settings{registry(), "Quarnel"};
+  RemovalPage removalPage{form};
+  CookieScan cookieScan{context, "Quarnel"};
+  TreeNodeRef root;
+  // What the removal asked of its surroundings, in order.
+  std::vector<std::string> asked;
+  std::function<void()> onBackup = [] {};
+  Removal removal{{.page = removalPage,
+                   .scan = page,
+                   .results = resultsPage,
+                   .model = results,
+                   .cookies = cookieScan,
+                   .files = files(),
+                   .registry = registry(),
+                   .processes = platform().processes(),
+                   .machine = machine(),
+                   .desktop = platform().desktop(),
+                   .settings = settings,
+                   .host = host,
+                   .log = log},
+                  {.backupSpyware =
+                       [this] {
+                         asked.emplace_back("backup");
+                         onBackup();
+                         return BackupReport{.stem = "1_2", .folder = "C:\\B", .files = 3};
+                       },
+                   .askToCloseBrowser = [this] { asked.emplace_back("browser"); },
+                   .askToRestart = [this] { asked.emplace_back("restart"); },
+                   .showResultsTab = [this] { asked.emplace_back("tab"); },
+                   .saveLastScanResults = [this] { asked.emplace_back("dumps"); },
+                   .done = [this] { asked.emplace_back("done"); }}};
+  FileRemoval fileRemoval{{.files = files(),
+                           .processes = platform().processes(),
+                           .machine = machine(),
+                           .settings = settings,
+                           .host = host,
+                           .log = log}};
+};
+
+TEST_F(RemovalTest, SaysWhyItDoesNotStart) {
+  removal.cmdRemoveSpywares_Click();
+  AddFile("a.txt");
+  removal.cmdRemoveSpywares_Click();
+  page.ImgStopScanMouseMove.SetVisible(true);
+  TickAll();
+  removal.cmdRemoveSpywares_Click();
+  EXPECT_THAT(Messages(),
+              ElementsAre("There is no Spyware/Adware in the results list.", "Nothing selected.",
+                          "Please wait while [Scanning Process] is running."));
+  EXPECT_EQ(host.messages[0].title, "Quarnel");
+  EXPECT_EQ(host.messages[0].icon, MessageIcon::kInformation);
+  EXPECT_TRUE(Exists(Path("a.txt")));
+  EXPECT_FALSE(removal.LastReport());
+}
+
+TEST_F(RemovalTest, RemovesEverythingTickedByItsKind) {
+  const std::string text = AddFile("a.txt");
+  const std::string component = AddFile("b.DLL");
+  const std::string control = AddFile("c.ocx");
+  const std::string program = AddFile("d.exe");
+  const std::string noExtension = AddFile("none");
+  AddKey(Key("Whole"), "");
+  AddKey(Key("Values"), "Gone");
+  RegCreateKeyValue(registry(), kRoot, Key("Whole\\deep\\er"), "v", "1");
+  RegCreateKeyValue(registry(), kRoot, Key("Values"), "Gone", "1");
+  RegCreateKeyValue(registry(), kRoot, Key("Values"), "Stays", "1");
+  TickAll();
+  resultsPage.chkCreateRestore.SetValue(1);
+  onBackup = [&] { EXPECT_TRUE(Exists(text)); };
+  removal.cmdRemoveSpywares_Click();
+
+  for (const std::string& path : {text, component, control, program, noExtension}) {
+    EXPECT_FALSE(Exists(path)) << path;
+  }
+  EXPECT_THAT(Quarantined(), IsEmpty());
+  EXPECT_THAT(EnumSubKeys(registry(), kRoot, kTestKey), ElementsAre("Values"));
+  EXPECT_EQ(QueryText(registry(), kRoot, Key("Values"), "Stays"), "1");
+  RegistryValue value;
+  EXPECT_FALSE(QueryValue(registry(), kRoot, Key("Values"), "Gone", value));
+  // By default windows are closed without a word.
+  EXPECT_THAT(asked, ElementsAre("backup", "tab", "dumps", "restart"));
+  EXPECT_TRUE(resultsPage.lvwFilesToBeDeleted.Empty());
+  EXPECT_TRUE(resultsPage.lvwRegistryEntriesFound.Empty());
+  EXPECT_EQ(resultsPage.vbatvwResults.Count(), 0U);
+  EXPECT_EQ(resultsPage.sfttvwResults.Count(), 0U);
+  EXPECT_EQ(resultsPage.txtAdwareSpyware.Caption(), "0");
+  EXPECT_EQ(removalPage.lblDeletingCaption.Caption(), "Quarnel - Quarnel");
+  EXPECT_EQ(removalPage.lblScanSummaryMessage.Caption(), "YOUR PC IS NOW FREE OF ALL SPYWARE");
+  EXPECT_TRUE(removalPage.picRemoveSummary.Visible());
+  EXPECT_FALSE(resultsPage.picResultsRightWindow.Visible());
+  const RemovalReport& report = *removal.LastReport();
+  EXPECT_EQ(report.Count(Fate::kRemoved), 7U);
+  EXPECT_EQ(report.traces.size(), 7U);
+  EXPECT_EQ(report.backup->stem, "1_2");
+  EXPECT_EQ(report.problem, "");
+  EXPECT_EQ(LogText(), "");
+  removal.cmdFinish_Click();
+  EXPECT_FALSE(removalPage.picRemoveSummary.Visible());
+  EXPECT_EQ(asked.back(), "done");
+}
+
+TEST_F(RemovalTest, KeepsWhatIsNotTickedOrExempt) {
+  AddFile("gone.txt");
+  const std::string unticked = AddFile("unticked.txt");
+  const std::string exempt = AddFile("exempt.txt");
+  TickAll();
+  Tick(unticked, false);
+  resultsPage.lvwIgnoredSpywares.Add({.text = ToUpper(exempt)});
+  removal.cmdRemoveSpywares_Click();
+  EXPECT_TRUE(Exists(unticked));
+  EXPECT_TRUE(Exists(exempt));
+  EXPECT_THAT(Fates(), UnorderedElementsAre("gone.txt: removed", "unticked.txt: kept not ticked",
+                                            "exempt.txt: kept on the safe list"));
+  EXPECT_THAT(Texts(resultsPage.lvwFilesToBeDeleted), ElementsAre(unticked, exempt));
+  // The root keeps its unticked child; the exempt one was pruned with its tick.
+  EXPECT_THAT(TreeLines(), ElementsAre("Threat", "  [Found] - " + unticked));
+  EXPECT_EQ(removalPage.lblThreatLevelCount[kLevel - 1].Caption(), "1");
+  EXPECT_EQ(removalPage.lblScanSummaryMessage.Caption(), "YOUR PC IS CLEAR OF UNWANTED SPYWARE");
+  EXPECT_TRUE(removalPage.lblScanSummaryMessage.Bold());
+}
+
+TEST_F(RemovalTest, HandlesNothingWhenOnlyExemptTracesAreTicked) {
+  const std::string exempt = AddFile("exempt.txt");
+  resultsPage.lvwIgnoredSpywares.Add({.text = exempt});
+  TickAll();
+  removal.cmdRemoveSpywares_Click();
+  EXPECT_THAT(asked, ElementsAre("tab", "dumps"));  // no restart is offered
+  EXPECT_THAT(Texts(resultsPage.lvwFilesToBeDeleted), ElementsAre(exempt));
+}
+
+TEST_F(RemovalTest, TellsWhatResistedByWhatIsThere) {
+  const std::string component = AddFile("held.dll");
+  files().SetAttributes(component, file_attribute::kReadOnly);
+  const std::string text = AddFile("held.txt");
+  files().SetAttributes(text, file_attribute::kReadOnly);
+  const std::string hidden = AddFile("hidden.txt");
+  files().SetAttributes(hidden, file_attribute::kHidden);
+  AddFile("missing.txt", false);
+  TickAll();
+  removal.cmdRemoveSpywares_Click();
+  // A component that cannot be deleted is quarantined; any other file only when it was not found.
+  EXPECT_THAT(Quarantined(), ElementsAre("10410110810046100108108"));
+  EXPECT_FALSE(Exists(component));
+  EXPECT_TRUE(Exists(text));
+  EXPECT_TRUE(Exists(hidden));
+  EXPECT_TRUE(resultsPage.lvwFilesToBeDeleted.Empty());
+  EXPECT_THAT(Fates(), UnorderedElementsAre("held.dll: quarantined",
+                                            StartsWith("held.txt: failed still there: Permission"),
+                                            "hidden.txt: failed still there: a hidden file is "
+                                            "left alone",
+                                            "missing.txt: gone"));
+  EXPECT_THAT(removal.LastReport()->traces[0].detail,
+              EndsWith("\\Quarantine\\10410110810046100108108"));
+}
+
+TEST_F(RemovalTest, AFileThatComesBackIsAFailure) {
+  const std::string path = AddFile("phoenix.txt");
+  TickAll();
+  host.onEvents = [&] {
+    if (!Exists(path)) WriteWholeFile(files(), path, "again");
+  };
+  removal.cmdRemoveSpywares_Click();
+  host.onEvents = nullptr;
+  EXPECT_THAT(Fates(), ElementsAre("phoenix.txt: failed still there"));
+}
+
+TEST_F(RemovalTest, RefusesPathsThatLeadElsewhere) {
+  WriteWholeFile(files(), Path("precious.txt"), "keep");
+  files().CreateFolder(Path("sub"));
+  const std::string hostile[] = {Path("sub\\..\\precious.txt"), Scratch() + "\\\\precious.txt",
+                                 Path("precious.txt:stream"), Path("nul.txt"),
+                                 "\\\\.\\PhysicalDrive0"};
+  for (const std::string& path : hostile) AddFile(path, false);
+  AddFile("nobackslash", false);
+  resultsPage.lvwFilesToBeDeleted.SetText(5, "nobackslash");
+  TickAll();
+  for (size_t i = 0; i < 6; ++i) resultsPage.lvwFilesToBeDeleted.SetChecked(i, true);
+  removal.cmdRemoveSpywares_Click();
+  EXPECT_EQ(ReadWholeFile(files(), Path("precious.txt")), "keep");
+  EXPECT_TRUE(resultsPage.lvwFilesToBeDeleted.Empty());
+  const RemovalReport& report = *removal.LastReport();
+  EXPECT_EQ(report.Count(Fate::kKept), std::size(hostile));
+  for (const ReportedTrace& trace : report.traces) {
+    EXPECT_EQ(trace.detail.starts_with("refused: "), trace.fate == Fate::kKept) << trace.trace;
+  }
+  EXPECT_THAT(LogText(), HasSubstr("the path names a stream: "));
+}
+
+TEST_F(RemovalTest, CookiesGoEveryOtherRowAtATime) {
+  Install({.blockedCookies = "*.example\n"});
+  const std::string folder = GetPath(machine(), csidl::kCookies);
+  ListView& list = resultsPage.lvwTrackingCookieObjectrecognized;
+  std::vector<std::string> paths;
+  for (const std::string name : {"u@one[1].txt", "u@two[1].txt", "u@three[1].txt"}) {
+    paths.push_back(folder + "\\" + name);
+    WriteFile(paths.back(), "x");
+    list.Add({.text = paths.back(), .subItems = {"File"}});
+  }
+  resultsPage.lvwPicRemoveListOfSpywareFoundAndToBeRemoved.Add(
+      {.text = std::string(kTrackingObject)});
+  const TreeNodeRef group = results.AddThreatRoot(kTrackingObject, kTrackingCookies);
+  for (const std::string& path : paths) results.ShowTrace(group, {.text = path});
+  TickAll();
+  removal.cmdRemoveSpywares_Click();
+  EXPECT_FALSE(Exists(paths[0]));
+  EXPECT_TRUE(Exists(paths[1]));
+  EXPECT_FALSE(Exists(paths[2]));
+  EXPECT_THAT(Fates(), ElementsAre("u@one[1].txt: removed", "u@two[1].txt: failed still there",
+                                   "u@three[1].txt: removed"));
+  IgnoringErrors([&] { files().Delete(paths[1]); });
+}
+
+TEST_F(RemovalTest, AnErrorOnTheWayEndsItWithAReport) {
+  AddFile("a.txt");
+  TickAll();
+  settings.SaveSetting("OptionAndSettings", "ShowAlways", "perhaps");
+  removal.cmdRemoveSpywares_Click();
+  EXPECT_TRUE(Exists(Path("a.txt")));
+  EXPECT_THAT(LogText(), HasSubstr("cmdRemoveSpywares_Click in frmMain"));
+  EXPECT_THAT(LoadRemovalReport(files(), machine())->problem, HasSubstr("Type mismatch"));
+  EXPECT_THAT(Fates(), ElementsAre("a.txt: failed still there: not reached"));
+}
+
+TEST_F(RemovalTest, AsksAboutBrowsersByTheSettings) {
+  struct Case {
+    const char* always;
+    bool asks;
+  };
+  for (const Case& c : {Case{"True", true}, Case{"False", false}}) {
+    asked.clear();
+    AddFile("a.txt");
+    TickAll();
+    settings.SaveSetting("OptionAndSettings", "ShowAlways", c.always);
+    removal.cmdRemoveSpywares_Click();
+    EXPECT_EQ(asked.front() == "browser", c.asks);
+  }
+}
+
+TEST_F(RemovalTest, LevelsAboveFiveEndTheCount) {
+  TreeView& tree = resultsPage.vbatvwResults;
+  for (const char* level : {"1 ",
+                            "\x14"
+                            "3 ",
+                            "0 ", "none", "5 "}) {
+    tree.SetColumn(*tree.AddRoot(level, level), 2, level);
+  }
+  removal.CountThreatLevels();
+  std::vector<std::string> counts;
+  for (const Label& count : removalPage.lblThreatLevelCount) counts.push_back(count.Caption());
+  EXPECT_THAT(counts, ElementsAre("1", "0", "1", "0", "1"));
+  tree.SetColumn(*tree.AddRoot("6", "6"), 2, "6 ");
+  removal.CountThreatLevels();
+  EXPECT_THAT(LogText(), HasSubstr("Subscript out of range"));
+}
+
+TEST_F(RemovalTest, EndsARunningProgramByItsPath) {
+  const Victim victim(platform(), Path("averylongprogramname.exe"));
+  ASSERT_NE(victim.Id(), 0U);
+  AddFile(victim.Path(), false);
+  TickAll();
+  removal.cmdRemoveSpywares_Click();
+  EXPECT_TRUE(platform().processes().WaitForEnd(victim.Id(), std::chrono::seconds(10)));
+  EXPECT_FALSE(Exists(victim.Path()));
+  EXPECT_THAT(Fates(), ElementsAre(::testing::AnyOf("averylongprogramname.exe: removed",
+                                                    "averylongprogramname.exe: quarantined")));
+}
+
+TEST_F(RemovalTest, NoProcessIsEndedForANameThatNoneHas) {
+  EXPECT_TRUE(fileRemoval.StopThisProcess("no such program.exe"));
+  EXPECT_TRUE(fileRemoval.StopThisProcess(""));
+  EXPECT_EQ(fileRemoval.StopAndKillSpyExe("nobackslash.exe"), 0);
+  EXPECT_EQ(fileRemoval.StopAndKillSpyExe(Path("missing.exe")), -1);
+  EXPECT_EQ(fileRemoval.UnregisterAndDeleteDLLAndOCX(Path("missing.dll")), 0);
+  EXPECT_FALSE(fileRemoval.DeleteSpywareFile(Path("missing.txt")));
+}
+
+TEST_F(RemovalTest, ANameTakenInTheQuarantineStaysOrGetsASuffix) {
+  const auto quarantine = [&](std::string_view content) {
+    WriteWholeFile(files(), Path("a.b"), content);
+    FileOutcome outcome;
+    fileRemoval.MoveThisFile(Path("a.b"), outcome);
+    return outcome;
+  };
+  EXPECT_EQ(quarantine("1").quarantine, Quarantine() + "\\974698");
+  EXPECT_NE(quarantine("2").obstacle, "");
+  EXPECT_TRUE(Exists(Path("a.b")));
+  EXPECT_THAT(LogText(), HasSubstr("MoveThisFile"));
+  settings.Save(setting::kStrict, "1");
+  EXPECT_EQ(quarantine("3").quarantine, Quarantine() + "\\974698_2");
+  EXPECT_EQ(ReadWholeFile(files(), Quarantine() + "\\974698"), "1");
+}
+
+TEST(RemovalReports, ComeBackWholeOrNotAtAll) {
+  RemovalReport report{.time = "2008-06-14 10:25:16", .problem = "a\tb\\c\r\nd"};
+  report.backup = BackupReport{.stem = "1_2", .folder = "C:\\B", .registryTraces = 1, .files = 2};
+  report.backup->failures = {{"C:\\a", "gone"}};
+  report.traces = {{TraceKind::kCookie, "C:\\\xE4\n", "T", Fate::kKept, "why"}};
+  const std::string text = RemovalReportText(report);
+  const auto back = ReadRemovalReport(text);
+  ASSERT_TRUE(back);
+  EXPECT_EQ(RemovalReportText(*back), text);
+  EXPECT_EQ(back->problem, report.problem);
+  EXPECT_EQ(back->traces, report.traces);
+  for (size_t length = 0; length < text.size(); ++length) {
+    EXPECT_FALSE(ReadRemovalReport(std::string_view(text).substr(0, length))) << length;
+  }
+  EXPECT_FALSE(ReadRemovalReport(text + "x\n"));
+}
+
+}  // namespace
+}  // namespace quarnel
