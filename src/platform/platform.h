@@ -34,7 +34,8 @@ class Platform {
 // when it does not exist. Raises RuntimeError with a readable reason when it cannot be opened.
 std::unique_ptr<Platform> OpenPlatform(const std::string& machineFolder);
 
-// The command line as UTF-8, and standard output switched to UTF-8: what a main() does first.
+// The command line as UTF-8, and the standard streams switched to UTF-8 with plain line feeds: what
+// a main() does first.
 std::vector<std::string> CommandLine(int argc, char** argv);
 
 }  // namespace quarnel

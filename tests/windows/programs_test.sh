@@ -18,11 +18,17 @@ fail() {
   exit 1
 }
 
-# Runs a program; its output comes without the carriage returns of text files.
+# Runs a program, which must print plain line feeds into a file or pipe.
 run() {
-  local program=$1
+  local program=$1 status=0
   shift
-  "$runner" "$bin/$program.exe" "$@" | tr -d '\r'
+  "$runner" "$bin/$program.exe" "$@" 2>"$work/errors" >"$work/output" || status=$?
+  cat "$work/output"
+  cat "$work/errors" >&2
+  if grep -q $'\r' "$work/output" "$work/errors"; then
+    echo "carriage returns: $program $*" >>"$work/faults"
+  fi
+  return "$status"
 }
 
 # Where the runner cannot run anything, it has said why.
@@ -95,4 +101,14 @@ for call in "quarnel-console --machine $work scan" "quarnel-machine create $work
   grep -q 'the machine is this system itself' "$work/refused" ||
     fail "no reason given for $call: $(cat "$work/refused")"
 done
+
+# ---- a script on standard input ------------------------------------------------------------
+status=0
+printf 'get lblUpdatesAvailable\r\nget none\r\n' |
+  run quarnel-console >"$work/shown" 2>"$work/refused" || status=$?
+[[ $status -eq 1 && $(cat "$work/shown") == "Updates Available" ]] ||
+  fail "the script ended with $status: $(cat "$work/shown" "$work/refused")"
+grep -qxF '2: unknown name: "none"' "$work/refused" || fail "told: $(cat "$work/refused")"
+
+[[ ! -e $work/faults ]] || fail "$(cat "$work/faults")"
 echo "programs_test: $traces traces of $threats threats found"

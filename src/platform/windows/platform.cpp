@@ -2,6 +2,7 @@
 
 #include "base/runtime_error.h"
 #include "platform/windows/backends.h"
+#include "platform/windows/standard_streams.h"
 #include "platform/windows/wide_text.h"
 #include "platform/windows/win32.h"
 
@@ -40,20 +41,6 @@ class WindowsPlatform : public Platform {
   std::unique_ptr<Power> power_;
 };
 
-// The console belongs to whoever started the program, too.
-class Utf8Console {
- public:
-  Utf8Console() { SetConsoleOutputCP(CP_UTF8); }
-  ~Utf8Console() {
-    if (before_ != 0) SetConsoleOutputCP(before_);
-  }
-  Utf8Console(const Utf8Console&) = delete;
-  Utf8Console& operator=(const Utf8Console&) = delete;
-
- private:
-  const UINT before_ = GetConsoleOutputCP();  // 0 without a console
-};
-
 }  // namespace
 
 std::unique_ptr<Platform> OpenPlatform(const std::string& machineFolder) {
@@ -67,7 +54,7 @@ std::unique_ptr<Platform> OpenPlatform(const std::string& machineFolder) {
 }
 
 std::vector<std::string> CommandLine(int argc, char** argv) {
-  static const Utf8Console console;
+  PrintUtf8();
   int count = 0;
   wchar_t** wide = CommandLineToArgvW(GetCommandLineW(), &count);
   if (wide == nullptr) return {argv, argv + argc};
