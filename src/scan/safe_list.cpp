@@ -5,6 +5,13 @@
 #include "core/paths.h"
 
 namespace quarnel {
+namespace {
+
+std::string LineOf(std::string_view trace, std::string_view field1, std::string_view field2) {
+  return Join({std::string(trace), std::string(field1), std::string(field2)}, "^") + "\r\n";
+}
+
+}  // namespace
 
 std::string SafeListPath(Machine& machine) {
   return GetPathWithSlash(machine.ProgramFolder()) + std::string(kSafeListFile);
@@ -29,9 +36,15 @@ void SafeList::AddIgnoredSpywaresTolvw(std::string_view path, std::string_view f
     const std::string trace = WithoutPrefixes(text);
     if (list.FindText(trace)) return;
     list.Add({.text = trace, .subItems = {std::string(field1), std::string(field2)}});
-    AppendToFile(files_, path,
-                 Join({trace, std::string(field1), std::string(field2)}, "^") + "\r\n");
+    AppendToFile(files_, path, LineOf(trace, field1, field2));
   });
+}
+
+void SafeList::Rewrite(std::string_view path, const ListView& list) {
+  std::string text;
+  for (const ListRow& row : list.Rows()) text += LineOf(row.text, row.SubItem(1), row.SubItem(2));
+  if (!text.empty()) return ReplaceWholeFile(files_, path, text);
+  if (FileExists(files_, path)) IgnoringErrors([&] { files_.Delete(path); });
 }
 
 bool SafeList::AddTickedTraces(std::string_view path, ResultsPage& page) {

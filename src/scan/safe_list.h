@@ -30,6 +30,10 @@ class SafeList {
                                std::string_view text, std::string_view field2, bool addNew,
                                ListView& list);
 
+  // Makes the file at `path` hold the rows of `list`, in one step; without any row there is no file
+  // afterwards. Raises when it cannot be written, which leaves it as it was.
+  void Rewrite(std::string_view path, const ListView& list);
+
   // Moves every ticked trace of the results tree to the safe list and marks it so in the tree.
   // True when there was one.
   bool AddTickedTraces(std::string_view path, ResultsPage& page);

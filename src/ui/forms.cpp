@@ -13,6 +13,14 @@ typename FormSlot<FormType>::Factory Made(const Services& services) {
 Forms::Forms(const Services& services, StartOptions options)
     : splash(Made<frmSplash>(services)),
       close(Made<frmClose>(services)),
+      closeIE([this, services] { return std::make_unique<frmCloseIE>(services, main_->options); }),
+      reBootMachine([services] {
+        return std::make_unique<frmReBootMachine>(services, services.platform.power());
+      }),
+      ingnoredSpywares([this, services] {
+        return std::make_unique<frmIngnoredSpywares>(services, main_->results);
+      }),
+      ingnoredProcesses(Made<frmIngnoredProcesses>(services)),
       main_(std::make_unique<frmMain>(services, *this, options)) {
   all_.push_back({"frmMain", [this]() -> Form& {
                     main_->Load();
@@ -20,6 +28,10 @@ Forms::Forms(const Services& services, StartOptions options)
                   }});
   List("frmSplash", splash);
   List("frmClose", close);
+  List("frmCloseIE", closeIE);
+  List("frmReBootMachine", reBootMachine);
+  List("frmIngnoredSpywares", ingnoredSpywares);
+  List("frmIngnoredProcesses", ingnoredProcesses);
 }
 
 Forms::~Forms() = default;

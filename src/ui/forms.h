@@ -7,7 +7,11 @@
 
 #include "controls/form.h"
 #include "ui/frm_close.h"
+#include "ui/frm_close_ie.h"
+#include "ui/frm_ingnored_processes.h"
+#include "ui/frm_ingnored_spywares.h"
 #include "ui/frm_main.h"
+#include "ui/frm_reboot_machine.h"
 #include "ui/frm_splash.h"
 #include "ui/services.h"
 
@@ -24,6 +28,10 @@ class Forms {
 
   FormSlot<frmSplash> splash;
   FormSlot<frmClose> close;
+  FormSlot<frmCloseIE> closeIE;
+  FormSlot<frmReBootMachine> reBootMachine;
+  FormSlot<frmIngnoredSpywares> ingnoredSpywares;
+  FormSlot<frmIngnoredProcesses> ingnoredProcesses;
 
   frmMain& main() { return *main_; }
 

@@ -13,8 +13,7 @@
 namespace quarnel {
 namespace {
 
-// The marks that cmdDone and cmdRemoveSpywares carry while no result waits to be dealt with.
-constexpr std::string_view kDealtWith = "DONE";
+// The mark that imgNext(0) carries while the results wait for the removal.
 constexpr std::string_view kResultMode = "ResultMode";
 
 }  // namespace
@@ -54,6 +53,20 @@ frmMain::frmMain(Services services, Forms& forms, StartOptions startOptions)
                    .files = fileScan_,
                    .deep = deepScan_},
                   *this, s_.settings),
+      removalLogic_({.page = removal,
+                     .scan = scan,
+                     .results = results,
+                     .model = resultsModel_,
+                     .cookies = cookieScan_,
+                     .files = s_.platform.files(),
+                     .registry = s_.platform.registry(),
+                     .processes = s_.platform.processes(),
+                     .machine = s_.platform.machine(),
+                     .desktop = s_.platform.desktop(),
+                     .settings = s_.settings,
+                     .host = s_.host,
+                     .log = s_.log},
+                    SurroundingsOfRemoval()),
       optionLogic_({.page = options,
                     .results = results,
                     .scan = scan,
@@ -75,6 +88,7 @@ frmMain::frmMain(Services services, Forms& forms, StartOptions startOptions)
   }
   WireScan();
   WireResults();
+  WireRemoval();
   WireMenu();
   WireTimers();
 }
@@ -317,18 +331,6 @@ void frmMain::imgNext_Click(int index) {
     }
     Form_Resize();
     Refresh();
-  });
-}
-
-void frmMain::cmdDone_Click() {
-  Reporting(s_.log, "cmdDone_Click in frmMain", [&] {
-    results.cmdDone.SetTag(kDealtWith);
-    results.cmdRemoveSpywares.SetTag(kDealtWith);
-    if (options.chkMemorySheild.Checked()) timers.tmrMemoryInspected.SetEnabled(true);
-    results.imgNext0.SetTag("");
-    scan.picScanningProcessRightWindow.SetVisible(true);
-    results.picResultsRightWindow.SetVisible(true);
-    Form_Resize();
   });
 }
 

@@ -11,6 +11,7 @@
 #include "controls/simple_controls.h"
 #include "controls/timer.h"
 #include "controls/tray_icon.h"
+#include "recovery/removal.h"
 #include "scan/file_scan.h"
 #include "scan/results.h"
 #include "scan/safe_list.h"
@@ -94,6 +95,7 @@ class frmMain : public Form, private ScanSurroundings {
 
   ScanPage scan{*this};
   ResultsPage results{*this};
+  RemovalPage removal{*this};
   OptionsPage options{*this};
   TabStrip tabs{*this};
   MainMenu menu{*this};
@@ -114,6 +116,8 @@ class frmMain : public Form, private ScanSurroundings {
   void Minimise();
   void MakeTimersEnabledOrDisableAcordingToSetting(bool leaveAlone) override;
   bool DownloadRuns() const;
+  // What the last removal of this run did.
+  const std::optional<RemovalReport>& LastRemoval() const { return removalLogic_.LastReport(); }
   // What the last scan could not read.
   const Unread& CouldNotRead() const { return unread_; }
   bool MainWindowShowing() const { return bMainWindowShowing_; }
@@ -167,6 +171,8 @@ class frmMain : public Form, private ScanSurroundings {
 
   void WireScan();
   void WireResults();
+  void WireRemoval();
+  RemovalSurroundings SurroundingsOfRemoval();
   void WireMenu();
   void WireTimers();
   OptionEffects Effects();
@@ -199,6 +205,7 @@ class frmMain : public Form, private ScanSurroundings {
   HashPool hashPool_;
   DeepScan deepScan_;
   ScanController controller_;
+  Removal removalLogic_;
   Options optionLogic_;
   Summary summaryLogic_;
 

@@ -92,7 +92,7 @@ TEST_F(SettingsTest, TheTableNamesEachSettingOnce) {
       EXPECT_TRUE(text.empty() || IgnoringErrors([&] { ToBoolean(text); })) << key.key;
     }
   }
-  EXPECT_EQ(names.size(), 41u);
+  EXPECT_EQ(names.size(), 42u);
 }
 
 TEST_F(SettingsTest, ResetRunsOnceAndOnlyWhenAskedFor) {
