@@ -20,13 +20,13 @@ constexpr auto kPatience = std::chrono::milliseconds(5);
 
 }  // namespace
 
-std::optional<std::string_view> HashPool::Job::Next(std::span<char> buffer) {
+std::optional<size_t> HashPool::Job::Next(std::span<char> buffer) {
   size_t size = 0;
   const bool read = !abandoned_.load(std::memory_order_relaxed) && IgnoringErrors([&] {
     if (!file_) file_ = files_.OpenListed(path_);
     size = file_->Read(buffer);
   });
-  if (read) return std::string_view(buffer.data(), size);
+  if (read) return size;
   Finish();
   return std::nullopt;
 }

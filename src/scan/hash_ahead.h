@@ -33,7 +33,7 @@ class HashPool {
 
    private:
     friend class HashPool;
-    std::optional<std::string_view> Next(std::span<char> buffer) override;
+    std::optional<size_t> Next(std::span<char> buffer) override;
     void Done(const Md5Digest& digest) override;
     void Finish();
 

@@ -66,8 +66,8 @@ struct Words8 {
 
 }  // namespace
 
-void Md5LanesAvx2(uint32_t* state, const char* const* blocks, size_t count) {
-  Md5Lanes<Words8, kMd5LanesAvx2 / Words8::kLanes>(state, blocks, count);
+void Md5LanesAvx2(uint32_t* state, const char* const* blocks, size_t count, size_t lanes) {
+  Md5SomeLanes<Words8, kMd5LanesAvx2 / Words8::kLanes>(state, blocks, count, lanes);
 }
 
 }  // namespace quarnel

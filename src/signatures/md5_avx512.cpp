@@ -67,8 +67,8 @@ struct Words16 {
 
 }  // namespace
 
-void Md5LanesAvx512(uint32_t* state, const char* const* blocks, size_t count) {
-  Md5Lanes<Words16, kMd5LanesAvx512 / Words16::kLanes>(state, blocks, count);
+void Md5LanesAvx512(uint32_t* state, const char* const* blocks, size_t count, size_t lanes) {
+  Md5SomeLanes<Words16, kMd5LanesAvx512 / Words16::kLanes>(state, blocks, count, lanes);
 }
 
 }  // namespace quarnel

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <array>
-#include <cstring>
+#include <iterator>
 #include <utility>
 #include <vector>
 
@@ -16,49 +16,62 @@ constexpr std::array<uint32_t, 4> kInitialState = {0x67452301, 0xEFCDAB89, 0x98B
 
 // Small enough that all lanes together stay in the processor's cache.
 constexpr size_t kBufferSize = size_t{16} * 1024;
-// The buffers of two lanes do not lie a power of two apart: they are read at the same pace, and
-// would push each other out of the cache.
+static_assert(kBufferSize % kBlock == 0);
+// Behind a message there is room for its padding. The buffers of two lanes do not lie a power of
+// two apart: they are read at the same pace, and would push each other out of the cache.
 constexpr size_t kBufferDistance = kBufferSize + 3 * kBlock;
 
-// With fewer messages than this in work, one after the other is faster.
-constexpr size_t kWorthwhile = 4;
+using Kernel = void (*)(uint32_t* state, const char* const* blocks, size_t count, size_t lanes);
 
-using Kernel = void (*)(uint32_t* state, const char* const* blocks, size_t count);
-
-struct Implementation {
-  Kernel kernel;
+// A kernel for so many messages.
+struct Shape {
+  Md5Level level;
   size_t lanes;
+  Kernel kernel;
 };
 
-void OneLane(uint32_t* state, const char* const* blocks, size_t count) {
+void OneLane(uint32_t* state, const char* const* blocks, size_t count, size_t /*lanes*/) {
   Md5BlocksPortable(state, blocks[0], count);
 }
 
-Implementation ImplementationOf(Md5Level level) {
-  switch (std::min(level, BestMd5Level())) {
+// The first one that the level allows and that has enough lanes is the fastest: narrow vectors turn
+// their blocks sooner, and wide ones hash more.
+constexpr Shape kShapes[] = {
+    {Md5Level::kPortable, 1, OneLane},
+#if defined(__SSE2__)
+    {Md5Level::kSse2, kMd5WidthSse2, Md5LanesSse2},
+#endif
 #if defined(__x86_64__)
-    case Md5Level::kAvx512:
-      return {Md5LanesAvx512, kMd5LanesAvx512};
-    case Md5Level::kAvx2:
-      return {Md5LanesAvx2, kMd5LanesAvx2};
+    {Md5Level::kAvx2, kMd5WidthAvx2, Md5LanesAvx2},
+    {Md5Level::kAvx512, kMd5WidthAvx512, Md5LanesAvx512},
+    {Md5Level::kAvx512, 2 * kMd5WidthAvx512, Md5LanesAvx512},
+    {Md5Level::kAvx512, kMd5LanesAvx512, Md5LanesAvx512},
+    {Md5Level::kAvx2, 2 * kMd5WidthAvx2, Md5LanesAvx2},
+    {Md5Level::kAvx2, 3 * kMd5WidthAvx2, Md5LanesAvx2},
+    {Md5Level::kAvx2, kMd5LanesAvx2, Md5LanesAvx2},
 #endif
 #if defined(__SSE2__)
-    case Md5Level::kSse2:
-      return {Md5LanesSse2, kMd5LanesSse2};
+    {Md5Level::kSse2, 2 * kMd5WidthSse2, Md5LanesSse2},
 #endif
-    default:
-      return {OneLane, 1};
+#if defined(__x86_64__)
+    {Md5Level::kSse2, 3 * kMd5WidthSse2, Md5LanesSse2},
+    {Md5Level::kSse2, kMd5LanesSse2, Md5LanesSse2},
+#endif
+};
+
+size_t MostLanes(Md5Level level) {
+  size_t most = 0;
+  for (const Shape& shape : kShapes) {
+    if (shape.level <= level) most = std::max(most, shape.lanes);
   }
+  return most;
 }
 
 // The part of a lane that only changes from piece to piece.
 struct Lane {
   Md5Message* message = nullptr;
-  std::string_view rest;  // of the present piece
-  uint64_t size = 0;      // bytes that came so far
-  size_t held = 0;        // bytes in `tail` that are no whole block yet
-  bool padded = false;    // what is being hashed are the message's last blocks
-  std::array<char, 2 * kBlock> tail{};
+  uint64_t size = 0;    // bytes that came so far
+  bool padded = false;  // what is being hashed are the message's last blocks
 };
 
 }  // namespace
@@ -78,9 +91,10 @@ Md5Level BestMd5Level() {
 
 class Md5Batch::Engine {
  public:
-  explicit Engine(Md5Level level) : implementation_(ImplementationOf(level)) {}
+  explicit Engine(Md5Level level)
+      : level_(std::min(level, BestMd5Level())), mostLanes_(MostLanes(level_)) {}
 
-  size_t Lanes() const { return implementation_.lanes; }
+  size_t Lanes() const { return mostLanes_; }
   void Run(const std::function<Md5Message*()>& next);
 
  private:
@@ -88,9 +102,12 @@ class Md5Batch::Engine {
   bool Begin(size_t lane, const std::function<Md5Message*()>& next);
   bool Supply(size_t lane);
   void Hash();
+  const Shape& ShapeFor(size_t lanes) const;
+  void HashAll(const Shape& shape, std::span<const size_t> busy, size_t shortest);
+  void HashSome(const Shape& shape, std::span<const size_t> busy, size_t shortest);
   std::array<uint32_t, 4> StateOf(size_t lane) const;
   void SetState(size_t lane, const std::array<uint32_t, 4>& state);
-  std::span<char> BufferOf(size_t lane);
+  char* BufferOf(size_t lane);
 
   // What the kernels see: for each lane where it reads, and how many whole blocks are there.
   alignas(64) std::array<uint32_t, 4 * kMostMd5Lanes> states_{};
@@ -98,7 +115,8 @@ class Md5Batch::Engine {
   std::array<size_t, kMostMd5Lanes> blocks_{};
   std::array<Lane, kMostMd5Lanes> lanes_;
   std::unique_ptr<char[]> buffers_;
-  const Implementation implementation_;
+  const Md5Level level_;
+  const size_t mostLanes_;
 };
 
 std::array<uint32_t, 4> Md5Batch::Engine::StateOf(size_t lane) const {
@@ -111,9 +129,9 @@ void Md5Batch::Engine::SetState(size_t lane, const std::array<uint32_t, 4>& stat
   for (size_t i = 0; i < 4; ++i) states_[i * Lanes() + lane] = state[i];
 }
 
-std::span<char> Md5Batch::Engine::BufferOf(size_t lane) {
+char* Md5Batch::Engine::BufferOf(size_t lane) {
   if (!buffers_) buffers_ = std::make_unique_for_overwrite<char[]>(Lanes() * kBufferDistance);
-  return {buffers_.get() + lane * kBufferDistance, kBufferSize};
+  return buffers_.get() + lane * kBufferDistance;
 }
 
 // Puts the next message into a free lane; false when there is none.
@@ -121,47 +139,31 @@ bool Md5Batch::Engine::Begin(size_t lane, const std::function<Md5Message*()>& ne
   Lane& l = lanes_[lane];
   l.message = next();
   if (l.message == nullptr) return false;
-  l.rest = {};
   l.size = 0;
-  l.held = 0;
   l.padded = false;
   SetState(lane, kInitialState);
   return true;
 }
 
-// Finds whole blocks of the lane's message; false when it was given up.
+// Fills the lane's buffer with its message, and with the padding where that ends: most files go
+// through in one piece. False when the message was given up.
 bool Md5Batch::Engine::Supply(size_t lane) {
   Lane& l = lanes_[lane];
-  for (;;) {
-    if (l.rest.empty()) {
-      const auto piece = l.message->Next(BufferOf(lane));
-      if (!piece) return false;
-      l.rest = *piece;
-      l.size += piece->size();
-      if (piece->empty()) break;
-    }
-    if (l.held == 0 && l.rest.size() >= kBlock) {
-      at_[lane] = l.rest.data();
-      blocks_[lane] = l.rest.size() / kBlock;
-      l.rest.remove_prefix(blocks_[lane] * kBlock);
-      return true;
-    }
-    // The bytes that are no whole block wait for the next piece.
-    const size_t taken = std::min(kBlock - l.held, l.rest.size());
-    std::memcpy(l.tail.data() + l.held, l.rest.data(), taken);
-    l.rest.remove_prefix(taken);
-    l.held += taken;
-    if (l.held == kBlock) {
-      l.held = 0;
-      at_[lane] = l.tail.data();
-      blocks_[lane] = 1;
-      return true;
+  char* const buffer = BufferOf(lane);
+  size_t filled = 0;
+  while (filled < kBufferSize) {
+    const auto count = l.message->Next({buffer + filled, kBufferSize - filled});
+    if (!count) return false;
+    filled += *count;
+    l.size += *count;
+    if (*count == 0) {
+      filled += PadMd5(l.size, buffer + filled);
+      l.padded = true;
+      break;
     }
   }
-  const size_t size = l.held + PadMd5(l.size, l.tail.data() + l.held);
-  l.padded = true;
-  at_[lane] = l.tail.data();
-  blocks_[lane] = size / kBlock;
+  at_[lane] = buffer;
+  blocks_[lane] = filled / kBlock;
   return true;
 }
 
@@ -180,38 +182,65 @@ bool Md5Batch::Engine::Fill(size_t lane, const std::function<Md5Message*()>& nex
   return false;
 }
 
+const Shape& Md5Batch::Engine::ShapeFor(size_t lanes) const {
+  const Shape* shape = std::begin(kShapes);
+  while (shape->level > level_ || shape->lanes < lanes) ++shape;
+  return *shape;
+}
+
 // Hashes as many blocks as every lane has.
 void Md5Batch::Engine::Hash() {
-  size_t active = 0;
-  size_t count = SIZE_MAX;
-  const char* readable = nullptr;
+  std::array<size_t, kMostMd5Lanes> lanes{};
+  size_t count = 0;
+  size_t shortest = 0;
   for (size_t lane = 0; lane < Lanes(); ++lane) {
     if (blocks_[lane] == 0) continue;
-    ++active;
-    if (blocks_[lane] < count) {
-      count = blocks_[lane];
-      readable = at_[lane];
-    }
+    if (count == 0 || blocks_[lane] < blocks_[shortest]) shortest = lane;
+    lanes[count++] = lane;
   }
-  if (active < std::min(kWorthwhile, Lanes())) {
-    for (size_t lane = 0; lane < Lanes(); ++lane) {
-      if (blocks_[lane] == 0) continue;
-      std::array<uint32_t, 4> state = StateOf(lane);
-      Md5BlocksPortable(state.data(), at_[lane], blocks_[lane]);
-      SetState(lane, state);
-      blocks_[lane] = 0;
-    }
-    return;
+  const std::span<const size_t> busy(lanes.data(), count);
+  const size_t blocks = blocks_[shortest];
+  const Shape& shape = ShapeFor(count);
+  if (shape.lanes == Lanes()) {
+    HashAll(shape, busy, shortest);
+  } else {
+    HashSome(shape, busy, shortest);
   }
-  for (size_t lane = 0; lane < Lanes(); ++lane) {
+  for (const size_t lane : busy) {
+    at_[lane] += blocks * kBlock;
+    blocks_[lane] -= blocks;
+  }
+}
+
+void Md5Batch::Engine::HashAll(const Shape& shape, std::span<const size_t> busy, size_t shortest) {
+  if (busy.size() < Lanes()) {
     // A free lane hashes what another one hashes, and nobody looks at its result.
-    if (blocks_[lane] == 0) at_[lane] = readable;
+    for (size_t lane = 0; lane < Lanes(); ++lane) {
+      if (blocks_[lane] == 0) at_[lane] = at_[shortest];
+    }
   }
-  implementation_.kernel(states_.data(), at_.data(), count);
-  for (size_t lane = 0; lane < Lanes(); ++lane) {
-    if (blocks_[lane] == 0) continue;
-    at_[lane] += count * kBlock;
-    blocks_[lane] -= count;
+  shape.kernel(states_.data(), at_.data(), blocks_[shortest], Lanes());
+}
+
+// The last messages of a run are often long ones, and few: the fewer lanes go at a time, the sooner
+// they end.
+void Md5Batch::Engine::HashSome(const Shape& shape, std::span<const size_t> busy,
+                                size_t shortest) {
+  const size_t lanes = shape.lanes;
+  alignas(64) std::array<uint32_t, 4 * kMostMd5Lanes> states{};
+  std::array<const char*, kMostMd5Lanes> at{};
+  for (size_t i = 0; i < lanes; ++i) {
+    const size_t lane = i < busy.size() ? busy[i] : shortest;
+    for (size_t word = 0; word < 4; ++word) {
+      states[word * lanes + i] = states_[word * Lanes() + lane];
+    }
+    at[i] = at_[lane];
+  }
+  shape.kernel(states.data(), at.data(), blocks_[shortest], lanes);
+  for (size_t i = 0; i < busy.size(); ++i) {
+    for (size_t word = 0; word < 4; ++word) {
+      states_[word * Lanes() + busy[i]] = states[word * lanes + i];
+    }
   }
 }
 
@@ -249,8 +278,10 @@ struct WholeMessage : Md5Message {
   std::string_view text;
   Md5Digest* digest = nullptr;
 
-  std::optional<std::string_view> Next(std::span<char> /*buffer*/) override {
-    return std::exchange(text, {});
+  std::optional<size_t> Next(std::span<char> buffer) override {
+    const size_t count = text.copy(buffer.data(), buffer.size());
+    text.remove_prefix(count);
+    return count;
   }
   void Done(const Md5Digest& result) override { *digest = result; }
 };

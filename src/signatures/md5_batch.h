@@ -22,10 +22,9 @@ Md5Level BestMd5Level();
 class Md5Message {
  public:
   virtual ~Md5Message() = default;
-  // The next piece; an empty one at the end, and nothing to give the message up. A piece may lie in
-  // `buffer`, which is the message's until its end, or in memory of its own that stays as it is
-  // until the next call.
-  virtual std::optional<std::string_view> Next(std::span<char> buffer) = 0;
+  // Puts what comes next into `buffer` and returns how many bytes that are; 0 at the end, and
+  // nothing to give the message up.
+  virtual std::optional<size_t> Next(std::span<char> buffer) = 0;
   // Called once, after the end of a message that was not given up. The message may destroy itself.
   virtual void Done(const Md5Digest& digest) = 0;
 };

@@ -35,6 +35,17 @@ inline void Md5Lanes(uint32_t* state, const char* const* blocks, size_t count) {
   }
 }
 
+// As many groups as `lanes` messages need, at most kMostGroups.
+template <typename V, size_t kMostGroups>
+inline void Md5SomeLanes(uint32_t* state, const char* const* blocks, size_t count, size_t lanes) {
+  if constexpr (kMostGroups > 1) {
+    if (lanes <= (kMostGroups - 1) * V::kLanes) {
+      return Md5SomeLanes<V, kMostGroups - 1>(state, blocks, count, lanes);
+    }
+  }
+  Md5Lanes<V, kMostGroups>(state, blocks, count);
+}
+
 }  // namespace
 // NOLINTEND(cert-dcl59-cpp, misc-definitions-in-headers)
 }  // namespace quarnel

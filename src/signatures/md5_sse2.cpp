@@ -55,8 +55,8 @@ struct Words4 {
 
 }  // namespace
 
-void Md5LanesSse2(uint32_t* state, const char* const* blocks, size_t count) {
-  Md5Lanes<Words4, kMd5LanesSse2 / Words4::kLanes>(state, blocks, count);
+void Md5LanesSse2(uint32_t* state, const char* const* blocks, size_t count, size_t lanes) {
+  Md5SomeLanes<Words4, kMd5LanesSse2 / Words4::kLanes>(state, blocks, count, lanes);
 }
 
 }  // namespace quarnel
