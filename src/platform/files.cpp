@@ -6,6 +6,25 @@
 #include "base/text.h"
 
 namespace quarnel {
+namespace {
+
+class FolderByPath : public ListedFolder {
+ public:
+  FolderByPath(Files& files, std::string_view folder) : files_(files), folder_(folder) {}
+  std::unique_ptr<File> Open(std::string_view name) override {
+    return files_.Open(folder_ + std::string(name), OpenMode::kRead);
+  }
+
+ private:
+  Files& files_;
+  std::string folder_;
+};
+
+}  // namespace
+
+std::unique_ptr<ListedFolder> Files::OpenFolder(std::string_view folder) {
+  return std::make_unique<FolderByPath>(*this, folder);
+}
 
 std::string ReadWholeFile(Files& files, std::string_view path, uint64_t limit) {
   const std::unique_ptr<File> file = files.Open(path, OpenMode::kRead);

@@ -57,6 +57,15 @@ class File {
   virtual void Flush() = 0;
 };
 
+// A folder whose listed files are opened for reading, one thread's own.
+class ListedFolder {
+ public:
+  virtual ~ListedFolder() = default;
+  // A file by the name that List gave. Raises RuntimeError; one that is not there any more is
+  // kFileNotFound.
+  virtual std::unique_ptr<File> Open(std::string_view name) = 0;
+};
+
 // The file system, by Windows paths: "C:\WINDOWS\system32". A path is taken in any letter case and
 // with either slash; one without a drive is relative to the program's folder. Operations that
 // change something or open a file raise RuntimeError with the kind of the failure: kFileNotFound,
@@ -87,12 +96,10 @@ class Files {
 
   virtual std::unique_ptr<File> Open(std::string_view path, OpenMode mode) = 0;
 
-  // Opens a file that List gave, for reading. Any number of threads may call this at a time,
-  // whatever the one thread does with the rest meanwhile. A path that is not as the file system
-  // keeps it may be missed.
-  virtual std::unique_ptr<File> OpenListed(std::string_view path) {
-    return Open(path, OpenMode::kRead);
-  }
+  // For reading many files of a folder, whose path ends in a backslash. Any number of threads may
+  // call this at a time and use what they got, whatever the one thread does with the rest
+  // meanwhile. A folder or file that is not named as the file system keeps it may be missed.
+  virtual std::unique_ptr<ListedFolder> OpenFolder(std::string_view folder);
 
   virtual void Delete(std::string_view path) = 0;        // a file; a read-only one is refused
   virtual void DeleteFolder(std::string_view path) = 0;  // an empty folder

@@ -41,7 +41,7 @@ bool DeepScan::LoadSignatureHashText() {
   u_.page.lblPercentageCompleted.SetCaption("Loading signatures. Please wait...");
   u_.host.DoEvents();
   signatureHashText_ = HashIndex::Load(u_.files, u_.machine, signature_file::kPrograms, 2,
-                                       [this] { u_.host.DoEvents(); });
+                                       [this] { return GoesOn(); });
   return true;
 }
 
@@ -105,7 +105,7 @@ void DeepScan::TakeAhead(Walk& walk, HashQueue* queue) {
   // In one go from few to full: the pool's lock is taken once for many files.
   // So many entries are worked on while one large file, which takes a thread as long as anything
   // its size, is awaited.
-  constexpr size_t kMostAhead = 32768;
+  constexpr size_t kMostAhead = 73728;
   if (!walk.ahead.empty() &&
       (!queue || !queue->RunsLow() || walk.ahead.size() > kMostAhead / 8 * 7)) {
     return;
@@ -114,8 +114,13 @@ void DeepScan::TakeAhead(Walk& walk, HashQueue* queue) {
     auto entry = walk.tree.Next();
     if (!entry) break;
     const bool hashed = IsHashed(entry->found);
-    if (hashed && queue) queue->Add(entry->Path());
-    walk.ahead.push_back({.entry = std::move(*entry), .hashed = hashed});
+    if (hashed && queue) {
+      queue->Add(std::move(entry->folder), std::move(entry->found.name));
+      walk.ahead.push_back({.entry = nullptr, .hashed = true});
+    } else {
+      walk.ahead.push_back(
+          {.entry = std::make_unique<TreeWalk::Entry>(std::move(*entry)), .hashed = hashed});
+    }
   }
   if (queue) queue->Flush();
 }
@@ -131,14 +136,16 @@ void DeepScan::FindFilesAPI(std::string_view path) {
     if (walk.ahead.empty()) return;
     const Step step = std::move(walk.ahead.front());
     walk.ahead.pop_front();
-    const bool skipped = !walk.skipped.empty() && step.entry.folder.starts_with(walk.skipped);
-    if (skipped) {
+    const auto job = step.entry ? nullptr : queue->First();
+    const Place place = job ? Place{job->Folder(), job->Name()}
+                            : Place{*step.entry->folder, step.entry->found.name};
+    if (!walk.skipped.empty() && place.folder.starts_with(walk.skipped)) {
       if (step.hashed && ahead) ahead->Next([this] { return GoesOn(); });
       continue;
     }
     // An error ends the work on the folder and on all below it.
-    if (!Reporting(u_.log, "FindFilesAPI", [&] { InspectEntry(step, walk, ahead); })) {
-      walk.skipped = step.entry.folder;
+    if (!Reporting(u_.log, "FindFilesAPI", [&] { InspectEntry(place, step.hashed, walk, ahead); })) {
+      walk.skipped = place.folder;
     }
   }
 }
@@ -167,10 +174,10 @@ std::string DeepScan::HashOf(const std::string& path, Walk& walk, HashQueue* que
   return HashFile(u_.files, path, [this] { return !GoesOn(); });
 }
 
-void DeepScan::InspectEntry(const Step& step, Walk& walk, HashQueue* queue) {
-  const std::string path = step.entry.Path();
+void DeepScan::InspectEntry(const Place& place, bool hashed, Walk& walk, HashQueue* queue) {
+  const std::string path = place.folder + place.name;
   ShowProgress(path);
-  if (!step.hashed) return;
+  if (!hashed) return;
   const std::string hash = HashOf(path, walk, queue);
   if (u_.flags.scanStopRequested) return;
   if (hash == kNoHash) {

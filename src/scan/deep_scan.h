@@ -1,6 +1,7 @@
 #pragma once
 
 #include <deque>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -19,7 +20,7 @@ class DeepScan {
   // same results.
   DeepScan(const ScanContext& context, HashPool* pool) : u_(context), pool_(pool) {}
 
-  // Loads SignatureHashText; false when its file is missing.
+  // Loads SignatureHashText; false when its file is missing. Stop leaves it empty.
   bool LoadSignatureHashText();
 
   // The whole drive "C:\", if it answers. SignatureHashText is empty afterwards.
@@ -32,10 +33,16 @@ class DeepScan {
   double SizeFindFilesAPI(std::string_view path, bool reset);
 
  private:
-  // An entry of the walk; the files among those that have been taken ahead are being hashed.
+  // An entry of the walk that was taken ahead. Tens of thousands of them may wait: a file that is
+  // being hashed is known to the queue, in the same order, and has nothing here.
   struct Step {
-    TreeWalk::Entry entry;
+    std::unique_ptr<TreeWalk::Entry> entry;
     bool hashed = false;
+  };
+  // Where the present entry stands.
+  struct Place {
+    const std::string& folder;
+    const std::string& name;
   };
   struct Walk {
     TreeWalk tree;
@@ -46,7 +53,7 @@ class DeepScan {
   void ScanBelow(std::string_view path, double maximum);
   void FindFilesAPI(std::string_view path);
   void TakeAhead(Walk& walk, HashQueue* queue);
-  void InspectEntry(const Step& step, Walk& walk, HashQueue* queue);
+  void InspectEntry(const Place& place, bool hashed, Walk& walk, HashQueue* queue);
   void ShowProgress(const std::string& path);
   std::string HashOf(const std::string& path, Walk& walk, HashQueue* queue);
   bool GoesOn();

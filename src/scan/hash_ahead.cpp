@@ -22,10 +22,8 @@ constexpr auto kPatience = std::chrono::milliseconds(5);
 
 std::optional<size_t> HashPool::Job::Next(std::span<char> buffer) {
   size_t size = 0;
-  const bool read = !abandoned_.load(std::memory_order_relaxed) && IgnoringErrors([&] {
-    if (!file_) file_ = files_.OpenListed(path_);
-    size = file_->Read(buffer);
-  });
+  const bool read = file_ && !abandoned_.load(std::memory_order_relaxed) &&
+                    IgnoringErrors([&] { size = file_->Read(buffer); });
   if (read) return size;
   Finish();
   return std::nullopt;
@@ -39,7 +37,6 @@ void HashPool::Job::Done(const Md5Digest& digest) {
 void HashPool::Job::Finish() {
   const std::shared_ptr<Job> self = std::move(self_);
   file_.reset();
-  path_ = {};  // thousands of jobs may wait for their turn
   HashPool& pool = pool_;
   const bool low = pool.unfinished_.fetch_sub(1) == kFewPending;
   done_.store(true);
@@ -83,6 +80,7 @@ void HashPool::Take(Jobs& jobs) {
 void HashPool::Work(const std::stop_token& stop, Md5Level level) {
   Md5Batch batch(level);
   Jobs taken;
+  Place place;
   while (!stop.stop_requested()) {
     {
       std::unique_lock lock(mutex_);
@@ -95,9 +93,19 @@ void HashPool::Work(const std::stop_token& stop, Md5Level level) {
       Job* const job = taken.back().get();
       job->self_ = std::move(taken.back());
       taken.pop_back();
+      if (!job->abandoned_) IgnoringErrors([&] { job->file_ = place.Open(*job); });
       return job;
     });
+    place = {};  // by the next time something else may stand there
   }
+}
+
+std::unique_ptr<File> HashPool::Place::Open(const Job& job) {
+  if (path != job.folder_) {
+    folder = job.files_.OpenFolder(*job.folder_);
+    path = job.folder_;
+  }
+  return folder->Open(job.name_);
 }
 
 bool HashPool::Wait(const Job& job, const Job& later, const std::function<bool()>& whileWaiting) {
@@ -115,8 +123,9 @@ HashQueue::~HashQueue() {
   for (const auto& job : underWay_) job->Abandon();
 }
 
-void HashQueue::Add(std::string path) {
-  added_.push_back(std::make_shared<HashPool::Job>(pool_, files_, std::move(path)));
+void HashQueue::Add(std::shared_ptr<const std::string> folder, std::string name) {
+  added_.push_back(
+      std::make_shared<HashPool::Job>(pool_, files_, std::move(folder), std::move(name)));
   if (added_.size() == kTogether) Flush();
 }
 

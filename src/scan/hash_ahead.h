@@ -23,8 +23,11 @@ class HashPool {
   // A file on its way through the pool. Its hash may be read once it is done.
   class Job : public Md5Message {
    public:
-    Job(HashPool& pool, Files& files, std::string path)
-        : pool_(pool), files_(files), path_(std::move(path)) {}
+    Job(HashPool& pool, Files& files, std::shared_ptr<const std::string> folder, std::string name)
+        : pool_(pool), files_(files), folder_(std::move(folder)), name_(std::move(name)) {}
+    // Its folder's path with a backslash at its end, and its name there.
+    const std::string& Folder() const { return *folder_; }
+    const std::string& Name() const { return name_; }
     bool IsDone() const { return done_.load(std::memory_order_acquire); }
     // 32 digits, or kNoHash for a file that could not be read to its end.
     std::string Hash() const { return digest_ ? HexText(*digest_) : std::string(kNoHash); }
@@ -39,8 +42,9 @@ class HashPool {
 
     HashPool& pool_;
     Files& files_;
-    std::string path_;
-    std::unique_ptr<File> file_;
+    const std::shared_ptr<const std::string> folder_;
+    const std::string name_;
+    std::unique_ptr<File> file_;  // null when it could not be opened
     std::shared_ptr<Job> self_;  // while a thread works on it
     std::optional<Md5Digest> digest_;
     std::atomic<bool> done_ = false;
@@ -59,6 +63,14 @@ class HashPool {
   size_t Unfinished() const { return unfinished_.load(std::memory_order_relaxed); }
 
  private:
+  // The folder whose files a thread is opening.
+  struct Place {
+    std::shared_ptr<const std::string> path;
+    std::unique_ptr<ListedFolder> folder;
+
+    std::unique_ptr<File> Open(const Job& job);
+  };
+
   void Work(const std::stop_token& stop, Md5Level level);
   void Take(Jobs& jobs);
 
@@ -80,16 +92,19 @@ class HashQueue {
   HashQueue(const HashQueue&) = delete;
   HashQueue& operator=(const HashQueue&) = delete;
 
-  // A file to be hashed, by the path that a listing gave. It is started by the next Flush at
-  // the latest.
-  void Add(std::string path);
+  // A file to be hashed, by the folder's path with a backslash at its end and the name that a
+  // listing gave. It is started by the next Flush at the latest. Files of one folder share the
+  // object that holds its path.
+  void Add(std::shared_ptr<const std::string> folder, std::string name);
   void Flush();
   // Whether enough is under way, and whether more should be added before the next hash is taken.
   // What is hashed and waits for its turn does not count.
   bool Full() const;
   bool RunsLow() const;
-  // The hash of the file that was added first of those not yet taken; there must be one. kNoHash
-  // when it could not be read, and when `whileWaiting` answered false.
+  // The file that was added first of those not yet taken; there must be one.
+  std::shared_ptr<const HashPool::Job> First() const { return underWay_.front(); }
+  // Takes that file and gives its hash. kNoHash when it could not be read, and when `whileWaiting`
+  // answered false.
   std::string Next(const std::function<bool()>& whileWaiting);
 
  private:

@@ -42,7 +42,10 @@ HashIndex MemoryScan::LoadPrograms() {
   u_.page.lblPercentageCompleted.SetCaption(kLoading);
   constexpr size_t kThreads = 2;
   return HashIndex::Load(u_.files, u_.machine, signature_file::kPrograms, kThreads,
-                         [this] { DoEvents(); });
+                         [this] {
+                           DoEvents();
+                           return true;
+                         });
 }
 
 void MemoryScan::MemoryItemsInspection(ProgressBar& progressBar) {

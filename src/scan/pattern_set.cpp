@@ -8,19 +8,18 @@
 namespace quarnel {
 namespace {
 
-// The runs of characters of a pattern that stand for themselves.
-std::vector<std::string_view> LiteralPieces(std::string_view pattern) {
-  std::vector<std::string_view> pieces;
+// Calls `use` with each run of characters of a pattern that stand for themselves.
+template <typename Use>
+void ForEachLiteralPiece(std::string_view pattern, Use use) {
   size_t begin = 0;
   for (size_t i = 0; i <= pattern.size(); ++i) {
     const bool ends = i == pattern.size() || pattern[i] == '*' || pattern[i] == '?' ||
                       pattern[i] == '#' || pattern[i] == '[';
     if (!ends) continue;
-    if (i > begin) pieces.push_back(pattern.substr(begin, i - begin));
+    if (i > begin) use(pattern.substr(begin, i - begin));
     if (i < pattern.size() && pattern[i] == '[') i = std::min(pattern.find(']', i), pattern.size());
     begin = i + 1;
   }
-  return pieces;
 }
 
 bool IsValid(std::string_view pattern) {
@@ -35,32 +34,36 @@ PatternSet::Gram PatternSet::GramOf(std::string_view text) {
   return gram;
 }
 
+template <typename Use>
+void PatternSet::ForEachGram(std::string_view pattern, Use use) {
+  ForEachLiteralPiece(pattern, [&](std::string_view piece) {
+    const size_t length = std::min(piece.size(), kLongestGram);
+    for (size_t at = 0; at + length <= piece.size(); ++at) use(GramOf(piece.substr(at, length)));
+  });
+}
+
 PatternSet::PatternSet(std::vector<std::string> patterns) : patterns_(std::move(patterns)) {
-  std::vector<std::vector<Gram>> gramsOf(patterns_.size());
-  std::unordered_map<Gram, uint32_t> frequency;
-  for (size_t i = 0; i < patterns_.size() && firstInvalid_ == kNone; ++i) {
+  // Pieces may share a counter: which one is the rarest matters for speed alone.
+  std::vector<uint32_t> frequency(size_t{1} << 16);
+  const auto counter = [&](Gram gram) -> uint32_t& {
+    return frequency[gram * 0x9E3779B97F4A7C15U >> 48];
+  };
+  for (size_t i = 0; i < patterns_.size(); ++i) {
     if (!IsValid(patterns_[i])) {
       firstInvalid_ = i;
       break;
     }
-    for (const std::string_view piece : LiteralPieces(patterns_[i])) {
-      const size_t length = std::min(piece.size(), kLongestGram);
-      for (size_t at = 0; at + length <= piece.size(); ++at) {
-        gramsOf[i].push_back(GramOf(piece.substr(at, length)));
-        ++frequency[gramsOf[i].back()];
-      }
-    }
+    ForEachGram(patterns_[i], [&](Gram gram) { ++counter(gram); });
   }
   // What stands behind an invalid pattern is never reached.
-  for (size_t i = 0; i < std::min(patterns_.size(), firstInvalid_); ++i) {
-    if (gramsOf[i].empty()) {
-      withoutLiteral_.push_back(static_cast<uint32_t>(i));
-      continue;
-    }
-    const Gram rarest =
-        *std::min_element(gramsOf[i].begin(), gramsOf[i].end(),
-                          [&](Gram a, Gram b) { return frequency.at(a) < frequency.at(b); });
-    byGram_[rarest].push_back(static_cast<uint32_t>(i));
+  const size_t reached = std::min(patterns_.size(), firstInvalid_);
+  byGram_.reserve(reached);
+  for (size_t i = 0; i < reached; ++i) {
+    std::optional<Gram> rarest;
+    ForEachGram(patterns_[i], [&](Gram gram) {
+      if (!rarest || counter(gram) < counter(*rarest)) rarest = gram;
+    });
+    (rarest ? byGram_[*rarest] : withoutLiteral_).push_back(static_cast<uint32_t>(i));
   }
 }
 

@@ -29,6 +29,9 @@ class PatternSet {
   static constexpr size_t kLongestGram = 4;
   static constexpr size_t kNone = std::numeric_limits<size_t>::max();
   static Gram GramOf(std::string_view text);
+  // Calls `use` with each piece of the pattern's literal text that any text it fits must hold.
+  template <typename Use>
+  static void ForEachGram(std::string_view pattern, Use use);
 
   std::vector<std::string> patterns_;
   std::unordered_map<Gram, std::vector<uint32_t>> byGram_;

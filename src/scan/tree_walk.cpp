@@ -18,13 +18,14 @@ TreeWalk::TreeWalk(Files& files, Unread& unread, std::string_view root)
 }
 
 void TreeWalk::Enter(std::string folder) {
-  folder_ = std::move(folder);
+  folder_ = std::make_shared<const std::string>(std::move(folder));
   entries_.clear();
   next_ = 0;
-  if (!IgnoringErrors([&] { entries_ = files_.ListBriefly(folder_); }))
-    unread_.Add("folder", folder_);
+  if (!IgnoringErrors([&] { entries_ = files_.ListBriefly(*folder_); })) {
+    unread_.Add("folder", *folder_);
+  }
   for (auto entry = entries_.rbegin(); entry != entries_.rend(); ++entry) {
-    if (CanBeEntered(*entry)) toEnter_.push_back(folder_ + entry->name + "\\");
+    if (CanBeEntered(*entry)) toEnter_.push_back(*folder_ + entry->name + "\\");
   }
 }
 

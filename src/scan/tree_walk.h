@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -15,10 +16,10 @@ namespace quarnel {
 class TreeWalk {
  public:
   struct Entry {
-    std::string folder;  // with a backslash at its end
+    std::shared_ptr<const std::string> folder;  // with a backslash at its end
     DirectoryEntry found;
 
-    std::string Path() const { return folder + found.name; }
+    std::string Path() const { return *folder + found.name; }
   };
 
   TreeWalk(Files& files, Unread& unread, std::string_view root);
@@ -31,10 +32,10 @@ class TreeWalk {
 
   Files& files_;
   Unread& unread_;
-  std::string folder_;                   // whose entries are being given
-  std::vector<DirectoryEntry> entries_;  // of that folder
-  size_t next_ = 0;                      // the next of them
-  std::vector<std::string> toEnter_;     // folders to come, the next one last
+  std::shared_ptr<const std::string> folder_;  // whose entries are being given
+  std::vector<DirectoryEntry> entries_;        // of that folder
+  size_t next_ = 0;                            // the next of them
+  std::vector<std::string> toEnter_;           // folders to come, the next one last
 };
 
 }  // namespace quarnel

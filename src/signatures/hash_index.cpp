@@ -1,6 +1,7 @@
 #include "signatures/hash_index.h"
 
 #include <algorithm>
+#include <atomic>
 #include <bit>
 #include <cstdint>
 #include <cstring>
@@ -52,10 +53,30 @@ struct FilePart {
   size_t end = 0;
 };
 
+// Whether a load goes on: the caller's thread asks, and the others see the answer.
+class Progress {
+ public:
+  explicit Progress(const std::function<bool()>& goesOn) : goesOn_(goesOn) {}
+  // Worker 0 is the caller's thread.
+  bool GoesOn(size_t worker) {
+    if (worker == 0 && goesOn_ && !goesOn_()) stopped_.store(true, std::memory_order_relaxed);
+    return !Stopped();
+  }
+  bool Stopped() const { return stopped_.load(std::memory_order_relaxed); }
+
+ private:
+  const std::function<bool()>& goesOn_;
+  std::atomic<bool> stopped_ = false;
+};
+
+// Leaves the reading of lines one by one.
+struct LoadStopped {};
+
 // Deciphers a part of a file to the same places of `text`, and notes where its hashes are. Returns
-// where its text ends; nothing when the lines do not end at CR LF, so that places would differ.
-std::optional<size_t> DecipherPart(FilePart& part, char* text, HashPlaces& places,
-                                   const std::function<void()>& onPiece) {
+// where its text ends; nothing when `goesOn` answered false, or when the lines do not end at CR LF,
+// so that places would differ.
+template <typename GoesOn>
+std::optional<size_t> DecipherPart(FilePart& part, char* text, HashPlaces& places, GoesOn goesOn) {
   const auto buffer = std::make_unique_for_overwrite<char[]>(kPiece + kLongestLine + 2);
   size_t position = part.begin;
   size_t held = 0;  // bytes in the buffer, of which the first belongs to this position
@@ -71,7 +92,7 @@ std::optional<size_t> DecipherPart(FilePart& part, char* text, HashPlaces& place
     held -= taken;
     if (held > kLongestLine + 1) return std::nullopt;
     std::memmove(buffer.get(), buffer.get() + taken, held);
-    if (onPiece) onPiece();
+    if (!goesOn()) return std::nullopt;
   }
   if (held == 0) return position;
   const std::string_view lastLine(buffer.get(), held);
@@ -93,8 +114,8 @@ class HashIndex::Data {
     PreferLargePages(text_.get(), room);
   }
 
-  // False when the file is not of the usual form.
-  bool Load(std::span<FilePart> parts, const std::function<void()>& onPiece);
+  // False when the file is not of the usual form, or when it was stopped.
+  bool Load(std::span<FilePart> parts, Progress& progress);
   void Take(std::string_view text);
 
   std::string_view Text() const { return {text_.get(), size_}; }
@@ -105,8 +126,9 @@ class HashIndex::Data {
   // in the others those of the hash's value, so that few hashes have to be compared with the text.
   using Slots = std::vector<uint32_t>;
 
-  void Index(std::span<const HashPlaces> found);
-  void FillTable(std::span<const HashPlaces> found, Slots& table, size_t part) const;
+  void Index(std::span<const HashPlaces> found, Progress& progress);
+  void FillTable(std::span<const HashPlaces> found, Slots& table, size_t part,
+                 Progress& progress) const;
   void Enter(const HashPlaces::Place& place, Slots& table) const;
   // The position of the hash in the table, or the slot where it would be entered.
   std::optional<size_t> Lookup(const Slots& table, uint32_t value, const char* hash,
@@ -120,7 +142,7 @@ class HashIndex::Data {
   std::optional<size_t> blanks_;
 };
 
-bool HashIndex::Data::Load(std::span<FilePart> parts, const std::function<void()>& onPiece) {
+bool HashIndex::Data::Load(std::span<FilePart> parts, Progress& progress) {
   std::vector<HashPlaces> found(parts.size());
   std::vector<std::optional<size_t>> ends(parts.size());
   RunParallel(parts.size(), [&](size_t i) {
@@ -128,15 +150,16 @@ bool HashIndex::Data::Load(std::span<FilePart> parts, const std::function<void()
     auto& hashes = found[i].hashes;
     hashes.reserve((parts[i].end - parts[i].begin) / (2 * kHashDigits));
     PreferLargePages(hashes.data(), hashes.capacity() * sizeof(HashPlaces::Place));
-    ends[i] = DecipherPart(parts[i], text_.get(), found[i], i == 0 ? onPiece : nullptr);
+    ends[i] =
+        DecipherPart(parts[i], text_.get(), found[i], [&, i] { return progress.GoesOn(i); });
   });
   for (size_t i = 0; i < parts.size(); ++i) {
     const bool last = i + 1 == parts.size();
     if (!ends[i] || (!last && *ends[i] != parts[i].end)) return false;
     size_ = *ends[i];
   }
-  Index(found);
-  return true;
+  Index(found, progress);
+  return !progress.Stopped();
 }
 
 void HashIndex::Data::Take(std::string_view text) {
@@ -147,21 +170,23 @@ void HashIndex::Data::Take(std::string_view text) {
   size_ = text.size();
   HashPlaces places;
   places.Collect(text_.get(), 0, size_);
-  Index({&places, 1});
+  const std::function<bool()> always;
+  Progress progress(always);
+  Index({&places, 1}, progress);
 }
 
-void HashIndex::Data::Index(std::span<const HashPlaces> found) {
+void HashIndex::Data::Index(std::span<const HashPlaces> found, Progress& progress) {
   positionMask_ = static_cast<uint32_t>((uint64_t{1} << std::bit_width(size_)) - 1);
   for (const HashPlaces& places : found) {
     longRows_.insert(longRows_.end(), places.longRows.begin(), places.longRows.end());
     if (!blanks_) blanks_ = places.blanks;
   }
   tables_.resize(found.size());
-  RunParallel(tables_.size(), [&](size_t part) { FillTable(found, tables_[part], part); });
+  RunParallel(tables_.size(), [&](size_t part) { FillTable(found, tables_[part], part, progress); });
 }
 
-void HashIndex::Data::FillTable(std::span<const HashPlaces> found, Slots& table,
-                                size_t part) const {
+void HashIndex::Data::FillTable(std::span<const HashPlaces> found, Slots& table, size_t part,
+                                Progress& progress) const {
   const auto isOurs = [&](const HashPlaces::Place& place) {
     return PartOf(place.value, tables_.size()) == part;
   };
@@ -177,6 +202,8 @@ void HashIndex::Data::FillTable(std::span<const HashPlaces> found, Slots& table,
     for (size_t i = 0; i < places.hashes.size(); ++i) {
       // Slots lie anywhere in memory: they are asked for before they are needed.
       constexpr size_t kAhead = 16;
+      constexpr size_t kAtATime = 1 << 15;
+      if (i % kAtATime == kAtATime - 1 && !progress.GoesOn(part)) return;
       if (i + kAhead < places.hashes.size()) {
         __builtin_prefetch(&table[places.hashes[i + kAhead].value & (table.size() - 1)], 1);
       }
@@ -235,7 +262,7 @@ std::string_view HashIndex::Text() const { return data_->Text(); }
 std::optional<size_t> HashIndex::Find(std::string_view hash) const { return data_->Find(hash); }
 
 HashIndex HashIndex::Load(Files& files, Machine& machine, std::string_view sFileName,
-                          size_t workers, const std::function<void()>& onPiece) {
+                          size_t workers, const std::function<bool()>& goesOn) {
   const std::string path = SignaturePath(machine, sFileName);
   std::vector<FilePart> parts(1);
   parts[0].file = files.Open(path, OpenMode::kRead);
@@ -254,9 +281,17 @@ HashIndex HashIndex::Load(Files& files, Machine& machine, std::string_view sFile
   HashIndex index;
   // The last line may have to get its end.
   index.data_ = std::make_unique<Data>(size + 2);
-  if (index.data_->Load(parts, onPiece)) return index;
+  Progress progress(goesOn);
+  if (index.data_->Load(parts, progress)) return index;
+  if (progress.Stopped()) return {};
   index.data_.reset();  // before there is another text of that size
-  return HashIndex(LoadSignatures(files, machine, sFileName));
+  try {
+    return HashIndex(LoadSignatures(files, machine, sFileName, [&progress] {
+      if (!progress.GoesOn(0)) throw LoadStopped();
+    }));
+  } catch (const LoadStopped&) {
+    return {};
+  }
 }
 
 }  // namespace quarnel

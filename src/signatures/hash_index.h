@@ -25,10 +25,11 @@ class HashIndex {
   HashIndex& operator=(HashIndex&& other) noexcept;
 
   // Reads an enciphered signature file straight into the text that LoadSignatures gives, with up to
-  // `workers` threads. `onPiece` runs on the caller's thread, about once for 256 KiB of the file.
-  // No plain text reaches the disk. Raises what LoadSignatures raises.
+  // `workers` threads. `goesOn` is asked on the caller's thread every few milliseconds; once it
+  // answers false the work ends soon, with an empty text. No plain text reaches the disk. Raises
+  // what LoadSignatures raises.
   static HashIndex Load(Files& files, Machine& machine, std::string_view sFileName,
-                        size_t workers = 2, const std::function<void()>& onPiece = {});
+                        size_t workers = 2, const std::function<bool()>& goesOn = {});
 
   std::string_view Text() const;
 

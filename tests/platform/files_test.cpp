@@ -17,6 +17,13 @@ class FilesTest : public PlatformTest {
   }
   bool OnRunningSystem() const { return machineFolder().empty(); }
   std::string Read(std::string_view path) { return ReadWholeFile(files(), path); }
+  // As the threads read it that hash a folder's files.
+  std::string ReadListed(std::string_view folder, std::string_view name) {
+    std::string buffer(1000, '\0');
+    const auto file = files().OpenFolder(folder)->Open(name);
+    buffer.resize(file->Read(buffer));
+    return buffer;
+  }
   bool Exists(std::string_view path) { return files().Stat(path).has_value(); }
   std::vector<std::string> Names(std::string_view folder) {
     std::vector<std::string> names;
@@ -105,6 +112,14 @@ TEST_F(FilesTest, ListsAFolderInOrderOfFoldedNames) {
   EXPECT_TRUE(files().Stat("C:\\")->IsFolder());
 }
 
+TEST_F(FilesTest, OpenedFolderSaysWhatItHasNot) {
+  files().CreateFolder(Path("sub"));
+  const auto folder = files().OpenFolder(Scratch() + "\\");
+  EXPECT_EQ(ErrorOf([&] { folder->Open("three"); }), ErrorNumber::kFileNotFound);
+  EXPECT_EQ(ErrorOf([&] { folder->Open("sub"); }), ErrorNumber::kPathFileAccess);
+  EXPECT_ANY_THROW(files().OpenFolder(Path("none") + "\\")->Open("one"));
+}
+
 TEST_F(FilesTest, KeepsEveryName) {
   const struct {
     std::string name;
@@ -122,6 +137,7 @@ TEST_F(FilesTest, KeepsEveryName) {
     const bool made = IgnoringErrors([&, &wanted = name] { Make(wanted, wanted); });
     if (!made && !wellFormed && OnRunningSystem()) continue;
     EXPECT_EQ(Read(Path(name)), name);
+    EXPECT_EQ(ReadListed(Scratch() + "\\", name), name);
     ASSERT_TRUE(Exists(Path(name))) << name;
     EXPECT_EQ(files().Stat(Path(name))->name, name);
     EXPECT_EQ(Names(Scratch()), std::vector<std::string>{name});
@@ -142,6 +158,7 @@ TEST_F(FilesTest, ReachesPathsOfAnyDepth) {
   const std::string path = folder + "\\deep.exe";
   WriteWholeFile(files(), path, "deep");
   EXPECT_EQ(Read(ToUpper(path)), "deep");
+  EXPECT_EQ(ReadListed(folder + "\\", "deep.exe"), "deep");
   EXPECT_EQ(Names(folder), std::vector<std::string>{"deep.exe"});
   EXPECT_FALSE(Exists(folder + "\\other.exe"));
   files().Move(path, folder + "\\moved.exe");

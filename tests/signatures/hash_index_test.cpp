@@ -99,6 +99,31 @@ TEST_F(HashIndexTest, LoadsTheTextThatLoadSignaturesGives) {
   }
 }
 
+TEST_F(HashIndexTest, StopsWhenItIsTold) {
+  std::mt19937 random(23);
+  std::string bytes = "1\r\n";
+  for (int line = 0; line < 60'000; ++line) bytes += Encrypt(RandomLine(random)) + "\r\n";
+  // The second is read line by line, which begins anew.
+  for (const std::string_view end : {"", "\nx\r\n"}) {
+    Put("QNLESig.dll", bytes + std::string(end));
+    for (const size_t workers : {1U, 2U}) {
+      const auto askedUntil = [&](size_t last) {
+        size_t asked = 0;
+        const HashIndex index =
+            HashIndex::Load(files(), machine_, signature_file::kPrograms, workers,
+                            [&] { return ++asked < last; });
+        EXPECT_EQ(index.Text().empty(), asked >= last);
+        return asked;
+      };
+      const size_t all = askedUntil(SIZE_MAX);
+      ASSERT_GT(all, 4U);
+      for (const size_t last : {size_t{1}, size_t{2}, all / 2, all - 1, all}) {
+        EXPECT_EQ(askedUntil(last), last) << workers << " workers, of " << all;
+      }
+    }
+  }
+}
+
 TEST_F(HashIndexTest, HostileFiles) {
   const auto load = [&] { return HashIndex::Load(files(), machine_, signature_file::kPrograms); };
   EXPECT_EQ(ErrorOf(load), ErrorNumber::kFileNotFound);

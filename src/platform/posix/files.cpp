@@ -16,6 +16,7 @@
 #include "platform/posix/directory_stream.h"
 #include "platform/posix/posix_file.h"
 #include "platform/posix/system_error.h"
+#include "platform/posix/unique_fd.h"
 
 namespace quarnel {
 namespace {
@@ -50,6 +51,20 @@ bool ReadEntry(int folder, const char* name, const std::string& path, DirectoryE
   entry.modified = TimeFromSystem(status.st_mtim);
   return true;
 }
+
+// The way to the folder is looked up once for all its files.
+class OpenedFolder : public ListedFolder {
+ public:
+  explicit OpenedFolder(UniqueFd fd) : fd_(std::move(fd)) {}
+  std::unique_ptr<File> Open(std::string_view name) override {
+    auto file = OpenForReading(fd_.Get(), HostName(name), name);
+    if (!file) throw RuntimeError(ErrorNumber::kFileNotFound, name, ENOENT);
+    return file;
+  }
+
+ private:
+  UniqueFd fd_;
+};
 
 class PosixFiles : public Files {
  public:
@@ -111,11 +126,13 @@ class PosixFiles : public Files {
     return OpenForWriting(place, path, mode);
   }
 
-  std::unique_ptr<File> OpenListed(std::string_view path) override {
-    if (links_ == Links::kRefuse) return Open(path, OpenMode::kRead);
-    auto file = OpenForReading(paths_.Exact(path).host, path);
-    if (!file) throw RuntimeError(ErrorNumber::kFileNotFound, path, ENOENT);
-    return file;
+  std::unique_ptr<ListedFolder> OpenFolder(std::string_view folder) override {
+    if (links_ == Links::kRefuse) return Files::OpenFolder(folder);
+    const std::string host = paths_.Exact(folder).host;
+    const AtPath at(host);
+    UniqueFd fd(openat(at.Folder(), at.Name(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+    if (!fd.Valid()) RaiseErrno(errno, folder);
+    return std::make_unique<OpenedFolder>(std::move(fd));
   }
 
   void Delete(std::string_view path) override {

@@ -3,6 +3,7 @@
 #include <fcntl.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <ctime>
 #include <memory>
@@ -24,6 +25,14 @@ constexpr size_t kLongestPath = size_t{32767} * 3;
 constexpr size_t kMostNames = size_t{1} << 18;
 constexpr size_t kMostBytes = size_t{64} << 20;
 constexpr std::string_view kForbidden = "\\:*?\"<>|";
+
+constexpr std::array<bool, 256> kIsForbidden = [] {
+  std::array<bool, 256> forbidden{};
+  for (const char c : kForbidden) forbidden[static_cast<unsigned char>(c)] = true;
+  return forbidden;
+}();
+
+bool IsForbidden(char c) { return kIsForbidden[static_cast<unsigned char>(c)]; }
 
 bool IsSlash(char c) { return c == '\\' || c == '/'; }
 
@@ -55,12 +64,13 @@ char PrivateUseAt(std::string_view text) {
   const auto third = static_cast<unsigned char>(text[2]);
   if ((second & 0xFEU) != 0x80 || (third & 0xC0U) != 0x80) return 0;
   const char c = static_cast<char>((second & 1U) << 6 | (third & 0x3FU));
-  return c == kEscape || kForbidden.find(c) != std::string_view::npos ? c : '\0';
+  return c == kEscape || IsForbidden(c) ? c : '\0';
 }
 
 void AppendComponents(std::string_view path, size_t driveLength, std::string& host) {
   while (!path.empty()) {
-    const size_t end = std::min(path.find_first_of("\\/"), path.size());
+    const auto end =
+        static_cast<size_t>(std::find_if(path.begin(), path.end(), IsSlash) - path.begin());
     const std::string_view name = path.substr(0, end);
     path.remove_prefix(std::min(end + 1, path.size()));
     if (name.empty() || name == ".") continue;
@@ -68,7 +78,7 @@ void AppendComponents(std::string_view path, size_t driveLength, std::string& ho
       if (host.size() > driveLength) host.resize(host.rfind('/'));
       continue;
     }
-    if (name.find_first_of(kForbidden) != std::string_view::npos) {
+    if (std::any_of(name.begin(), name.end(), IsForbidden)) {
       throw RuntimeError(ErrorNumber::kBadFileName, name.substr(0, 260));
     }
     host += '/';
@@ -323,7 +333,7 @@ std::string ShownName(std::string_view hostName) {
   std::string shown;
   shown.reserve(hostName.size());
   for (size_t i = 0; i < hostName.size(); ++i) {
-    if (kForbidden.find(hostName[i]) != std::string_view::npos) {
+    if (IsForbidden(hostName[i])) {
       shown += PrivateUse(hostName[i]);
     } else {
       if (PrivateUseAt(hostName.substr(i)) != 0) shown += PrivateUse(kEscape);

@@ -193,6 +193,11 @@ std::unique_ptr<File> OpenForReading(const ChangePlace& place, std::string_view 
   return OpenForReading(SourceAt(place), about);
 }
 
+std::unique_ptr<File> OpenForReading(int folder, const std::string& name, std::string_view about) {
+  return OpenForReading(Source{.folder = folder, .name = name.c_str(), .procPath = {}, .flags = 0},
+                        about);
+}
+
 std::unique_ptr<File> OpenForWriting(const ChangePlace& place, std::string_view about,
                                      OpenMode mode) {
   const int flags = mode == OpenMode::kAppend   ? O_WRONLY | O_APPEND

@@ -15,6 +15,8 @@ namespace quarnel {
 std::unique_ptr<File> OpenForReading(const std::string& host, std::string_view about);
 // The same for the name itself, which must be no link.
 std::unique_ptr<File> OpenForReading(const ChangePlace& place, std::string_view about);
+// The same for a host name in an open folder.
+std::unique_ptr<File> OpenForReading(int folder, const std::string& name, std::string_view about);
 std::unique_ptr<File> OpenForWriting(const ChangePlace& place, std::string_view about,
                                      OpenMode mode);
 
