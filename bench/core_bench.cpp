@@ -74,6 +74,7 @@ void Events(benchmark::State& state) {
   IdleHost host(clock);
   Form form(host, "frmMain");
   std::vector<std::unique_ptr<Timer>> timers;
+  timers.reserve(7);
   for (int i = 0; i < 7; ++i) {
     timers.push_back(std::make_unique<Timer>(form, "tmr", std::chrono::hours(1), true));
   }

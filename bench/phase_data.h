@@ -23,7 +23,7 @@ constexpr int kPhaseFinds = kPhaseSignatures / 1000;
 
 inline std::string HexNumber(uint64_t number) {
   char digits[17];
-  std::snprintf(digits, sizeof digits, "%016llx", static_cast<unsigned long long>(number));
+  (void)std::snprintf(digits, sizeof digits, "%016llx", static_cast<unsigned long long>(number));
   return digits;
 }
 
@@ -71,17 +71,18 @@ struct FilePhaseData {
       if (i % 1000 == 0) {
         const int number = i / 1000;
         const std::string name = "lib" + std::to_string(number) + ".dll";
-        lines.push_back(front + "42," + name + "," + HexText(Md5Of(Library(number))) + ",ID");
+        lines.push_back(
+            Join({front, "42,", name, ",", HexText(Md5Of(Library(number))), ",ID"}, ""));
         hostPaths.push_back(systemHost_ + name);
       } else if (i % 2 == 0) {
         const std::string name = "t" + HexNumber(random()) + ".exe";
-        lines.push_back(front + "42," + name + rest);
+        lines.push_back(Join({front, "42,", name, rest}, ""));
         hostPaths.push_back(systemHost_ + name);
       } else {
         const std::string folder = "Vendor " + std::to_string(random() % 2000);
         const std::string name = "t" + HexNumber(random()) + ".exe";
-        lines.push_back(front + "31," + folder + "\\" + name + rest);
-        hostPaths.push_back(programsHost_ + folder + "/" + name);
+        lines.push_back(Join({front, "31,", folder, "\\", name, rest}, ""));
+        hostPaths.push_back(Join({programsHost_, folder, "/", name}, ""));
       }
     }
     WriteSignatures(rig, signature_file::kFiles, lines);
@@ -155,11 +156,11 @@ struct CookiePhaseData {
                                        : "www" + HexNumber(random()).substr(4) + ".example";
       domain = Replace(Replace(Replace(domain, "*", "a"), "?", "b"), "[a-f]", "c");
       domains.push_back(domain);
-      WriteWholeFile(rig.files(), cookies + "user@" + domain + "[1].txt",
-                     "id\nvalue\n" + domain + "/\n1024\n123456\n*\n");
+      WriteWholeFile(rig.files(), Join({cookies, "user@", domain, "[1].txt"}, ""),
+                     Join({"id\nvalue\n", domain, "/\n1024\n123456\n*\n"}, ""));
     }
     std::string text;
-    for (const std::string& pattern : patterns) text += pattern + ",";
+    for (const std::string& pattern : patterns) text.append(pattern).append(",");
     text.pop_back();
     WriteWholeFile(rig.files(), SignaturePath(rig.machine(), signature_file::kBlockedCookies),
                    ComplementBytes(text));

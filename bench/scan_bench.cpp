@@ -173,6 +173,7 @@ void CookiesPhase(benchmark::State& state) {
   }
 }
 
+#ifdef QUARNEL_HAS_RE2
 void PatternsReady(benchmark::State& state) {
   const PatternSet set(CookieData().patterns);
   for ([[maybe_unused]] auto round : state) {
@@ -183,7 +184,6 @@ void PatternsReady(benchmark::State& state) {
   }
 }
 
-#ifdef QUARNEL_HAS_RE2
 std::unique_ptr<re2::RE2::Set> CompileRe2() {
   re2::RE2::Options options;
   options.set_encoding(re2::RE2::Options::EncodingLatin1);

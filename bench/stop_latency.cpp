@@ -95,6 +95,7 @@ void Run() {
         {"Some company,Some threat,11,40,..\\..\\big\\sparse.exe," + std::string(32, 'A') + ",ID"});
     std::mt19937_64 random(1);
     std::vector<std::string> lines;
+    lines.reserve(1'000'000);
     for (int i = 0; i < 1'000'000; ++i) {
       lines.push_back(HexNumber(random()) + HexNumber(random()) + "^11^Some.Threat.Of.Kind-" +
                       std::to_string(i));
@@ -118,7 +119,7 @@ int main() {
   try {
     quarnel::Run();
   } catch (const std::exception& error) {
-    std::fprintf(stderr, "%s\n", error.what());
+    (void)std::fprintf(stderr, "%s\n", error.what());
     return 2;
   }
   return quarnel::allMet ? 0 : 1;

@@ -144,7 +144,8 @@ void DeepScan::FindFilesAPI(std::string_view path) {
       continue;
     }
     // An error ends the work on the folder and on all below it.
-    if (!Reporting(u_.log, "FindFilesAPI", [&] { InspectEntry(place, step.hashed, walk, ahead); })) {
+    if (!Reporting(u_.log, "FindFilesAPI",
+                   [&] { InspectEntry(place, step.hashed, walk, ahead); })) {
       walk.skipped = place.folder;
     }
   }

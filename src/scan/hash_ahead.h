@@ -45,7 +45,7 @@ class HashPool {
     const std::shared_ptr<const std::string> folder_;
     const std::string name_;
     std::unique_ptr<File> file_;  // null when it could not be opened
-    std::shared_ptr<Job> self_;  // while a thread works on it
+    std::shared_ptr<Job> self_;   // while a thread works on it
     std::optional<Md5Digest> digest_;
     std::atomic<bool> done_ = false;
     std::atomic<bool> abandoned_ = false;

@@ -41,11 +41,10 @@ std::string MemoryScan::ActuallProcessName(std::string_view path) {
 HashIndex MemoryScan::LoadPrograms() {
   u_.page.lblPercentageCompleted.SetCaption(kLoading);
   constexpr size_t kThreads = 2;
-  return HashIndex::Load(u_.files, u_.machine, signature_file::kPrograms, kThreads,
-                         [this] {
-                           DoEvents();
-                           return true;
-                         });
+  return HashIndex::Load(u_.files, u_.machine, signature_file::kPrograms, kThreads, [this] {
+    DoEvents();
+    return true;
+  });
 }
 
 void MemoryScan::MemoryItemsInspection(ProgressBar& progressBar) {

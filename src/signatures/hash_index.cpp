@@ -150,8 +150,7 @@ bool HashIndex::Data::Load(std::span<FilePart> parts, Progress& progress) {
     auto& hashes = found[i].hashes;
     hashes.reserve((parts[i].end - parts[i].begin) / (2 * kHashDigits));
     PreferLargePages(hashes.data(), hashes.capacity() * sizeof(HashPlaces::Place));
-    ends[i] =
-        DecipherPart(parts[i], text_.get(), found[i], [&, i] { return progress.GoesOn(i); });
+    ends[i] = DecipherPart(parts[i], text_.get(), found[i], [&, i] { return progress.GoesOn(i); });
   });
   for (size_t i = 0; i < parts.size(); ++i) {
     const bool last = i + 1 == parts.size();
@@ -182,7 +181,8 @@ void HashIndex::Data::Index(std::span<const HashPlaces> found, Progress& progres
     if (!blanks_) blanks_ = places.blanks;
   }
   tables_.resize(found.size());
-  RunParallel(tables_.size(), [&](size_t part) { FillTable(found, tables_[part], part, progress); });
+  RunParallel(tables_.size(),
+              [&](size_t part) { FillTable(found, tables_[part], part, progress); });
 }
 
 void HashIndex::Data::FillTable(std::span<const HashPlaces> found, Slots& table, size_t part,

@@ -224,8 +224,7 @@ void Md5Batch::Engine::HashAll(const Shape& shape, std::span<const size_t> busy,
 
 // The last messages of a run are often long ones, and few: the fewer lanes go at a time, the sooner
 // they end.
-void Md5Batch::Engine::HashSome(const Shape& shape, std::span<const size_t> busy,
-                                size_t shortest) {
+void Md5Batch::Engine::HashSome(const Shape& shape, std::span<const size_t> busy, size_t shortest) {
   const size_t lanes = shape.lanes;
   alignas(64) std::array<uint32_t, 4 * kMostMd5Lanes> states{};
   std::array<const char*, kMostMd5Lanes> at{};

@@ -11,9 +11,9 @@ namespace quarnel {
 // Runs `count` blocks of 64 bytes through one state of four words.
 void Md5BlocksPortable(uint32_t* state, const char* blocks, size_t count);
 
-// Run `count` blocks of each of `lanes` lanes: lane i reads from blocks[i] on, and has its four words
-// at state[i], state[i + lanes], ... `lanes` is a multiple of the width; with fewer of them each is
-// faster. `state` is aligned to 64 bytes.
+// Run `count` blocks of each of `lanes` lanes: lane i reads from blocks[i] on, and has its four
+// words at state[i], state[i + lanes], ... `lanes` is a multiple of the width; with fewer of them
+// each is faster. `state` is aligned to 64 bytes.
 void Md5LanesSse2(uint32_t* state, const char* const* blocks, size_t count, size_t lanes);
 void Md5LanesAvx2(uint32_t* state, const char* const* blocks, size_t count, size_t lanes);
 void Md5LanesAvx512(uint32_t* state, const char* const* blocks, size_t count, size_t lanes);

@@ -109,9 +109,8 @@ TEST_F(HashIndexTest, StopsWhenItIsTold) {
     for (const size_t workers : {1U, 2U}) {
       const auto askedUntil = [&](size_t last) {
         size_t asked = 0;
-        const HashIndex index =
-            HashIndex::Load(files(), machine_, signature_file::kPrograms, workers,
-                            [&] { return ++asked < last; });
+        const HashIndex index = HashIndex::Load(files(), machine_, signature_file::kPrograms,
+                                                workers, [&] { return ++asked < last; });
         EXPECT_EQ(index.Text().empty(), asked >= last);
         return asked;
       };
