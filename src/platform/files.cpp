@@ -76,6 +76,11 @@ void ReplaceWholeFile(Files& files, std::string_view path, std::string_view byte
   }
 }
 
+void AppendInOneStep(Files& files, std::string_view path, std::string_view bytes) {
+  std::string all = files.Stat(path) ? ReadWholeFile(files, path) : std::string();
+  ReplaceWholeFile(files, path, all.append(bytes));
+}
+
 void WriteWholeFile(Files& files, std::string_view path, std::string_view bytes) {
   files.Open(path, OpenMode::kCreate)->Write(bytes);
 }

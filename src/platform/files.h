@@ -27,6 +27,15 @@ inline constexpr uint32_t kReparsePoint = 0x400;
 // A moment of the file system, in UTC, to 100 nanoseconds.
 using FileTime = std::chrono::sys_time<std::chrono::duration<int64_t, std::ratio<1, 10000000>>>;
 
+// The moments that a file system keeps of a file. FileTime() stands for one that is not known.
+struct FileTimes {
+  FileTime created;
+  FileTime accessed;
+  FileTime modified;
+
+  bool operator==(const FileTimes&) const = default;
+};
+
 struct DirectoryEntry {
   std::string name;  // in the letter case in which the file system keeps it
   uint32_t attributes = 0;
@@ -110,7 +119,11 @@ class Files {
   virtual void ReplaceFile(std::string_view from, std::string_view to) = 0;
   virtual void Copy(std::string_view from, std::string_view to) = 0;  // replaces the target
   virtual void SetAttributes(std::string_view path, uint32_t attributes) = 0;
-  virtual void SetModified(std::string_view path, FileTime time) = 0;
+  // Of a file. Where the system does not let the moment of its making be set, that is not known.
+  virtual FileTimes Times(std::string_view path) = 0;
+  // Leaves alone what is not known.
+  virtual void SetTimes(std::string_view path, const FileTimes& times) = 0;
+  void SetModified(std::string_view path, FileTime time) { SetTimes(path, {.modified = time}); }
 };
 
 // The whole content of a file; raises as Files::Open does. `limit` is the most it may hold, in
@@ -124,6 +137,9 @@ std::string TemporaryName(std::string_view path);
 // Makes or replaces a file in one step: whoever reads it, also after a crash, finds all of the old
 // content or all of the new. A file that is read-only is refused.
 void ReplaceWholeFile(Files& files, std::string_view path, std::string_view bytes);
+
+// Adds bytes to the end of a file, which is made when absent, in the same way: all of them or none.
+void AppendInOneStep(Files& files, std::string_view path, std::string_view bytes);
 
 // Makes or replaces a file with this content. Not atomic.
 void WriteWholeFile(Files& files, std::string_view path, std::string_view bytes);

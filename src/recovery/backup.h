@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstddef>
+#include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -14,6 +16,9 @@
 #include "scan/results.h"
 
 namespace quarnel {
+
+class ArchiveWriter;
+struct Manifest;
 
 // A trace that a restore point does not hold, or a file of the restore point that is not there.
 struct BackupFailure {
@@ -53,6 +58,19 @@ class Backup {
   BackupReport BackupSpyware();
 
  private:
+  struct FileList;
+  struct Found;
+
+  std::string FreshFile(const BackupReport& report, std::string_view ending);
+  void BackupRegistry(BackupReport& report, Manifest& manifest);
+  // The number of files that were stored.
+  size_t BackupList(const FileList& files, BackupReport& report, Manifest& manifest);
+  // Nothing when no file stands there.
+  std::optional<Found> Look(std::string_view path);
+  void AddToArchive(const std::string& path, ArchiveWriter& archive,
+                    std::map<std::string, Found>& found);
+  void WriteManifest(BackupReport& report, const Manifest& manifest);
+
   Uses u_;
 };
 

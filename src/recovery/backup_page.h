@@ -5,9 +5,10 @@
 
 namespace quarnel {
 
-// The progress of a backup or restore, and its scratch list.
+// The way to the restore points, and the progress of a backup or restore with its scratch list.
 struct BackupPage {
   Form& form;
+  Button cmdRestore{form, "cmdRestore", "Restore..."};
   Panel picBackupProgress{form, "picBackupProgress"};
   Label lblBackupProgress{form, "lblBackupProgress"};
   ProgressBar pgbBackup{form, "pgbBackup", ProgressBar::Range::kLoose};

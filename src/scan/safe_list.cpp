@@ -36,7 +36,7 @@ void SafeList::AddIgnoredSpywaresTolvw(std::string_view path, std::string_view f
     const std::string trace = WithoutPrefixes(text);
     if (list.FindText(trace)) return;
     list.Add({.text = trace, .subItems = {std::string(field1), std::string(field2)}});
-    AppendToFile(files_, path, LineOf(trace, field1, field2));
+    AppendInOneStep(files_, path, LineOf(trace, field1, field2));
   });
 }
 

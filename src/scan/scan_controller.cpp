@@ -158,7 +158,7 @@ void ScanController::SaveLastScanResults() {
       }
       text += "\r\n";
     }
-    WriteWholeFile(u_.files, DataFolder(u_.machine) + std::string(dump.file), text);
+    ReplaceWholeFile(u_.files, DataFolder(u_.machine) + std::string(dump.file), text);
   }
 }
 

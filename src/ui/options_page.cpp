@@ -36,6 +36,7 @@ void Options::WireScanOptions() {
   savesState(u_.page.chkDeepScan, setting::kDeepScan);
   savesState(u_.page.chkDisplayHijakRestoreAlerts, setting::kDisplayHijakRestoreAlerts);
   savesState(u_.page.chkReportLorrimesh, setting::kReportLorrimesh);
+  savesState(u_.page.chkStrict, setting::kStrict);
   const auto savesYesNo = [this](CheckBox& box, const SettingKey& setting) {
     box.Click = [this, &box, &setting] { u_.settings.Save(setting, YesNo(box.Checked())); };
   };
@@ -147,6 +148,7 @@ void Options::Load() {
   // The one check state that is converted straight: text that is no number is an error.
   page.chkReportLorrimesh.SetValue(
       ToInteger(std::string_view(u_.settings.Get(setting::kReportLorrimesh))));
+  loadState(page.chkStrict, setting::kStrict);
   loadState(page.chkRunAtStartup, setting::kRunAtStartup);
   loadState(page.chkMinimizeToTrayWindowAtStartup, setting::kMinimizeAtStartup);
   page.chkMinimizeToTrayWindowAtStartup.SetEnabled(page.chkRunAtStartup.Checked());

@@ -27,6 +27,8 @@ struct OptionsPage {
                                         "Alerts of the browser guard"};
   CheckBox chkAlertsBlocksSpywareAdware{form, "chkAlertsBlocksSpywareAdware",
                                         "Alert before blocking"};
+  // Restore points come back exactly as they were recorded, and quarantined files never collide.
+  CheckBox chkStrict{form, "chkStrict", "Strict mode"};
   CheckBox chkReportLorrimesh{form, "chkReportLorrimesh", "Report threats to the maker"};
 
   CheckBox chkRunAtStartup{form, "chkRunAtStartup", "Start with Windows"};

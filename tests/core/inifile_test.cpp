@@ -38,8 +38,9 @@ class FailingFiles : public Files {
   void SetAttributes(std::string_view path, uint32_t attributes) override {
     files_.SetAttributes(path, attributes);
   }
-  void SetModified(std::string_view path, FileTime time) override {
-    files_.SetModified(path, time);
+  FileTimes Times(std::string_view path) override { return files_.Times(path); }
+  void SetTimes(std::string_view path, const FileTimes& times) override {
+    files_.SetTimes(path, times);
   }
 
  private:

@@ -266,6 +266,48 @@ TEST_F(FilesTest, ReplacesAFileInOneStep) {
   EXPECT_EQ(Read(Path("settings.ini")), "new");
 }
 
+TEST_F(FilesTest, ReplacesAWholeFileByWayOfAnother) {
+  const std::string path = Path("list.txt");
+  const std::string temporary = TemporaryName(path);
+  EXPECT_EQ(temporary.substr(0, temporary.rfind('\\')), Scratch());
+  EXPECT_EQ(temporary, TemporaryName(Path("LIST.txt")));
+  EXPECT_NE(temporary, TemporaryName(Path("list2.txt")));
+  // What a killed program left there is in nobody's way.
+  WriteWholeFile(files(), temporary, "half");
+  ReplaceWholeFile(files(), path, "new");
+  ReplaceWholeFile(files(), Path("LIST.TXT"), "new");
+  AppendInOneStep(files(), path, "er");
+  EXPECT_EQ(Read(path), "newer");
+  EXPECT_EQ(Names(Scratch()), std::vector<std::string>{"list.txt"});
+  files().SetAttributes(path, file_attribute::kReadOnly);
+  EXPECT_EQ(ErrorOf([&] { ReplaceWholeFile(files(), path, "x"); }), ErrorNumber::kPermissionDenied);
+  EXPECT_EQ(ErrorOf([&] { ReplaceWholeFile(files(), Path("no\\x"), "x"); }),
+            ErrorNumber::kPathNotFound);
+  // A failure at the last step leaves the old file and nothing beside it.
+  files().CreateFolder(Path("folder"));
+  EXPECT_EQ(ErrorOf([&] { ReplaceWholeFile(files(), Path("folder"), "x"); }),
+            ErrorNumber::kPathFileAccess);
+  EXPECT_EQ(Names(Scratch()), (std::vector<std::string>{"folder", "list.txt"}));
+  EXPECT_EQ(Read(path), "newer");
+}
+
+TEST_F(FilesTest, KeepsTimes) {
+  const std::string path = Make("times");
+  const auto moment = [](int64_t ticks) {
+    return FileTime(std::chrono::sys_days(std::chrono::days(12'500))) + FileTime::duration(ticks);
+  };
+  files().SetTimes(path, {.created = moment(1), .accessed = moment(22), .modified = moment(333)});
+  FileTimes times = files().Times(path);
+  EXPECT_EQ(times.accessed, moment(22));
+  EXPECT_EQ(times.modified, moment(333));
+  // One that is not known stays as it is.
+  files().SetTimes(path, {.modified = moment(4444)});
+  EXPECT_EQ(files().Times(path).accessed, moment(22));
+  EXPECT_EQ(files().Stat(path)->modified, moment(4444));
+  EXPECT_EQ(files().Times(path).created, times.created);
+  EXPECT_EQ(ErrorOf([&] { files().Times(Path("missing")); }), ErrorNumber::kFileNotFound);
+}
+
 TEST_F(FilesTest, CopyBringsContentAttributesAndTime) {
   const std::string content = std::string(300'000, 'c') + "end";
   Make("source", content);

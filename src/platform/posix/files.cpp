@@ -28,6 +28,14 @@ FileTime TimeFromSystem(const struct timespec& time) {
       std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec)));
 }
 
+// One that is not known leaves what the file has.
+struct timespec TimeForSystem(FileTime time) {
+  if (time == FileTime()) return {0, UTIME_OMIT};
+  const auto sinceEpoch = time.time_since_epoch();
+  const auto seconds = std::chrono::floor<std::chrono::seconds>(sinceEpoch);
+  return {seconds.count(), std::chrono::nanoseconds(sinceEpoch - seconds).count()};
+}
+
 bool IsReadOnly(const struct stat& status) {
   return !S_ISLNK(status.st_mode) && (status.st_mode & S_IWUSR) == 0;
 }
@@ -219,14 +227,18 @@ class PosixFiles : public Files {
     if (readOnly) setMode(mode & ~mode_t{0222});
   }
 
-  void SetModified(std::string_view path, FileTime time) override {
+  FileTimes Times(std::string_view path) override {
     const ChangePlace place = ChangePlace::OfTarget(paths_, path, links_);
     if (!place.Exists()) throw RuntimeError(ErrorNumber::kFileNotFound, path, ENOENT);
-    const auto sinceEpoch = time.time_since_epoch();
-    const auto seconds = std::chrono::floor<std::chrono::seconds>(sinceEpoch);
-    const auto rest = std::chrono::nanoseconds(sinceEpoch - seconds);
-    const struct timespec times[] = {{0, UTIME_OMIT}, {seconds.count(), rest.count()}};
-    if (utimensat(place.Folder(), place.Name(), times, AT_SYMLINK_NOFOLLOW) != 0) {
+    return {.accessed = TimeFromSystem(place.Status().st_atim),
+            .modified = TimeFromSystem(place.Status().st_mtim)};
+  }
+
+  void SetTimes(std::string_view path, const FileTimes& times) override {
+    const ChangePlace place = ChangePlace::OfTarget(paths_, path, links_);
+    if (!place.Exists()) throw RuntimeError(ErrorNumber::kFileNotFound, path, ENOENT);
+    const struct timespec both[] = {TimeForSystem(times.accessed), TimeForSystem(times.modified)};
+    if (utimensat(place.Folder(), place.Name(), both, AT_SYMLINK_NOFOLLOW) != 0) {
       RaiseErrno(errno, path);
     }
   }

@@ -245,18 +245,41 @@ class WindowsFiles : public Files {
     }
   }
 
-  void SetModified(std::string_view path, FileTime time) override {
+  FileTimes Times(std::string_view path) override {
     const std::wstring place = SystemPath(path);
     const HeldWay way = WayTo(place, path, HeldWay::End::kItself);
-    const KernelHandle file(CreateFileW(place.c_str(), FILE_WRITE_ATTRIBUTES, kShareAll, nullptr,
-                                        OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
-    const FILETIME modified = TimeForSystem(time);
-    if (!file.Valid() || !SetFileTime(file.Get(), nullptr, nullptr, &modified)) {
+    const KernelHandle file = OpenForTimes(place, FILE_READ_ATTRIBUTES);
+    FILETIME created;
+    FILETIME accessed;
+    FILETIME modified;
+    if (!file.Valid() || !GetFileTime(file.Get(), &created, &accessed, &modified)) {
+      RaiseSystemError(GetLastError(), path);
+    }
+    return {TimeFromSystem(created), TimeFromSystem(accessed), TimeFromSystem(modified)};
+  }
+
+  void SetTimes(std::string_view path, const FileTimes& times) override {
+    const std::wstring place = SystemPath(path);
+    const HeldWay way = WayTo(place, path, HeldWay::End::kItself);
+    const KernelHandle file = OpenForTimes(place, FILE_WRITE_ATTRIBUTES);
+    // Zero leaves a time as it is.
+    const auto forSystem = [](FileTime time) {
+      return time == FileTime() ? FILETIME{} : TimeForSystem(time);
+    };
+    const FILETIME created = forSystem(times.created);
+    const FILETIME accessed = forSystem(times.accessed);
+    const FILETIME modified = forSystem(times.modified);
+    if (!file.Valid() || !SetFileTime(file.Get(), &created, &accessed, &modified)) {
       RaiseSystemError(GetLastError(), path);
     }
   }
 
  private:
+  static KernelHandle OpenForTimes(const std::wstring& place, DWORD access) {
+    return KernelHandle(CreateFileW(place.c_str(), access, kShareAll, nullptr, OPEN_EXISTING,
+                                    FILE_FLAG_BACKUP_SEMANTICS, nullptr));
+  }
+
   // What has to be held while something is done at a place; nothing where links are followed.
   HeldWay WayTo(const std::wstring& place, std::string_view about,
                 HeldWay::End end = HeldWay::End::kFolder) const {

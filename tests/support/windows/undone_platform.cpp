@@ -76,9 +76,10 @@ class UndoneFiles : public Files {
     Keep(path);
     files_.SetAttributes(path, attributes);
   }
-  void SetModified(std::string_view path, FileTime time) override {
+  FileTimes Times(std::string_view path) override { return files_.Times(path); }
+  void SetTimes(std::string_view path, const FileTimes& times) override {
     Keep(path);
-    files_.SetModified(path, time);
+    files_.SetTimes(path, times);
   }
 
  private:

@@ -1,0 +1,21 @@
+#include "recovery/restore_point.h"
+
+#include "base/text.h"
+#include "core/paths.h"
+
+namespace quarnel {
+
+std::string BackupFolder(Machine& machine) {
+  return GetPathWithSlash(machine.ProgramFolder()) + "Backup";
+}
+
+std::string StemOf(DateTime moment) {
+  return SingleText(static_cast<float>(SecondsOfDay(moment))) + "_" +
+         FormatDate(moment, "yyyymmddhhnnss");
+}
+
+std::string RestorePointFile(Machine& machine, std::string_view stem, std::string_view ending) {
+  return Join({BackupFolder(machine), "\\", std::string(stem), std::string(ending)}, "");
+}
+
+}  // namespace quarnel

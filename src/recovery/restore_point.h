@@ -1,0 +1,34 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "base/date_time.h"
+#include "platform/machine.h"
+
+// The files of a restore point: they lie in one folder and share a stem.
+namespace quarnel {
+
+namespace restore_point {
+inline constexpr std::string_view kRegistry = "_REGBK.bkp";
+inline constexpr std::string_view kFiles = "_FILESBK.bkp";
+inline constexpr std::string_view kFileDetails = "_FILESBK_DET.bkp";
+inline constexpr std::string_view kCookies = "_COOKIESBK.bkp";
+inline constexpr std::string_view kCookieDetails = "_COOKIESBK_DET.bkp";
+inline constexpr std::string_view kManifest = "_MANIFEST.bkp";
+
+// Between the fields of the text files.
+inline constexpr std::string_view kSeparator = "[[-]]";
+}  // namespace restore_point
+
+// The folder of all restore points, without a backslash at its end.
+std::string BackupFolder(Machine& machine);
+
+// The stem of a restore point that is made at this moment: the seconds of the day, "_", and the
+// date and time in digits, which the list of restore points shows.
+std::string StemOf(DateTime moment);
+
+// The path of one of a restore point's files.
+std::string RestorePointFile(Machine& machine, std::string_view stem, std::string_view ending);
+
+}  // namespace quarnel

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <string>
+
+#include "controls/form.h"
+#include "controls/list_view.h"
+#include "controls/simple_controls.h"
+#include "ui/services.h"
+
+namespace quarnel {
+
+// Lists the restore points, deletes one, or chooses one. It restores nothing itself: the chosen stem
+// stays in a text of its owner's.
+class frmRestore : public Form {
+ public:
+  // `chosenStem` is emptied when the form loads, and empty after it unless a point was chosen.
+  frmRestore(Services services, std::string& chosenStem);
+
+  // The stem, and a date text built from it.
+  ListView lvwBackups{*this, "lvwBackups", {"Backup Name"}};
+  Label lblExplanation{*this, "lblExplanation"};
+  Button cmdOK{*this, "cmdOK", "Restore Removed Items"};
+  Button cmdDeleteBackup{*this, "cmdDeleteBackup", "Delete Restore Point"};
+  Button cmdcancel{*this, "cmdcancel", "Cancel"};
+
+ protected:
+  void Form_Load() override;
+
+ private:
+  void ListRestorePoints();
+  void cmdOK_Click();
+  void cmdDeleteBackup_Click();
+  // False, after a message, when the list is empty.
+  bool HasRestorePoints();
+  Answer Ask(std::string_view text, MessageIcon icon);
+  // Raises kElementNotFound when no row is selected.
+  size_t SelectedRow() const;
+
+  Services s_;
+  std::string& chosenStem_;
+};
+
+// "2008 June, 14 2008 June at 10:25:16 " for the digits of a stem. Raises kTypeMismatch or
+// kInvalidCall when a month's number does not stand in its place.
+std::string RestorePointDate(std::string_view digits);
+
+}  // namespace quarnel

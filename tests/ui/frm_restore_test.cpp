@@ -1,0 +1,92 @@
+#include "ui/frm_restore.h"
+
+#include <gtest/gtest.h>
+
+#include "core/paths.h"
+#include "recovery/restore_point.h"
+#include "support/platform_fixture.h"
+#include "support/test_host.h"
+
+namespace quarnel {
+namespace {
+
+class RestoreFormTest : public PlatformTest {
+ protected:
+  RestoreFormTest() { CreateFolders(files(), BackupFolder(machine())); }
+  void Make(std::string_view name) {
+    WriteWholeFile(files(), BackupFolder(machine()) + "\\" + std::string(name), "x");
+  }
+  std::vector<std::string> Remaining() {
+    std::vector<std::string> names;
+    for (const DirectoryEntry& entry : files().List(BackupFolder(machine()))) {
+      names.push_back(entry.name);
+    }
+    return names;
+  }
+  frmRestore& Form() { return form_.Touch(); }
+
+  TestHost host;
+  Settings settings{registry(), "Quarnel"};
+  ErrorLog log{files(), machine(), host, "Quarnel"};
+  std::string chosen = "left from before";
+
+ private:
+  FormSlot<frmRestore> form_{[this] {
+    return std::make_unique<frmRestore>(Services{platform(), host, settings, log}, chosen);
+  }};
+};
+
+TEST_F(RestoreFormTest, ListsAndChooses) {
+  Make("37516.25_20080614102516_FILESBK.bkp");
+  Make("37516.25_20080614102516_FILESBK_DET.bkp");
+  Make("9_20240131235959_filesbk.BKP");
+  Make("1_20240131235959_REGBK.bkp");
+  frmRestore& form = Form();
+  EXPECT_EQ(chosen, "");
+  ASSERT_EQ(form.lvwBackups.Count(), 2U);
+  EXPECT_EQ(form.lvwBackups.At(0).text, "37516.25_20080614102516");
+  EXPECT_EQ(form.lvwBackups.At(0).SubItem(1), "2008 June, 14 2008 June at 10:25:16 ");
+  EXPECT_EQ(form.lvwBackups.At(1).SubItem(1), "2024 January, 31 2024 January at 23:59:59 ");
+  // Without a selection the answer leads nowhere.
+  host.answers = {Answer::kYes, Answer::kNo, Answer::kYes};
+  form.cmdOK.ClickByUser();
+  form.lvwBackups.SelectByUser(1);
+  form.cmdOK.ClickByUser();
+  EXPECT_TRUE(form.IsLoaded());
+  EXPECT_EQ(chosen, "");
+  form.cmdOK.ClickByUser();
+  EXPECT_FALSE(form.IsLoaded());
+  EXPECT_EQ(chosen, "9_20240131235959");
+  EXPECT_EQ(host.messages[0].icon, MessageIcon::kInformation);
+}
+
+TEST_F(RestoreFormTest, DeletesAPointWithItsManifestAndKeepsItsCookies) {
+  using namespace restore_point;
+  for (const std::string_view ending :
+       {kFiles, kRegistry, kFileDetails, kCookies, kCookieDetails, kManifest}) {
+    Make("1_20240131235959" + std::string(ending));
+  }
+  frmRestore& form = Form();
+  form.lvwBackups.SelectByUser(0);
+  host.answers = {Answer::kNo, Answer::kYes};
+  form.cmdDeleteBackup.ClickByUser();
+  EXPECT_EQ(Remaining().size(), 6U);
+  form.cmdDeleteBackup.ClickByUser();
+  EXPECT_EQ(Remaining(), (std::vector<std::string>{"1_20240131235959_COOKIESBK.bkp",
+                                                   "1_20240131235959_COOKIESBK_DET.bkp"}));
+  EXPECT_TRUE(form.lvwBackups.Empty());
+  form.cmdDeleteBackup.ClickByUser();
+  form.cmdOK.ClickByUser();
+  EXPECT_EQ(host.messages.back().text, "Restore Point not found on your PC.");
+  form.cmdcancel.ClickByUser();
+  EXPECT_FALSE(form.IsLoaded());
+}
+
+TEST_F(RestoreFormTest, EndsTheListAtAMonthThatIsNone) {
+  Make("1_20241331235959_FILESBK.bkp");
+  Make("2_20240131235959_FILESBK.bkp");
+  EXPECT_EQ(Form().lvwBackups.Count(), 1U);
+}
+
+}  // namespace
+}  // namespace quarnel
