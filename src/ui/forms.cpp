@@ -21,6 +21,8 @@ Forms::Forms(const Services& services, StartOptions options)
         return std::make_unique<frmIngnoredSpywares>(services, main_->results);
       }),
       ingnoredProcesses(Made<frmIngnoredProcesses>(services)),
+      restore(
+          [this, services] { return std::make_unique<frmRestore>(services, chosenRestorePoint); }),
       main_(std::make_unique<frmMain>(services, *this, options)) {
   all_.push_back({"frmMain", [this]() -> Form& {
                     main_->Load();
@@ -32,6 +34,7 @@ Forms::Forms(const Services& services, StartOptions options)
   List("frmReBootMachine", reBootMachine);
   List("frmIngnoredSpywares", ingnoredSpywares);
   List("frmIngnoredProcesses", ingnoredProcesses);
+  List("frmRestore", restore);
 }
 
 Forms::~Forms() = default;

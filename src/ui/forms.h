@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <span>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -12,6 +13,7 @@
 #include "ui/frm_ingnored_spywares.h"
 #include "ui/frm_main.h"
 #include "ui/frm_reboot_machine.h"
+#include "ui/frm_restore.h"
 #include "ui/frm_splash.h"
 #include "ui/services.h"
 
@@ -26,12 +28,16 @@ class Forms {
   Forms(const Forms&) = delete;
   Forms& operator=(const Forms&) = delete;
 
+  // The stem of the restore point that was chosen last; empty when none was.
+  std::string chosenRestorePoint;
+
   FormSlot<frmSplash> splash;
   FormSlot<frmClose> close;
   FormSlot<frmCloseIE> closeIE;
   FormSlot<frmReBootMachine> reBootMachine;
   FormSlot<frmIngnoredSpywares> ingnoredSpywares;
   FormSlot<frmIngnoredProcesses> ingnoredProcesses;
+  FormSlot<frmRestore> restore;
 
   frmMain& main() { return *main_; }
 

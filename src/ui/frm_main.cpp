@@ -53,6 +53,13 @@ frmMain::frmMain(Services services, Forms& forms, StartOptions startOptions)
                    .files = fileScan_,
                    .deep = deepScan_},
                   *this, s_.settings),
+      backupLogic_({.page = backup,
+                    .results = results,
+                    .files = s_.platform.files(),
+                    .registry = s_.platform.registry(),
+                    .machine = s_.platform.machine(),
+                    .host = s_.host,
+                    .log = s_.log}),
       removalLogic_({.page = removal,
                      .scan = scan,
                      .results = results,
@@ -67,6 +74,13 @@ frmMain::frmMain(Services services, Forms& forms, StartOptions startOptions)
                      .host = s_.host,
                      .log = s_.log},
                     SurroundingsOfRemoval()),
+      restore_({.page = backup,
+                .files = s_.platform.files(),
+                .registry = s_.platform.registry(),
+                .machine = s_.platform.machine(),
+                .settings = s_.settings,
+                .host = s_.host,
+                .log = s_.log}),
       optionLogic_({.page = options,
                     .results = results,
                     .scan = scan,
@@ -121,6 +135,7 @@ void frmMain::WireResults() {
   };
   results.cmdViewSpywareDetail.Click = [this] { cmdViewSpywareDetail_Click(); };
   results.Command1.Click = [this] { Command1_Click(); };
+  backup.cmdRestore.Click = [this] { cmdRestore_Click(); };
   results.ImgAddToIgnoredListNormal.Click = [this] { ImgAddToIgnoredListNormal_Click(); };
   results.imgNext0.Click = [this] { imgNext_Click(0); };
   results.imgNext1.Click = [this] { imgNext_Click(1); };
@@ -353,6 +368,13 @@ void frmMain::Command1_Click() {
   Reporting(s_.log, "Command1_Click in frmMain", [&] {
     host().SetClipboardText(resultsModel_.ResultsText());
     s_.host.MsgBox({.text = "Copied to Clipboard", .title = s_.settings.ApplicationName()});
+  });
+}
+
+void frmMain::cmdRestore_Click() {
+  Reporting(s_.log, "cmdRestore_Click in frmMain", [&] {
+    forms_.restore.Touch().ShowModal();
+    if (!forms_.chosenRestorePoint.empty()) restore_.RestoreSpyware(forms_.chosenRestorePoint);
   });
 }
 

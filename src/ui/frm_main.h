@@ -11,7 +11,9 @@
 #include "controls/simple_controls.h"
 #include "controls/timer.h"
 #include "controls/tray_icon.h"
+#include "recovery/backup.h"
 #include "recovery/removal.h"
+#include "recovery/restore.h"
 #include "scan/file_scan.h"
 #include "scan/results.h"
 #include "scan/safe_list.h"
@@ -102,6 +104,7 @@ class frmMain : public Form, private ScanSurroundings {
   UpdatePage update{*this};
   SchedulePage schedule{*this};
   SummaryPage summary{*this};
+  BackupPage backup{*this};
   MainTimers timers{*this};
   TrayIcon trayIcon{*this, "trayIcon"};
   // Hidden; its tag holds the window state that was in force before a minimise.
@@ -178,6 +181,7 @@ class frmMain : public Form, private ScanSurroundings {
   OptionEffects Effects();
   void cmdViewSpywareDetail_Click();
   void Command1_Click();
+  void cmdRestore_Click();
   void ImgAddToIgnoredListNormal_Click();
   Answer Inform(std::string_view text);
 
@@ -205,7 +209,9 @@ class frmMain : public Form, private ScanSurroundings {
   HashPool hashPool_;
   DeepScan deepScan_;
   ScanController controller_;
+  Backup backupLogic_;
   Removal removalLogic_;
+  Restore restore_;
   Options optionLogic_;
   Summary summaryLogic_;
 

@@ -55,7 +55,11 @@ void frmMain::Form_Load() {
   });
 }
 
-void frmMain::LayPages() { results.imgNext1.SetVisible(false); }
+void frmMain::LayPages() {
+  results.imgNext1.SetVisible(false);
+  backup.picBackupProgress.SetVisible(false);
+  backup.lvwRegBackup.SetVisible(false);
+}
 
 void frmMain::NameWindow() {
   justAfterInstallation_ = s_.settings.Get(setting::kJustAfterInstallation);

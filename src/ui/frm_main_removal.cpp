@@ -25,12 +25,7 @@ void frmMain::WireRemoval() {
 }
 
 RemovalSurroundings frmMain::SurroundingsOfRemoval() {
-  return {.backupSpyware =
-              [] {
-                BackupReport report;
-                report.failures.push_back({"restore point", "this build makes none"});
-                return report;
-              },
+  return {.backupSpyware = [this] { return backupLogic_.BackupSpyware(); },
           .askToCloseBrowser = [this] { forms_.closeIE.Touch().ShowModal(); },
           .askToRestart = [this] { forms_.reBootMachine.Touch().ShowModal(); },
           .showResultsTab = [this] { SelectScanTab(); },
