@@ -145,44 +145,48 @@ void Restore::RestoreLine(std::string_view line) {
 }
 
 void Restore::ExtractAll(const std::string& archivePath, ArchiveKind kind) {
+  FileRestorer restorer(u_.files);
   ReadArchive(u_.files, archivePath, [&](ArchiveEntry& entry) {
     u_.host.DoEvents();
     if (IsSideEntry(entry.Name()) || entry.Name().ends_with('/')) return;
-    PutBelowRoot(entry.Name(), kind, [&](const FileRestorer::Pieces& take) { entry.Read(take); });
+    PutBelowRoot(entry.Name(), kind, restorer,
+                 [&](const FileRestorer::Pieces& take) { entry.Read(take); });
   });
+  restorer.Settle();
 }
 
 void Restore::ExtractByManifest(const std::string& archivePath, ArchiveKind kind,
                                 const Manifest& manifest) {
   StoredCopies copies(u_.files, archivePath);
+  FileRestorer restorer(u_.files);
   for (const FileItem& item : manifest.files) {
     if (item.kind != kind || IsSideEntry(item.entry)) continue;
     u_.host.DoEvents();
-    PutBelowRoot(item.entry, kind,
+    PutBelowRoot(item.entry, kind, restorer,
                  [&](const FileRestorer::Pieces& take) { copies.Read(item, take); });
   }
+  restorer.Settle();
 }
 
 // Only what is gone comes back.
-void Restore::PutBelowRoot(const std::string& entry, ArchiveKind kind,
-                           const FileRestorer::Source& source) {
+void Restore::PutBelowRoot(const std::string& entry, ArchiveKind kind, FileRestorer& restorer,
+                           const std::function<void(const FileRestorer::Pieces& take)>& source) {
   const std::string path = Root() + Replace(entry, "/", "\\");
-  Reporting(u_.log, LabelOf(kind), [&] {
-    try {
-      RequireBelow(Root(), path);
-      FileRestorer restorer(u_.files);
-      if (restorer.files().Stat(path)) {
-        ++report_.present;
-        return;
-      }
-      restorer.Put(path, source);
-      ++report_.files;
-    } catch (const RuntimeError& error) {
-      Fail(path, error.Description());
-      throw RuntimeError(error.Number(), path + " (" + error.Description() + ")",
-                         error.SystemCode());
+  const auto failed = [this, path, kind](const RuntimeError& error) {
+    Fail(path, error.Description());
+    u_.log.WriteErrorLog(LabelOf(kind), RuntimeError(error.Number(), path, error.SystemCode()));
+  };
+  try {
+    RequireBelow(Root(), path);
+    if (restorer.Stat(path)) {
+      ++report_.present;
+      return;
     }
-  });
+    restorer.Put(
+        {.path = path, .source = source, .placed = [this] { ++report_.files; }, .failed = failed});
+  } catch (const RuntimeError& error) {
+    failed(error);
+  }
 }
 
 void Restore::NameUnlisted(std::string_view stem, ArchiveKind kind, const Manifest& manifest) {

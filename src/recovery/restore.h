@@ -57,7 +57,8 @@ class Restore {
   void ExtractAll(const std::string& archivePath, ArchiveKind kind);
   void ExtractByManifest(const std::string& archivePath, ArchiveKind kind,
                          const Manifest& manifest);
-  void PutBelowRoot(const std::string& entry, ArchiveKind kind, const FileRestorer::Source& source);
+  void PutBelowRoot(const std::string& entry, ArchiveKind kind, FileRestorer& restorer,
+                    const std::function<void(const FileRestorer::Pieces& take)>& source);
   // Names what the archive holds and no intact record tells of.
   void NameUnlisted(std::string_view stem, ArchiveKind kind, const Manifest& manifest);
   void TellEnd(bool withFailures);

@@ -30,18 +30,12 @@ void StrictRestore::Run(const Manifest& manifest) {
   StoredCopies files(u_.files, RestorePointFile(u_.machine, manifest.stem, restore_point::kFiles));
   StoredCopies cookies(u_.files,
                        RestorePointFile(u_.machine, manifest.stem, restore_point::kCookies));
+  FileRestorer restorer(u_.files);
   for (const FileItem& item : manifest.files) {
     Step();
-    Reporting(u_.log, "RestoreFiles", [&] {
-      try {
-        RestoreFile(item, item.kind == ArchiveKind::kFiles ? files : cookies);
-      } catch (const RuntimeError& error) {
-        report_.failures.push_back({item.path, error.Description()});
-        throw RuntimeError(error.Number(), item.path + " (" + error.Description() + ")",
-                           error.SystemCode());
-      }
-    });
+    RestoreFile(item, item.kind == ArchiveKind::kFiles ? files : cookies, restorer);
   }
+  restorer.Settle();
   page.picBackupProgress.SetVisible(false);
 }
 
@@ -79,16 +73,15 @@ void StrictRestore::RestoreValue(const ValueItem& item) {
   Note(ItemText(item.hive, item.path, item.name), status);
 }
 
-bool StrictRestore::StandsThere(const FileItem& item) {
-  Files& files = u_.files.WithoutLinks();
-  const auto present = files.Stat(item.path);
+bool StrictRestore::StandsThere(const FileItem& item, FileRestorer& restorer) {
+  const auto present = restorer.Stat(item.path);
   if (!present) return false;
   if (present->IsFolder()) throw RuntimeError(ErrorNumber::kPathFileAccess);
   bool equal = present->size == item.size;
   if (equal) {
     Sha256 hash;
     std::string buffer(size_t{1} << 18, '\0');
-    const auto file = files.Open(item.path, OpenMode::kRead);
+    const auto file = restorer.files().Open(item.path, OpenMode::kRead);
     while (const size_t count = file->Read({buffer.data(), buffer.size()})) {
       hash.Update({buffer.data(), count});
     }
@@ -102,32 +95,42 @@ bool StrictRestore::StandsThere(const FileItem& item) {
   return equal;
 }
 
-void StrictRestore::RestoreFile(const FileItem& item, StoredCopies& copies) {
-  RequireSafePath(item.path);
-  FileRestorer restorer(u_.files);
+void StrictRestore::RestoreFile(const FileItem& item, StoredCopies& copies,
+                                FileRestorer& restorer) {
+  Files& files = restorer.files();
   const uint32_t attributes = item.attributes & kSettable;
-  const auto finish = [&](const std::string& path) {
+  const auto finish = [&files, &item, attributes](const std::string& path) {
     // A file that is read-only already could not be seen onto the disk.
-    restorer.files().SetAttributes(path, attributes & ~file_attribute::kReadOnly);
-    restorer.files().SetTimes(path, item.times);
+    files.SetAttributes(path, attributes & ~file_attribute::kReadOnly);
+    files.SetTimes(path, item.times);
   };
-  if (StandsThere(item)) {
-    finish(item.path);
-    ++report_.present;
-  } else {
-    restorer.Put(
-        item.path, [&](const FileRestorer::Pieces& take) { copies.Read(item, take); },
-        [&](const std::string& temporary) {
-          finish(temporary);
-          // What stands there is in the way no longer than the new file takes to come.
-          if (restorer.files().Stat(item.path)) {
-            restorer.files().SetAttributes(item.path, file_attribute::kNormal);
-          }
-        });
-    ++report_.files;
-  }
-  if ((attributes & file_attribute::kReadOnly) != 0) {
-    restorer.files().SetAttributes(item.path, attributes);
+  const auto makeReadOnly = [&files, &item, attributes] {
+    if ((attributes & file_attribute::kReadOnly) != 0) files.SetAttributes(item.path, attributes);
+  };
+  const auto failed = [this, &item](const RuntimeError& error) {
+    report_.failures.push_back({item.path, error.Description()});
+    u_.log.WriteErrorLog("RestoreFiles",
+                         RuntimeError(error.Number(), item.path, error.SystemCode()));
+  };
+  try {
+    RequireSafePath(item.path);
+    if (StandsThere(item, restorer)) {
+      finish(item.path);
+      makeReadOnly();
+      ++report_.present;
+      return;
+    }
+    restorer.Put({.path = item.path,
+                  .source = [&](const FileRestorer::Pieces& take) { copies.Read(item, take); },
+                  .finish = finish,
+                  .placed =
+                      [this, makeReadOnly] {
+                        makeReadOnly();
+                        ++report_.files;
+                      },
+                  .failed = failed});
+  } catch (const RuntimeError& error) {
+    failed(error);
   }
 }
 

@@ -9,6 +9,7 @@
 #include "platform/machine.h"
 #include "platform/registry.h"
 #include "recovery/backup_page.h"
+#include "recovery/file_restorer.h"
 #include "recovery/manifest.h"
 #include "recovery/stored_copies.h"
 
@@ -39,8 +40,10 @@ class StrictRestore {
   RegistryStatus OpenKey(uint32_t hive, const std::string& path);
   void RestoreKey(const KeyItem& item);
   void RestoreValue(const ValueItem& item);
-  void RestoreFile(const FileItem& item, StoredCopies& copies);
-  bool StandsThere(const FileItem& item);
+  void RestoreFile(const FileItem& item, StoredCopies& copies, FileRestorer& restorer);
+  // Whether the file is as it was, but for its times and attributes. Raises what forbids to replace
+  // what stands there instead.
+  bool StandsThere(const FileItem& item, FileRestorer& restorer);
   void Note(const std::string& what, RegistryStatus status);
 
   Uses u_;

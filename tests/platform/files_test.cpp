@@ -291,6 +291,25 @@ TEST_F(FilesTest, ReplacesAWholeFileByWayOfAnother) {
   EXPECT_EQ(Read(path), "newer");
 }
 
+TEST_F(FilesTest, PutsManyFilesInPlaceAtOnce) {
+  for (const int count : {3, 30}) {
+    std::vector<std::string> from;
+    std::vector<std::string> to;
+    for (int i = 0; i < count; ++i) {
+      from.push_back(Make("new" + std::to_string(i), std::to_string(i)));
+      to.push_back(Path("file" + std::to_string(i)));
+      if (i % 2 == 0) WriteWholeFile(files(), to.back(), "old");
+    }
+    files().FlushAll(from);
+    for (size_t i = 0; i < from.size(); ++i) files().PutInPlace(from[i], to[i]);
+    files().FlushAll(to);
+    for (size_t i = 0; i < to.size(); ++i) EXPECT_EQ(Read(to[i]), std::to_string(i));
+    EXPECT_EQ(Names(Scratch()).size(), to.size());
+    from[1] = Path("missing");
+    EXPECT_EQ(ErrorOf([&] { files().FlushAll(from); }), ErrorNumber::kFileNotFound);
+  }
+}
+
 TEST_F(FilesTest, KeepsTimes) {
   const std::string path = Make("times");
   const auto moment = [](int64_t ticks) {

@@ -146,6 +146,11 @@ void ChangePlace::SyncFolder() const {
   if (fd.Valid() && fsync(fd.Get()) != 0 && errno != EINVAL) RaiseErrno(errno, name_);
 }
 
+void ChangePlace::SyncVolume() const {
+  const UniqueFd fd(openat(Folder(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  if (!fd.Valid() || syncfs(fd.Get()) != 0) RaiseErrno(errno, name_);
+}
+
 bool RenameWithoutReplacing(const ChangePlace& source, const ChangePlace& target) {
   if (!target.Exists()) {
     if (renameat2(source.Folder(), source.Name(), target.Folder(), target.Name(),

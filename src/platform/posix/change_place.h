@@ -42,6 +42,8 @@ class ChangePlace {
 
   // Returns when the folder's names are on the disk.
   void SyncFolder() const;
+  // Returns when all that was written to the folder's volume is on the disk.
+  void SyncVolume() const;
 
  private:
   // A place in an open folder.

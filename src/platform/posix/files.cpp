@@ -184,17 +184,27 @@ class PosixFiles : public Files {
   }
 
   void ReplaceFile(std::string_view from, std::string_view to) override {
-    const ChangePlace source = ExistingPlace(from);
-    const ChangePlace target = ChangePlace::Of(paths_, to, links_);
-    if (source.IsFolder() || target.IsFolder()) {
-      throw RuntimeError(ErrorNumber::kPathFileAccess, to, EISDIR);
+    Replace(from, to, [&](const ChangePlace& source) { SyncFile(source, from); }).SyncFolder();
+  }
+
+  void PutInPlace(std::string_view from, std::string_view to) override {
+    Replace(from, to, [](const ChangePlace&) {});
+  }
+
+  void FlushAll(std::span<const std::string> paths) override {
+    // For some files the disk is not asked to take all that other programs wrote.
+    constexpr size_t kSome = 8;
+    std::vector<dev_t> done;
+    for (const std::string& path : paths) {
+      const ChangePlace place = ExistingPlace(path);
+      if (paths.size() <= kSome) {
+        SyncFile(place, path);
+        place.SyncFolder();
+      } else if (std::find(done.begin(), done.end(), place.Status().st_dev) == done.end()) {
+        done.push_back(place.Status().st_dev);
+        place.SyncVolume();
+      }
     }
-    RefuseReadOnly(target, to);
-    SyncFile(source, from);
-    if (renameat(source.Folder(), source.Name(), target.Folder(), target.Name()) != 0) {
-      RaiseErrno(errno, to);
-    }
-    target.SyncFolder();
   }
 
   void Copy(std::string_view from, std::string_view to) override {
@@ -288,6 +298,22 @@ class PosixFiles : public Files {
   [[noreturn]] static void RaiseMissing(const PathMap::Location& location, std::string_view path) {
     throw RuntimeError(location.hasFolder ? ErrorNumber::kFileNotFound : ErrorNumber::kPathNotFound,
                        path, ENOENT);
+  }
+
+  // Puts a file in the place of another; `before` sees it first. The place it has then.
+  template <typename Before>
+  ChangePlace Replace(std::string_view from, std::string_view to, Before&& before) {
+    const ChangePlace source = ExistingPlace(from);
+    ChangePlace target = ChangePlace::Of(paths_, to, links_);
+    if (source.IsFolder() || target.IsFolder()) {
+      throw RuntimeError(ErrorNumber::kPathFileAccess, to, EISDIR);
+    }
+    RefuseReadOnly(target, to);
+    before(source);
+    if (renameat(source.Folder(), source.Name(), target.Folder(), target.Name()) != 0) {
+      RaiseErrno(errno, to);
+    }
+    return target;
   }
 
   // The place of a name that must stand there already.

@@ -198,19 +198,11 @@ class WindowsFiles : public Files {
   }
 
   void ReplaceFile(std::string_view from, std::string_view to) override {
-    const std::wstring source = SystemPath(from);
-    const std::wstring target = SystemPath(to);
-    const HeldWay way = WayTo(target, to);
-    RefuseReadOnly(target, to);
-    if (IsFolderAt(source) || IsFolderAt(target)) {
-      throw RuntimeError(ErrorNumber::kPathFileAccess, to);
-    }
-    SyncFile(source, from);
-    if (!MoveFileExW(source.c_str(), target.c_str(),
-                     MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH)) {
-      RaiseSystemError(GetLastError(), to);
-    }
+    SyncFile(SystemPath(from), from);
+    Replace(from, to, MOVEFILE_WRITE_THROUGH);
   }
+
+  void PutInPlace(std::string_view from, std::string_view to) override { Replace(from, to, 0); }
 
   void Copy(std::string_view from, std::string_view to) override {
     const std::wstring source = SystemPath(from);
@@ -275,6 +267,20 @@ class WindowsFiles : public Files {
   }
 
  private:
+  // Puts a file in the place of another.
+  void Replace(std::string_view from, std::string_view to, DWORD flags) {
+    const std::wstring source = SystemPath(from);
+    const std::wstring target = SystemPath(to);
+    const HeldWay way = WayTo(target, to);
+    RefuseReadOnly(target, to);
+    if (IsFolderAt(source) || IsFolderAt(target)) {
+      throw RuntimeError(ErrorNumber::kPathFileAccess, to);
+    }
+    if (!MoveFileExW(source.c_str(), target.c_str(), MOVEFILE_REPLACE_EXISTING | flags)) {
+      RaiseSystemError(GetLastError(), to);
+    }
+  }
+
   static KernelHandle OpenForTimes(const std::wstring& place, DWORD access) {
     return KernelHandle(CreateFileW(place.c_str(), access, kShareAll, nullptr, OPEN_EXISTING,
                                     FILE_FLAG_BACKUP_SEMANTICS, nullptr));

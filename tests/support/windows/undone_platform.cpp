@@ -68,6 +68,12 @@ class UndoneFiles : public Files {
     Keep(to);
     files_.ReplaceFile(from, to);
   }
+  void PutInPlace(std::string_view from, std::string_view to) override {
+    Keep(from);
+    Keep(to);
+    files_.PutInPlace(from, to);
+  }
+  void FlushAll(std::span<const std::string> paths) override { files_.FlushAll(paths); }
   void Copy(std::string_view from, std::string_view to) override {
     Keep(to);
     files_.Copy(from, to);
