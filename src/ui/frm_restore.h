@@ -9,8 +9,8 @@
 
 namespace quarnel {
 
-// Lists the restore points, deletes one, or chooses one. It restores nothing itself: the chosen stem
-// stays in a text of its owner's.
+// Lists the restore points, deletes one, or chooses one. It restores nothing itself: the chosen
+// stem stays in a text of its owner's.
 class frmRestore : public Form {
  public:
   // `chosenStem` is emptied when the form loads, and empty after it unless a point was chosen.
