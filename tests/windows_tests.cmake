@@ -19,7 +19,7 @@ set_tests_properties(programs PROPERTIES DEPENDS "${unitTests}" TIMEOUT 300 SKIP
 
 # Every test works on the same machine, which is made anew for each run and belongs to this build.
 if(runner)
-  add_test(NAME machine-begin COMMAND ${runner} --remove)
+  add_test(NAME machine-begin COMMAND ${runner} --new)
   add_test(NAME machine-end COMMAND ${runner} --remove)
   set_tests_properties(machine-begin PROPERTIES FIXTURES_SETUP machine)
   set_tests_properties(machine-end PROPERTIES FIXTURES_CLEANUP machine)
