@@ -78,6 +78,10 @@ void Host::Add(Form& form) {
   }
 }
 
+void Host::Forget(Form& form) {
+  if (std::erase(forms_, &form) > 0) FormForgotten(form);
+}
+
 void Host::AddTimer(Timer& timer) {
   timers_.push_back(&timer);
   Restart(timer);

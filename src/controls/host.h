@@ -78,6 +78,10 @@ class Host {
  protected:
   // The front's own pending events; called in every DoEvents, so it has to be cheap.
   virtual void ProcessFrontEvents() {}
+  // Runs the handlers of all due timers, as DoEvents does.
+  void FireDueTimers() { FireDue(clock_->Ticks()); }
+  // The form was unloaded or has ended; nothing but its address may be used.
+  virtual void FormForgotten(Form& /*form*/) {}
   // When the next timer falls due; nothing when none runs.
   std::optional<Milliseconds> NextDue() const;
 
@@ -85,7 +89,7 @@ class Host {
   friend class Form;
   friend class Timer;
   void Add(Form& form);
-  void Forget(Form& form) { std::erase(forms_, &form); }
+  void Forget(Form& form);
   void AddTimer(Timer& timer);
   void RemoveTimer(Timer& timer);
   void Restart(Timer& timer);

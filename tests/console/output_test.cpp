@@ -5,10 +5,10 @@
 
 #include "console/console_fixture.h"
 #include "support/test_host.h"
-#include "ui/console/display_text.h"
 #include "ui/console/progress_line.h"
 #include "ui/console/records.h"
 #include "ui/console/scan_summary.h"
+#include "ui/display_text.h"
 
 namespace quarnel {
 namespace {

@@ -6,8 +6,8 @@
 
 #include "base/text.h"
 #include "core/fields.h"
-#include "ui/console/display_text.h"
 #include "ui/console/records.h"
+#include "ui/display_text.h"
 
 namespace quarnel {
 namespace {

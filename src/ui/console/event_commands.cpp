@@ -4,7 +4,7 @@
 
 #include "ui/console/command_error.h"
 #include "ui/console/commands.h"
-#include "ui/console/display_text.h"
+#include "ui/display_text.h"
 
 // The commands about message boxes, time, and what happens inside event processing.
 namespace quarnel::command {

@@ -1,7 +1,7 @@
 #include <optional>
 
 #include "ui/console/commands.h"
-#include "ui/console/display_text.h"
+#include "ui/display_text.h"
 
 // The everyday jobs, and the end.
 namespace quarnel::command {

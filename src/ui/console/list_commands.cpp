@@ -6,7 +6,7 @@
 #include "controls/tree_view.h"
 #include "ui/console/command_error.h"
 #include "ui/console/commands.h"
-#include "ui/console/display_text.h"
+#include "ui/display_text.h"
 
 // The commands that show lists and trees and act on their rows and nodes.
 namespace quarnel::command {

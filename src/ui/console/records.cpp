@@ -2,7 +2,7 @@
 
 #include "base/unicode.h"
 #include "core/fields.h"
-#include "ui/console/display_text.h"
+#include "ui/display_text.h"
 
 namespace quarnel {
 namespace {

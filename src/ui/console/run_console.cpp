@@ -7,8 +7,8 @@
 #include "base/runtime_error.h"
 #include "ui/console/command_error.h"
 #include "ui/console/console_call.h"
-#include "ui/console/display_text.h"
 #include "ui/console/interpreter.h"
+#include "ui/display_text.h"
 
 namespace quarnel {
 namespace {

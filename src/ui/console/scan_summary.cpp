@@ -6,7 +6,7 @@
 
 #include "base/text.h"
 #include "scan/results.h"
-#include "ui/console/display_text.h"
+#include "ui/display_text.h"
 
 namespace quarnel {
 namespace {

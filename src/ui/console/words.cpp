@@ -5,7 +5,7 @@
 
 #include "base/text.h"
 #include "ui/console/command_error.h"
-#include "ui/console/display_text.h"
+#include "ui/display_text.h"
 
 namespace quarnel {
 namespace {

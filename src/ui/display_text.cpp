@@ -1,4 +1,4 @@
-#include "ui/console/display_text.h"
+#include "ui/display_text.h"
 
 #include <algorithm>
 #include <array>

@@ -1,0 +1,111 @@
+#include "ui/wx/bindings/binding.h"
+
+#include <array>
+#include <cctype>
+
+#include "controls/form.h"
+#include "controls/tool_tip.h"
+#include "ui/wx/native.h"
+#include "ui/wx/text.h"
+
+namespace quarnel {
+
+bool Binding::Sync() {
+  if (known_ && revision_ == control_.Revision()) return false;
+  known_ = true;
+  revision_ = control_.Revision();
+  bool moved = false;
+  if (widget_->IsShown() != ShownInLayout()) {
+    widget_->Show(ShownInLayout());
+    moved = true;
+  }
+  if (widget_->IsThisEnabled() != control_.Enabled()) widget_->Enable(control_.Enabled());
+  ShowToolTip();
+  return Update() || moved;
+}
+
+void Binding::ShowToolTip() {
+  wxString text = ToWx(control_.ToolTip());
+  if (const CToolTip* balloon = control_.Balloon()) {
+    text = ToWx(balloon->Look().title) + "\n\n" + ToWx(balloon->TipText());
+  }
+  if (text == toolTip_) return;
+  toolTip_ = text;
+  widget_->SetToolTip(text);
+  for (wxWindow* part : widget_->GetChildren()) part->SetToolTip(text);
+}
+
+void Binding::WatchMouse(wxWindow& widget) {
+  if (!control_.MouseMove) return;
+  widget.Bind(wxEVT_ENTER_WINDOW, [this](wxMouseEvent& event) {
+    event.Skip();
+    Act([this] {
+      if (const Handler move = control_.MouseMove) move();
+    });
+  });
+}
+
+void Binding::Attach(wxWindow* widget, const std::string& accessibleName) {
+  widget_ = widget;
+  WatchMouse(*widget_);
+  widget_->SetName(ToWx(control_.Name()));
+  if (!accessibleName.empty()) native::SetAccessibleName(*widget_, ToWx(accessibleName));
+}
+
+void Binding::Act(const Handler& action) {
+  known_ = false;
+  front_.run(action);
+}
+
+std::unique_ptr<Binding> Bind(wxWindow* parent, Control& control, const Layout& layout,
+                              const Front& front) {
+  for (const auto bind : {BindText, BindButton, BindField, BindDate, BindList, BindTree}) {
+    if (auto binding = bind(parent, control, layout, front)) return binding;
+  }
+  return nullptr;
+}
+
+std::string NameInWords(const Control& control, const Layout& layout) {
+  if (!layout.text.empty()) return layout.text;
+  const std::string& name = control.Name();
+  constexpr size_t kPrefix = 3;
+  std::string words;
+  for (size_t i = name.size() > kPrefix ? kPrefix : 0; i < name.size(); ++i) {
+    const auto letter = static_cast<unsigned char>(name[i]);
+    if (!words.empty() && std::isupper(letter) != 0 && std::isupper(words.back()) == 0) {
+      words += ' ';
+    }
+    words += static_cast<char>(letter);
+  }
+  return words;
+}
+
+void BindContextMenu(wxWindow& widget, const Form& form, const Layout& layout, const Front& front) {
+  if (layout.menu.empty()) return;
+  struct Entry {
+    Control* control;
+    wxString text;
+  };
+  std::vector<Entry> entries;
+  for (const auto& [name, text] : layout.menu) {
+    if (Control* control = form.Find(name)) entries.push_back({control, ToWx(text)});
+  }
+  const auto open = [&widget, &front, entries](wxEvent&) {
+    wxMenu menu;
+    for (const Entry& entry : entries) {
+      wxMenuItem* item = menu.Append(wxID_ANY, entry.text);
+      item->Enable(entry.control->Enabled() && entry.control->Visible());
+      menu.Bind(
+          wxEVT_MENU,
+          [&front, control = entry.control](wxCommandEvent&) {
+            front.run([control] { control->ClickByUser(); });
+          },
+          item->GetId());
+    }
+    widget.PopupMenu(&menu);
+  };
+  widget.Bind(wxEVT_DATAVIEW_ITEM_CONTEXT_MENU, open);
+  widget.Bind(wxEVT_CONTEXT_MENU, open);
+}
+
+}  // namespace quarnel

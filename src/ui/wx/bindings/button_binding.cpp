@@ -1,0 +1,222 @@
+// What is pressed: buttons, pictures that stand for one, the tab strip, check boxes and options.
+
+#include "controls/simple_controls.h"
+#include "ui/wx/bindings/binding.h"
+#include "ui/wx/icons.h"
+#include "ui/wx/metrics.h"
+#include "ui/wx/native.h"
+#include "ui/wx/text.h"
+#include "ui/wx/theme.h"
+
+namespace quarnel {
+namespace {
+
+// A long caption takes several lines.
+wxString CaptionOf(wxWindow& widget, const Captioned& control) {
+  return Wrapped(widget, ToWx(control.Caption()), metrics::Scaled(widget, metrics::kReadableWidth));
+}
+
+class ButtonBinding : public Binding {
+ public:
+  ButtonBinding(wxWindow* parent, Control& control, const Layout& layout, const Front& front)
+      : Binding(control, front), layout_(layout) {
+    const long style = layout.role == Role::kQuiet ? wxBORDER_NONE : 0;
+    button_ =
+        new wxButton(parent, wxID_ANY, ToWx(Caption()), wxDefaultPosition, wxDefaultSize, style);
+    const bool primary = layout.role == Role::kPrimary;
+    if (primary) {
+      button_->SetBackgroundColour(theme::Accent());
+      button_->SetForegroundColour(theme::AccentText());
+      button_->SetFont(button_->GetFont().Bold());
+    }
+    if (!layout.icon.empty()) {
+      const int size = layout.iconSize > 0 ? layout.iconSize : metrics::kButtonIcon;
+      button_->SetBitmap(primary ? icons::Get(layout.icon, size, theme::AccentText())
+                                 : icons::Get(layout.icon, size));
+      button_->SetBitmapMargins(metrics::Scaled(*button_, wxSize(metrics::kTightGap, 0)));
+    }
+    Fit();
+    button_->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) {
+      Act([this] {
+        if (const Handler pressed = this->control().MouseDown) pressed();
+        this->control().ClickByUser();
+      });
+    });
+    Attach(button_);
+  }
+
+  std::string Shown() const override { return FromWx(button_->GetLabel()); }
+
+ protected:
+  bool Update() override {
+    const wxString caption = ToWx(Caption());
+    if (button_->GetLabel() == caption) return false;
+    button_->SetLabel(caption);
+    Fit();
+    return true;
+  }
+
+ private:
+  // What a picture is called is not drawn on it.
+  const std::string& Caption() const {
+    const auto* button = dynamic_cast<const Button*>(&control());
+    return button != nullptr && layout_.text.empty() ? button->Caption() : layout_.text;
+  }
+  void Fit() {
+    const int width = layout_.role == Role::kQuiet ? 0 : metrics::kButtonWidth;
+    button_->SetMinSize(wxDefaultSize);
+    button_->InvalidateBestSize();
+    wxSize size = button_->GetBestSize();
+    size.IncTo(metrics::Scaled(*button_, wxSize(width, metrics::kButtonHeight)));
+    button_->SetMinSize(size);
+  }
+
+  Layout layout_;
+  wxButton* button_;
+};
+
+// A tab of the strip: the control shows while the tab is at rest, its partner with a "C" before the
+// index while it is selected.
+class TabBinding : public Binding {
+ public:
+  TabBinding(wxWindow* parent, Control& control, const Layout& layout, const Front& front)
+      : Binding(control, front) {
+    tab_ = new wxToggleButton(parent, wxID_ANY, ToWx(layout.text), wxDefaultPosition, wxDefaultSize,
+                              wxBORDER_NONE | wxBU_LEFT);
+    tab_->SetBitmap(icons::Get(layout.icon, metrics::kTabIcon));
+    tab_->SetBitmapMargins(metrics::Scaled(*tab_, wxSize(metrics::kGap, 0)));
+    tab_->SetMinSize(metrics::Scaled(*tab_, wxSize(metrics::kTabWidth, metrics::kTabHeight)));
+    tab_->Bind(wxEVT_TOGGLEBUTTON, [this](wxCommandEvent&) {
+      Act([this] {
+        if (this->control().Visible()) this->control().ClickByUser();
+      });
+    });
+    native::MakeTab(*tab_);
+    Attach(tab_);
+  }
+  std::string Shown() const override { return {}; }
+
+ protected:
+  bool Update() override {
+    const bool selected = !control().Visible();
+    if (tab_->GetValue() != selected) tab_->SetValue(selected);
+    return false;
+  }
+  bool ShownInLayout() const override { return true; }
+
+ private:
+  wxToggleButton* tab_;
+};
+
+// A row of the menu that slides in: no menu of the system, since it comes and goes by its own
+// rules.
+class MenuRowBinding : public Binding {
+ public:
+  MenuRowBinding(wxWindow* parent, MenuItem& item, const Layout& layout, const Front& front)
+      : Binding(item, front), item_(item) {
+    row_ = new wxButton(parent, wxID_ANY, ToWx(item.Caption()), wxDefaultPosition, wxDefaultSize,
+                        wxBORDER_NONE | wxBU_LEFT);
+    if (!layout.icon.empty()) row_->SetBitmap(icons::Get(layout.icon, metrics::kSmallIcon));
+    row_->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { Act([this] { item_.ClickByUser(); }); });
+    native::MakeRow(*row_);
+    Attach(row_);
+  }
+  std::string Shown() const override { return FromWx(row_->GetLabel()); }
+
+ protected:
+  bool Update() override {
+    row_->SetBackgroundColour(item_.Highlighted() ? theme::SelectedTab()
+                                                  : row_->GetParent()->GetBackgroundColour());
+    const wxString caption = ToWx(item_.Caption());
+    if (row_->GetLabel() == caption) return false;
+    row_->SetLabel(caption);
+    return true;
+  }
+
+ private:
+  MenuItem& item_;
+  wxButton* row_;
+};
+
+class CheckBinding : public Binding {
+ public:
+  CheckBinding(wxWindow* parent, CheckBox& box, const Front& front)
+      : Binding(box, front), box_(box) {
+    check_ = new wxCheckBox(parent, wxID_ANY, "", wxDefaultPosition, wxDefaultSize, wxCHK_3STATE);
+    check_->Bind(wxEVT_CHECKBOX, [this](wxCommandEvent&) { Act([this] { box_.ClickByUser(); }); });
+    Attach(check_);
+  }
+  std::string Shown() const override {
+    return std::to_string(static_cast<int>(check_->Get3StateValue()));
+  }
+
+ protected:
+  bool Update() override {
+    const auto state = static_cast<wxCheckBoxState>(box_.Value());
+    if (check_->Get3StateValue() != state) check_->Set3StateValue(state);
+    const wxString caption = CaptionOf(*check_, box_);
+    if (check_->GetLabel() == caption) return false;
+    check_->SetLabel(caption);
+    check_->InvalidateBestSize();
+    return true;
+  }
+
+ private:
+  CheckBox& box_;
+  wxCheckBox* check_;
+};
+
+class OptionBinding : public Binding {
+ public:
+  OptionBinding(wxWindow* parent, OptionButton& option, const Front& front)
+      : Binding(option, front), option_(option) {
+    // Of a group of radio buttons one is always chosen, while of options none may be. A button of
+    // its own that nobody sees takes that place.
+    none_ = new wxRadioButton(parent, wxID_ANY, "", wxDefaultPosition, wxSize(0, 0), wxRB_GROUP);
+    none_->Hide();
+    radio_ = new wxRadioButton(parent, wxID_ANY, "");
+    radio_->Bind(wxEVT_RADIOBUTTON,
+                 [this](wxCommandEvent&) { Act([this] { option_.ClickByUser(); }); });
+    Attach(radio_);
+  }
+  std::string Shown() const override { return FlagText(radio_->GetValue()); }
+
+ protected:
+  bool Update() override {
+    if (radio_->GetValue() != option_.Value()) (option_.Value() ? radio_ : none_)->SetValue(true);
+    const wxString caption = CaptionOf(*radio_, option_);
+    if (radio_->GetLabel() == caption) return false;
+    radio_->SetLabel(caption);
+    radio_->InvalidateBestSize();
+    return true;
+  }
+
+ private:
+  OptionButton& option_;
+  wxRadioButton* none_;
+  wxRadioButton* radio_;
+};
+
+}  // namespace
+
+std::unique_ptr<Binding> BindButton(wxWindow* parent, Control& control, const Layout& layout,
+                                    const Front& front) {
+  if (auto* box = dynamic_cast<CheckBox*>(&control)) {
+    return std::make_unique<CheckBinding>(parent, *box, front);
+  }
+  if (auto* option = dynamic_cast<OptionButton*>(&control)) {
+    return std::make_unique<OptionBinding>(parent, *option, front);
+  }
+  if (auto* item = dynamic_cast<MenuItem*>(&control)) {
+    return std::make_unique<MenuRowBinding>(parent, *item, layout, front);
+  }
+  if (layout.role == Role::kTab) {
+    return std::make_unique<TabBinding>(parent, control, layout, front);
+  }
+  if (dynamic_cast<Button*>(&control) != nullptr || dynamic_cast<Image*>(&control) != nullptr) {
+    return std::make_unique<ButtonBinding>(parent, control, layout, front);
+  }
+  return nullptr;
+}
+
+}  // namespace quarnel

@@ -1,0 +1,186 @@
+// Lists of rows, also those with a level. Both are drawn from the control itself, row by row as
+// they come into view, so that a list of any length costs the same.
+
+#include <algorithm>
+#include <numeric>
+
+#include "controls/list_view.h"
+#include "controls/tree_view.h"
+#include "ui/wx/bindings/binding.h"
+#include "ui/wx/metrics.h"
+#include "ui/wx/text.h"
+
+namespace quarnel {
+namespace {
+
+// Rows that the program asks for as it paints.
+class VirtualList : public wxListCtrl {
+ public:
+  VirtualList(wxWindow* parent, bool ticks)
+      : wxListCtrl(parent, wxID_ANY, wxDefaultPosition, wxDefaultSize,
+                   wxLC_REPORT | wxLC_VIRTUAL | wxLC_SINGLE_SEL | wxBORDER_THEME) {
+    if (ticks) EnableCheckBoxes();
+  }
+  std::function<std::string(long row, long column)> cell;
+  std::function<bool(long row)> ticked;
+
+ protected:
+  wxString OnGetItemText(long row, long column) const override {
+    return ToWxLine(cell(row, column));
+  }
+  bool OnGetItemIsChecked(long row) const override { return ticked && ticked(row); }
+  int OnGetItemImage(long) const override { return -1; }
+};
+
+class ListBinding : public Binding {
+ public:
+  ListBinding(wxWindow* parent, ListView& list, const Layout& layout, const Front& front)
+      : Binding(list, front), list_(list) {
+    widget_ = new VirtualList(parent, layout.ticks || list.ItemCheck);
+    widget_->SetMinSize(metrics::Scaled(
+        *widget_, wxSize(layout.width > 0 ? layout.width : metrics::kFieldWidth,
+                         layout.height > 0 ? layout.height : metrics::kListHeight)));
+    for (const std::string& header : list.ColumnHeaders()) {
+      widget_->AppendColumn(ToWx(header), wxLIST_FORMAT_LEFT,
+                            metrics::Scaled(*widget_, metrics::kListColumn));
+    }
+    widget_->cell = [this](long row, long column) {
+      const ListRow& shown = list_.At(RowAt(row));
+      return column == 0 ? shown.text : std::string(shown.SubItem(static_cast<size_t>(column)));
+    };
+    widget_->ticked = [this](long row) { return list_.At(RowAt(row)).checked; };
+    widget_->Bind(wxEVT_LIST_COL_CLICK, [this](wxListEvent& event) { SortBy(event.GetColumn()); });
+    const auto tick = [this](wxListEvent& event) {
+      const size_t row = RowAt(event.GetIndex());
+      Act([this, row] { list_.CheckByUser(row, !list_.At(row).checked); });
+    };
+    widget_->Bind(wxEVT_LIST_ITEM_CHECKED, tick);
+    widget_->Bind(wxEVT_LIST_ITEM_UNCHECKED, tick);
+    widget_->Bind(wxEVT_LIST_ITEM_SELECTED, [this](wxListEvent& event) {
+      const size_t row = RowAt(event.GetIndex());
+      if (selecting_ || list_.At(row).selected) return;
+      Act([this, row] { list_.SelectByUser(row); });
+    });
+    widget_->Bind(wxEVT_SIZE, [this](wxSizeEvent& event) {
+      event.Skip();
+      FitColumns();
+    });
+    Attach(widget_, NameInWords(list, layout));
+  }
+
+  std::string Shown() const override { return std::to_string(widget_->GetItemCount()); }
+
+ protected:
+  bool Update() override {
+    order_.resize(list_.Count());
+    std::iota(order_.begin(), order_.end(), size_t{0});
+    Sort();
+    const auto count = static_cast<long>(order_.size());
+    if (widget_->GetItemCount() != count) widget_->SetItemCount(count);
+    ShowSelection();
+    widget_->Refresh();
+    return false;
+  }
+
+ private:
+  size_t RowAt(long place) const {
+    const auto index = static_cast<size_t>(place);
+    return index < order_.size() && order_[index] < list_.Count() ? order_[index] : list_.Count();
+  }
+  void SortBy(int column) {
+    ascending_ = column != column_ || !ascending_;
+    column_ = column;
+    widget_->ShowSortIndicator(column, ascending_);
+    Update();
+  }
+  void Sort() {
+    if (column_ < 0) return;
+    const auto text = [this](size_t row) {
+      const ListRow& shown = list_.At(row);
+      return column_ == 0 ? std::string_view(shown.text)
+                          : shown.SubItem(static_cast<size_t>(column_));
+    };
+    std::stable_sort(order_.begin(), order_.end(), [&](size_t left, size_t right) {
+      return ascending_ ? text(left) < text(right) : text(right) < text(left);
+    });
+  }
+  void ShowSelection() {
+    const std::optional<size_t> selected = list_.SelectedRow();
+    const long shown = widget_->GetNextItem(-1, wxLIST_NEXT_ALL, wxLIST_STATE_SELECTED);
+    const auto place = selected ? std::find(order_.begin(), order_.end(), *selected) : order_.end();
+    const long wanted = place == order_.end() ? -1 : static_cast<long>(place - order_.begin());
+    if (shown == wanted) return;
+    selecting_ = true;
+    if (shown >= 0) widget_->SetItemState(shown, 0, wxLIST_STATE_SELECTED);
+    if (wanted >= 0) {
+      widget_->SetItemState(wanted, wxLIST_STATE_SELECTED, wxLIST_STATE_SELECTED);
+    }
+    selecting_ = false;
+  }
+  // The columns share the width, the first taking twice as much.
+  void FitColumns() {
+    const int count = widget_->GetColumnCount();
+    const int width = widget_->GetClientSize().x;
+    if (count == 0 || width == fittedWidth_) return;
+    fittedWidth_ = width;
+    const int share = std::max(width / (count + 1), metrics::Scaled(*widget_, metrics::kWideGap));
+    for (int i = 1; i < count; ++i) widget_->SetColumnWidth(i, share);
+    widget_->SetColumnWidth(0, std::max(width - share * (count - 1), share));
+  }
+
+  ListView& list_;
+  VirtualList* widget_;
+  std::vector<size_t> order_;
+  int column_ = -1;
+  int fittedWidth_ = 0;
+  bool ascending_ = false;
+  bool selecting_ = false;
+};
+
+// The flat tree: a list whose first column is indented by level.
+class ItemsBinding : public Binding {
+ public:
+  ItemsBinding(wxWindow* parent, ItemTree& items, const Layout& layout, const Front& front)
+      : Binding(items, front), items_(items) {
+    widget_ = new VirtualList(parent, false);
+    widget_->SetMinSize(
+        metrics::Scaled(*widget_, wxSize(metrics::kFieldWidth, metrics::kListHeight)));
+    widget_->AppendColumn("", wxLIST_FORMAT_LEFT, metrics::Scaled(*widget_, metrics::kNameColumn));
+    widget_->cell = [this](long row, long) {
+      const auto index = static_cast<size_t>(row);
+      if (index >= items_.Count()) return std::string();
+      const TreeItem& item = items_.At(index);
+      constexpr size_t kIndent = 4;
+      return std::string(static_cast<size_t>(item.level) * kIndent, ' ') +
+             std::string(item.Cell(0));
+    };
+    Attach(widget_, NameInWords(items, layout));
+  }
+  std::string Shown() const override { return std::to_string(widget_->GetItemCount()); }
+
+ protected:
+  bool Update() override {
+    widget_->SetItemCount(static_cast<long>(items_.Count()));
+    widget_->Refresh();
+    return false;
+  }
+
+ private:
+  ItemTree& items_;
+  VirtualList* widget_;
+};
+
+}  // namespace
+
+std::unique_ptr<Binding> BindList(wxWindow* parent, Control& control, const Layout& layout,
+                                  const Front& front) {
+  if (auto* list = dynamic_cast<ListView*>(&control)) {
+    return std::make_unique<ListBinding>(parent, *list, layout, front);
+  }
+  if (auto* items = dynamic_cast<ItemTree*>(&control)) {
+    return std::make_unique<ItemsBinding>(parent, *items, layout, front);
+  }
+  return nullptr;
+}
+
+}  // namespace quarnel

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "ui/wx/wx.h"
+
+namespace quarnel {
+
+// A row or column with the same gap between all things that show; what is hidden leaves none.
+class GapBox : public wxBoxSizer {
+ public:
+  GapBox(int orientation, int gap) : wxBoxSizer(orientation), gap_(gap) {}
+  void Put(wxWindow* window, int share, int flags);
+  void Put(wxSizer* box, int share, int flags);
+  // Takes the room that is left.
+  void PutSpring() { AddStretchSpacer(); }
+  wxSize CalcMin() override;
+
+ private:
+  void AddGap();
+  int gap_;
+};
+
+// A surface with round corners, on which things stand that belong together.
+class CardPanel : public wxPanel {
+ public:
+  explicit CardPanel(wxWindow* parent);
+
+ private:
+  void Paint();
+};
+
+}  // namespace quarnel

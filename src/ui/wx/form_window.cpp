@@ -1,0 +1,434 @@
+#include "ui/wx/form_window.h"
+
+#include <wx/splitter.h>
+
+#include <algorithm>
+
+#include "base/text.h"
+#include "ui/wx/boxes.h"
+#include "ui/wx/icons.h"
+#include "ui/wx/metrics.h"
+#include "ui/wx/text.h"
+#include "ui/wx/theme.h"
+
+namespace quarnel {
+namespace {
+
+long StyleOf(WindowKind kind) {
+  constexpr long kBorderless = wxFRAME_NO_TASKBAR | wxBORDER_NONE | wxSTAY_ON_TOP;
+  switch (kind) {
+    case WindowKind::kMain:
+      return wxDEFAULT_FRAME_STYLE;
+    case WindowKind::kSheet:
+      return wxDEFAULT_DIALOG_STYLE | wxRESIZE_BORDER;
+    case WindowKind::kPopup:
+      return kBorderless | wxFRAME_TOOL_WINDOW;
+    case WindowKind::kSplash:
+      return kBorderless;
+    case WindowKind::kDialog:
+      break;
+  }
+  return wxDEFAULT_DIALOG_STYLE;
+}
+
+bool IsBox(const Layout& layout) {
+  using Kind = Layout::Kind;
+  return layout.kind != Kind::kControl && layout.kind != Kind::kText &&
+         layout.kind != Kind::kPicture;
+}
+
+// A box that needs a window of its own: it has a surface, or comes and goes as a whole.
+bool NeedsWindow(const Layout& layout) {
+  using Kind = Layout::Kind;
+  return !layout.shownBy.empty() || layout.kind == Kind::kCard || layout.kind == Kind::kScroll ||
+         layout.kind == Kind::kSplit;
+}
+
+}  // namespace
+
+FormWindow::FormWindow(Form& form, const FormLayout& layout, wxWindow* parent, const Front& front)
+    : form_(&form), layout_(layout), front_(front) {
+  CollectNames(layout_.content);
+  for (const MenuLayout& menu : layout_.menus) {
+    named_.push_back(menu.title);
+    named_.insert(named_.end(), menu.entries.begin(), menu.entries.end());
+  }
+  named_.insert(named_.end(), layout_.behind.begin(), layout_.behind.end());
+  MakeWindow(parent);
+  page_ = new wxPanel(window_);
+  page_->SetBackgroundColour(theme::Page());
+  auto* outer = new wxBoxSizer(wxVERTICAL);
+  Fill(page_, *outer, layout_.content);
+  page_->SetSizer(outer);
+  MakeMenus();
+  Sync();
+  FitWindow();
+  BindWindow();
+}
+
+FormWindow::~FormWindow() {
+  bindings_.clear();
+  window_->Destroy();
+}
+
+void FormWindow::MakeWindow(wxWindow* parent) {
+  const wxString caption = ToWx(form_->Caption());
+  const long style = StyleOf(layout_.kind);
+  const bool dialog = layout_.kind == WindowKind::kDialog || layout_.kind == WindowKind::kSheet;
+  if (dialog) {
+    window_ = new wxDialog(parent, wxID_ANY, caption, wxDefaultPosition, wxDefaultSize, style);
+  } else {
+    window_ = new wxFrame(nullptr, wxID_ANY, caption, wxDefaultPosition, wxDefaultSize, style);
+  }
+  window_->SetName(ToWx(form_->Name()));
+  window_->SetIcons(icons::ProgramIcons());
+}
+
+void FormWindow::FitWindow() {
+  auto* outer = new wxBoxSizer(wxVERTICAL);
+  outer->Add(page_, 1, wxEXPAND);
+  window_->SetSizer(outer);
+  if (layout_.kind == WindowKind::kMain) {
+    window_->SetMinClientSize(metrics::Scaled(
+        *window_, wxSize(metrics::kMainSmallestWidth, metrics::kMainSmallestHeight)));
+    wxSize size = metrics::Scaled(*window_, wxSize(metrics::kMainWidth, metrics::kMainHeight));
+    const wxSize room = wxGetClientDisplayRect().GetSize();
+    size.DecTo(room);
+    window_->SetSize(size);
+    if (size == room) window_->Maximize();
+  } else {
+    outer->SetSizeHints(window_);
+  }
+  window_->Centre();
+  window_->Layout();
+}
+
+void FormWindow::BindWindow() {
+  window_->Bind(wxEVT_CLOSE_WINDOW, [this](wxCloseEvent& event) {
+    if (event.CanVeto()) event.Veto();
+    front_.run([this] {
+      if (form_ != nullptr) form_->Close(UnloadMode::kUser);
+    });
+  });
+  window_->Bind(wxEVT_ACTIVATE, [this](wxActivateEvent& event) {
+    event.Skip();
+    if (!event.GetActive() || syncing_ || form_ == nullptr || !form_->Visible()) return;
+    front_.run([this] {
+      if (form_ != nullptr) form_->Activate();
+    });
+  });
+  window_->Bind(wxEVT_ICONIZE, [this](wxIconizeEvent& event) {
+    event.Skip();
+    if (syncing_ || form_ == nullptr) return;
+    const bool minimised = event.IsIconized();
+    front_.run([this, minimised] {
+      if (form_ == nullptr) return;
+      if (minimised == (form_->StateOfWindow() == WindowState::kMinimised)) return;
+      form_->SetWindowState(minimised ? WindowState::kMinimised : WindowState::kNormal);
+    });
+  });
+  window_->Bind(wxEVT_CHAR_HOOK, [this](wxKeyEvent& event) {
+    const int key = event.GetKeyCode();
+    const std::string_view name = key == WXK_ESCAPE ? layout_.cancelButton : std::string_view();
+    Control* control = name.empty() || form_ == nullptr ? nullptr : form_->Find(name);
+    if (control == nullptr || !control->Visible() || !control->Enabled()) {
+      event.Skip();
+      return;
+    }
+    front_.run([control] { control->ClickByUser(); });
+  });
+}
+
+bool FormWindow::IsField(const Layout& layout) const {
+  const Control* control = form_->Find(layout.name);
+  if (control == nullptr) return false;
+  const std::string_view type = control->Type();
+  return layout.height > 0 || type == "ListView" || type == "TreeView" || type == "ItemTree" ||
+         type == "Browser";
+}
+
+void FormWindow::CollectNames(const Layout& layout) {
+  if (!layout.name.empty()) named_.push_back(layout.name);
+  if (!layout.shownBy.empty()) named_.push_back(layout.shownBy);
+  for (const auto& [control, text] : layout.menu) named_.push_back(control);
+  for (const Layout& item : layout.items) CollectNames(item);
+}
+
+bool FormWindow::Places(const Control& control) const {
+  return std::any_of(named_.begin(), named_.end(),
+                     [&](const std::string& name) { return EqualText(name, control.Name()); });
+}
+
+// ---- building ----------------------------------------------------------------------------------
+
+void FormWindow::Fill(wxWindow* parent, wxSizer& outer, const Layout& layout) {
+  using Kind = Layout::Kind;
+  const int padding = metrics::Scaled(*parent, layout.padding);
+  if (layout.kind == Kind::kGrid) {
+    FillGrid(parent, outer, layout);
+    return;
+  }
+  const bool vertical = layout.kind != Kind::kRow;
+  auto* box =
+      new GapBox(vertical ? wxVERTICAL : wxHORIZONTAL, metrics::Scaled(*parent, layout.gap));
+  for (const Layout& item : layout.items) Build(parent, *box, item, vertical);
+  if (layout.kind == Kind::kRest) AddRest(parent, *box);
+  outer.Add(box, 1, wxEXPAND | wxALL, padding);
+}
+
+void FormWindow::FillGrid(wxWindow* parent, wxSizer& outer, const Layout& layout) {
+  const int gap = metrics::Scaled(*parent, layout.gap);
+  auto* grid = new wxFlexGridSizer(layout.columns, gap, gap);
+  int place = 0;
+  for (const Layout& item : layout.items) {
+    auto* cell = new GapBox(wxVERTICAL, 0);
+    Build(parent, *cell, item, true);
+    grid->Add(cell, 0, wxALIGN_CENTRE_VERTICAL | wxEXPAND);
+    const auto column = static_cast<size_t>(place % layout.columns);
+    if (item.grow > 0 && !grid->IsColGrowable(column)) grid->AddGrowableCol(column, item.grow);
+    ++place;
+  }
+  outer.Add(grid, 1, wxEXPAND | wxALL, metrics::Scaled(*parent, layout.padding));
+}
+
+void FormWindow::Build(wxWindow* parent, GapBox& box, const Layout& layout, bool vertical) {
+  if (layout.kind == Layout::Kind::kSpring) {
+    box.PutSpring();
+    return;
+  }
+  // Across the box things fill it, or stand in its middle in a row.
+  int flags = wxEXPAND;
+  if (!vertical && !IsBox(layout) && !IsField(layout)) flags = wxALIGN_CENTRE_VERTICAL;
+  if (layout.narrow) flags = vertical ? wxALIGN_LEFT : wxALIGN_CENTRE_VERTICAL;
+  if (layout.centred) flags = vertical ? wxALIGN_CENTRE_HORIZONTAL : wxALIGN_CENTRE_VERTICAL;
+  if (!IsBox(layout)) {
+    if (wxWindow* leaf = BuildLeaf(parent, layout)) box.Put(leaf, layout.grow, flags);
+    return;
+  }
+  if (NeedsWindow(layout)) {
+    box.Put(BuildBox(parent, layout), layout.grow, flags);
+    return;
+  }
+  auto* inner = new wxBoxSizer(wxVERTICAL);
+  Fill(parent, *inner, layout);
+  if (layout.width > 0 || layout.height > 0) {
+    inner->SetMinSize(metrics::Scaled(*parent, wxSize(layout.width, layout.height)));
+  }
+  box.Put(inner, layout.grow, flags);
+}
+
+wxWindow* FormWindow::BuildBox(wxWindow* parent, const Layout& layout) {
+  using Kind = Layout::Kind;
+  wxWindow* window = nullptr;
+  if (layout.kind == Kind::kCard) {
+    window = new CardPanel(parent);
+  } else if (layout.kind == Kind::kScroll) {
+    auto* scroll = new wxScrolledWindow(parent, wxID_ANY, wxDefaultPosition, wxDefaultSize,
+                                        wxVSCROLL | wxTAB_TRAVERSAL);
+    const int step = metrics::Scaled(*scroll, metrics::kScrollStep);
+    scroll->SetScrollRate(0, step);
+    window = scroll;
+  } else if (layout.kind == Kind::kSplit) {
+    auto* split = new wxSplitterWindow(parent, wxID_ANY, wxDefaultPosition, wxDefaultSize,
+                                       wxSP_LIVE_UPDATE | wxSP_NOBORDER);
+    window = split;
+  } else {
+    window = new wxPanel(parent);
+  }
+  if (layout.kind != Kind::kCard) window->SetBackgroundColour(parent->GetBackgroundColour());
+  auto* outer = new wxBoxSizer(wxVERTICAL);
+  Fill(window, *outer, layout);
+  window->SetSizer(outer);
+  if (!layout.shownBy.empty()) {
+    if (const Control* control = form_->Find(layout.shownBy)) {
+      conditions_.push_back({window, control, layout.shownWhenHidden});
+    }
+  }
+  return window;
+}
+
+wxWindow* FormWindow::BuildLeaf(wxWindow* parent, const Layout& layout) {
+  if (layout.kind == Layout::Kind::kText) {
+    auto* text = new wxStaticText(parent, wxID_ANY, ToWx(layout.text));
+    text->SetFont(theme::FontOf(parent->GetFont(), layout.role));
+    if (layout.role == Role::kMuted) text->SetForegroundColour(theme::MutedText());
+    if (layout.role != Role::kWrapped && layout.width > 0) {
+      text->SetMinSize({metrics::Scaled(*text, layout.width), -1});
+    }
+    if (layout.role == Role::kWrapped) {
+      const int width = layout.width > 0 ? layout.width : metrics::kReadableWidth;
+      text->Wrap(metrics::Scaled(*text, width));
+    }
+    return text;
+  }
+  if (layout.kind == Layout::Kind::kPicture) {
+    return new wxStaticBitmap(parent, wxID_ANY, icons::Get(layout.icon, layout.iconSize));
+  }
+  Control* control = form_->Find(layout.name);
+  if (control == nullptr) return nullptr;
+  std::unique_ptr<Binding> binding = Bind(parent, *control, layout, front_);
+  if (!binding) return nullptr;
+  BindContextMenu(*binding->Widget(), *form_, layout, front_);
+  BindDrag(*control, *binding->Widget());
+  wxWindow* widget = binding->Widget();
+  if (layout_.defaultButton == layout.name) {
+    if (auto* button = dynamic_cast<wxButton*>(widget)) button->SetDefault();
+  }
+  bindings_.push_back(std::move(binding));
+  return widget;
+}
+
+void FormWindow::AddRest(wxWindow* parent, GapBox& box) {
+  for (Control* control : form_->Controls()) {
+    if (Places(*control)) continue;
+    Layout plain = Put(control->Name());
+    if (control->Type() == "Panel") continue;
+    if (control->Type() == "Image") plain = std::move(plain).Called(NameInWords(*control, plain));
+    if (control->Type() == "Label") plain = std::move(plain).As(Role::kWrapped);
+    if (wxWindow* leaf = BuildLeaf(parent, plain)) {
+      const bool field = IsField(plain);
+      const int flags = field ? int{wxEXPAND} : int{wxALIGN_LEFT};
+      box.Put(leaf, field ? 1 : 0, flags);
+    }
+  }
+}
+
+void FormWindow::MakeMenus() {
+  auto* frame = dynamic_cast<wxFrame*>(window_);
+  if (frame == nullptr || layout_.menus.empty()) return;
+  auto* bar = new wxMenuBar;
+  for (const MenuLayout& layout : layout_.menus) {
+    const auto* title = dynamic_cast<MenuItem*>(form_->Find(layout.title));
+    if (title == nullptr) continue;
+    auto* menu = new wxMenu;
+    for (const std::string& entry : layout.entries) {
+      if (entry.empty()) {
+        menu->AppendSeparator();
+        continue;
+      }
+      auto* control = dynamic_cast<MenuItem*>(form_->Find(entry));
+      if (control == nullptr) continue;
+      wxMenuItem* item = menu->Append(wxID_ANY, ToWx(control->Caption()) + " ");
+      menu->Bind(
+          wxEVT_MENU,
+          [this, control](wxCommandEvent&) { front_.run([control] { control->ClickByUser(); }); },
+          item->GetId());
+      menuEntries_.push_back({control, item, ~uint64_t{0}});
+    }
+    bar->Append(menu, ToWx(title->Caption()));
+  }
+  frame->SetMenuBar(bar);
+}
+
+// ---- showing -----------------------------------------------------------------------------------
+
+void FormWindow::Sync() {
+  if (form_ == nullptr || syncing_) return;
+  syncing_ = true;
+  bool moved = SyncConditions();
+  for (const auto& binding : bindings_) moved = binding->Sync() || moved;
+  SyncMenus();
+  if (moved) {
+    page_->Layout();
+    for (const Condition& condition : conditions_) condition.box->Layout();
+    if (shown_ && layout_.kind == WindowKind::kDialog) window_->Fit();
+  }
+  SyncWindow();
+  syncing_ = false;
+}
+
+bool FormWindow::SyncConditions() {
+  bool moved = false;
+  for (const Condition& condition : conditions_) {
+    const bool shown = condition.control->Visible() != condition.shownWhenHidden;
+    if (condition.box->IsShown() == shown) continue;
+    condition.box->Show(shown);
+    moved = true;
+  }
+  return moved;
+}
+
+void FormWindow::SyncMenus() {
+  for (MenuEntry& entry : menuEntries_) {
+    if (entry.revision == entry.control->Revision()) continue;
+    entry.revision = entry.control->Revision();
+    entry.item->SetItemLabel(ToWx(entry.control->Caption()));
+    entry.item->Enable(entry.control->Enabled());
+  }
+}
+
+void FormWindow::SyncWindow() {
+  if (revision_ == form_->Revision()) return;
+  revision_ = form_->Revision();
+  const wxString caption = ToWx(form_->Caption());
+  if (window_->GetTitle() != caption) window_->SetTitle(caption);
+  const ScreenArea& place = form_->Place();
+  if (layout_.kind == WindowKind::kPopup && place != ScreenArea()) {
+    window_->SetPosition({place.left / kTwipsPerPixel, place.top / kTwipsPerPixel});
+  }
+  SyncState();
+  if (frontRequests_ != form_->FrontRequests()) {
+    frontRequests_ = form_->FrontRequests();
+    window_->Raise();
+  }
+}
+
+void FormWindow::SyncState() {
+  const WindowState state = form_->StateOfWindow();
+  if (form_->Visible() != shown_) {
+    shown_ = form_->Visible();
+    if (layout_.kind == WindowKind::kPopup && shown_) {
+      window_->ShowWithoutActivating();
+    } else {
+      window_->Show(shown_);
+    }
+  }
+  if (!shown_) return;
+  if (window_->IsIconized() != (state == WindowState::kMinimised)) {
+    window_->Iconize(state == WindowState::kMinimised);
+  }
+  if (state != WindowState::kMinimised && state_ != state) {
+    if (window_->IsMaximized() != (state == WindowState::kMaximised)) {
+      window_->Maximize(state == WindowState::kMaximised);
+    }
+    window_->Raise();
+  }
+  state_ = state;
+}
+
+void FormWindow::BindDrag(Control& control, wxWindow& widget) {
+  if (!control.DragsWindow()) return;
+  widget.Bind(wxEVT_LEFT_DOWN, [this, &widget](wxMouseEvent& event) {
+    dragFrom_ = widget.ClientToScreen(event.GetPosition()) - window_->GetPosition();
+    widget.CaptureMouse();
+  });
+  widget.Bind(wxEVT_MOTION, [this, &widget](wxMouseEvent& event) {
+    if (!widget.HasCapture() || form_ == nullptr) return;
+    const wxPoint place = widget.ClientToScreen(event.GetPosition()) - dragFrom_;
+    window_->SetPosition(place);
+    ScreenArea area = form_->Place();
+    area.left = place.x * kTwipsPerPixel;
+    area.top = place.y * kTwipsPerPixel;
+    form_->SetPlace(area);
+  });
+  widget.Bind(wxEVT_LEFT_UP, [&widget](wxMouseEvent&) {
+    if (widget.HasCapture()) widget.ReleaseMouse();
+  });
+  widget.Bind(wxEVT_MOUSE_CAPTURE_LOST, [](wxMouseCaptureLostEvent&) {});
+}
+
+void FormWindow::Release() {
+  form_ = nullptr;
+  // One of these widgets may be what called; it ends later, but hands on nothing more.
+  for (const auto& binding : bindings_) binding->Widget()->SetEvtHandlerEnabled(false);
+  window_->Hide();
+}
+
+const Binding* FormWindow::Find(std::string_view control) const {
+  for (const auto& binding : bindings_) {
+    if (EqualText(binding->control().Name(), control)) return binding.get();
+  }
+  return nullptr;
+}
+
+}  // namespace quarnel

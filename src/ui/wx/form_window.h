@@ -1,0 +1,93 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "controls/form.h"
+#include "controls/simple_controls.h"
+#include "ui/wx/bindings/binding.h"
+#include "ui/wx/layout.h"
+#include "ui/wx/wx.h"
+
+namespace quarnel {
+
+class GapBox;
+
+// The window of one form, for as long as the form shows. It is made from the form's layout and
+// brought up to the form by Sync; what the user does goes to the form and its controls.
+class FormWindow {
+ public:
+  FormWindow(Form& form, const FormLayout& layout, wxWindow* parent, const Front& front);
+  ~FormWindow();
+  FormWindow(const FormWindow&) = delete;
+  FormWindow& operator=(const FormWindow&) = delete;
+
+  // Null once the form has gone.
+  Form* form() const { return form_; }
+  wxTopLevelWindow* Window() const { return window_; }
+  WindowKind Kind() const { return layout_.kind; }
+
+  // Shows the form's present state.
+  void Sync();
+  // The form has gone or is no longer shown: the window leaves the screen and forgets the form.
+  void Release();
+
+  const std::vector<std::unique_ptr<Binding>>& Bindings() const { return bindings_; }
+  // The binding of this control; null when the window does not show it.
+  const Binding* Find(std::string_view control) const;
+  // Whether the layout names the control, or says that it stays behind.
+  bool Places(const Control& control) const;
+
+ private:
+  // A box that is there while a control is visible, or while it is not.
+  struct Condition {
+    wxWindow* box;
+    const Control* control;
+    bool shownWhenHidden;
+  };
+  struct MenuEntry {
+    MenuItem* control;
+    wxMenuItem* item;
+    uint64_t revision;
+  };
+
+  void MakeWindow(wxWindow* parent);
+  void MakeMenus();
+  void BindWindow();
+  void FitWindow();
+  wxWindow* BuildBox(wxWindow* parent, const Layout& layout);
+  void Build(wxWindow* parent, GapBox& box, const Layout& layout, bool vertical);
+  void Fill(wxWindow* parent, wxSizer& outer, const Layout& layout);
+  void FillGrid(wxWindow* parent, wxSizer& outer, const Layout& layout);
+  void AddRest(wxWindow* parent, GapBox& box);
+  wxWindow* BuildLeaf(wxWindow* parent, const Layout& layout);
+  // Whether the leaf uses any room that it gets.
+  bool IsField(const Layout& layout) const;
+  void CollectNames(const Layout& layout);
+  void SyncWindow();
+  void SyncMenus();
+  bool SyncConditions();
+  void SyncState();
+  void BindDrag(Control& control, wxWindow& widget);
+
+  Form* form_;
+  const FormLayout& layout_;
+  Front front_;
+  wxTopLevelWindow* window_ = nullptr;
+  wxPanel* page_ = nullptr;
+  std::vector<std::unique_ptr<Binding>> bindings_;
+  std::vector<Condition> conditions_;
+  std::vector<MenuEntry> menuEntries_;
+  std::vector<std::string> named_;
+  // Of the form as the window shows it.
+  uint64_t revision_ = ~uint64_t{0};
+  WindowState state_ = WindowState::kNormal;
+  uint64_t frontRequests_ = 0;
+  wxPoint dragFrom_;
+  bool shown_ = false;
+  bool syncing_ = false;
+};
+
+}  // namespace quarnel

@@ -1,0 +1,35 @@
+#include "ui/wx/native.h"
+
+#include <gtk/gtk.h>
+
+namespace quarnel::native {
+namespace {
+
+void AlignLeft(GtkWidget* button) {
+  gtk_button_set_relief(GTK_BUTTON(button), GTK_RELIEF_NONE);
+  GtkWidget* content = gtk_bin_get_child(GTK_BIN(button));
+  if (content == nullptr) return;
+  // Picture and text stand in an alignment of their own.
+  gtk_widget_set_halign(content, GTK_ALIGN_START);
+}
+
+}  // namespace
+
+void MakeTab(wxToggleButton& tab) { AlignLeft(tab.GetHandle()); }
+
+void MakeRow(wxButton& row) { AlignLeft(row.GetHandle()); }
+
+void SetAccessibleName(wxWindow& widget, const wxString& name) {
+  GtkWidget* shown = widget.GetHandle();
+  const auto set = [&](GtkWidget* part) {
+    AtkObject* spoken = gtk_widget_get_accessible(part);
+    if (spoken != nullptr) atk_object_set_name(spoken, name.utf8_str());
+  };
+  set(shown);
+  // Lists and texts stand inside a widget that scrolls them.
+  if (GTK_IS_SCROLLED_WINDOW(shown)) {
+    if (GtkWidget* inner = gtk_bin_get_child(GTK_BIN(shown))) set(inner);
+  }
+}
+
+}  // namespace quarnel::native

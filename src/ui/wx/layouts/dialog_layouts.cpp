@@ -1,0 +1,197 @@
+// The small windows.
+
+#include "ui/wx/layouts/layouts.h"
+#include "ui/wx/metrics.h"
+
+namespace quarnel {
+namespace {
+
+using namespace metrics;
+
+FormLayout CloseLayout() {
+  return {.form = "frmClose",
+          .content = Column({
+                                Row({Picture("message-question", kLargeIcon),
+                                     Put("lblMessage").As(Role::kWrapped).Wide(kMessageWidth)})
+                                    .Gap(kWideGap),
+                                Put("chkSkipMessages"),
+                                Row({Spring(), Put("cmdYes"), Put("cmdNo"), Put("cmdCancel")}),
+                            })
+                         .Gap(kWideGap)
+                         .Padding(kDialogPadding),
+          .defaultButton = "cmdYes",
+          .cancelButton = "cmdCancel"};
+}
+
+FormLayout SplashLayout() {
+  std::vector<Layout> shapes;
+  for (int i = 0; i < 6; ++i) shapes.push_back(Put("shpProgress(" + std::to_string(i) + ")"));
+  return {.form = "frmSplash",
+          .kind = WindowKind::kSplash,
+          .content = Column({
+                                Picture("quarnel", kHeroIcon).Centred(),
+                                Text("Quarnel").As(Role::kTitle).Centred(),
+                                Row(std::move(shapes)).Gap(kTightGap).Centred(),
+                                Put("lblWebSite").As(Role::kLink).Centred(),
+                            })
+                         .Gap(kWideGap)
+                         .Padding(kDialogPadding * 2),
+          .behind = {"lblCount"}};
+}
+
+// A page of the wizard: its text above, its answers in the middle, its buttons at the bottom.
+FormLayout WizardLayout(std::string_view form, std::vector<Layout> answers) {
+  std::vector<Layout> text;
+  text.push_back(Put("Label1").As(Role::kTitle));
+  text.push_back(Put("Label2").As(Role::kWrapped).Wide(kMessageWidth));
+  for (Layout& answer : answers) text.push_back(std::move(answer));
+  text.push_back(Spring());
+  return {.form = form,
+          .content = Column({
+                                Row({Picture("quarnel", kHeroIcon),
+                                     Column(std::move(text)).Gap(kWideGap).Grow()})
+                                    .Gap(kDialogPadding)
+                                    .High(kWizardHeight)
+                                    .Grow(),
+                                Row({Put("cmdExit"), Put("cmdSkip"), Spring(), Put("cmdBack"),
+                                     Put("cmdNext").As(Role::kPrimary),
+                                     Put("cmdEnterapplicationNow").As(Role::kPrimary)}),
+                            })
+                         .Gap(kWideGap)
+                         .Padding(kDialogPadding),
+          .defaultButton = "cmdNext"};
+}
+
+FormLayout QuestionLayout(std::string_view form) {
+  return WizardLayout(form, {Put("optYesNo(0)"), Put("optYesNo(1)"),
+                             Put("lblReportingPage").As(Role::kLink).Narrow(),
+                             Put("lblLearnMore").As(Role::kLink).Narrow()});
+}
+
+FormLayout MenuLayoutOfTray() {
+  const auto row = [](std::string_view item, std::string_view icon) {
+    return Put(item).With(icon);
+  };
+  const auto toggle = [](std::string_view item, std::string_view label, std::string_view picture) {
+    return Row(
+        {Put(item).Grow(), Put(label).As(Role::kMuted), Put(picture).With("switch", kRowIcon)});
+  };
+  return {.form = "frmMenuPopUp",
+          .kind = WindowKind::kPopup,
+          .content =
+              Column({
+                         Row({Picture("quarnel", kButtonIcon), Text("Quarnel").As(Role::kHeading),
+                              Spring(), Put("lblMenuClose")}),
+                         row("mnuMaxmimaize", "tab-advanced"),
+                         row("mnuScanNow", "tab-scan"),
+                         row("MNUSchedule", "tab-schedule"),
+                         row("mnuOptions", "tab-options"),
+                         toggle("mnuCookieSheild", "lblMnuCookieSheild", "PicMnuCookieSheild"),
+                         toggle("mnuRunAtStartup", "lblMenuRunAtStartUp", "PicMenuRunAtStartUp"),
+                         toggle("mnuMemorySheild", "lblMenuMemorySheild", "PicMenuMemorySheild"),
+                         row("mnuHelp", "message-question"),
+                         row("mnuAbout", "message-information"),
+                         row("mnuReferAFriend", "next"),
+                         row("mnuClose", "close"),
+                     })
+                  .Gap(kNoGap)
+                  .Padding(kPopupPadding),
+          .behind = {"imgMenuPopupAbove", "imgMenuPopupBelow"}};
+}
+
+FormLayout DefinitionsLayout() {
+  return {.form = "frmSpywareDefinitions",
+          .kind = WindowKind::kSheet,
+          .content = Column({
+                                Put("WebBrowser1").Called("Help").Wide(kSheetWidth).Grow(),
+                                Row({Spring(), Put("imgClose").Called("&Close")}),
+                            })
+                         .Padding(kDialogPadding),
+          .cancelButton = "imgClose",
+          .behind = {"imgMove"}};
+}
+
+FormLayout ApproveLayout() {
+  return {.form = "frmApproveAllStartup",
+          .content = Column({
+                                Put("lblTitle").As(Role::kTitle),
+                                Put("lblQuestion").As(Role::kWrapped),
+                                Put("optStartups(0)"),
+                                Put("optStartups(1)"),
+                                Row({Spring(), Put("cmdOK").As(Role::kPrimary)}),
+                            })
+                         .Gap(kWideGap)
+                         .Padding(kDialogPadding),
+          .defaultButton = "cmdOK"};
+}
+
+FormLayout HomePageLayout() {
+  return {.form = "frmHomePageChangedAlert",
+          .content = Column({
+                                Row({Picture("message-exclamation", kLargeIcon),
+                                     Put("lblHomePageInfo").As(Role::kWrapped).Wide(kMessageWidth)})
+                                    .Gap(kWideGap),
+                                Row({Spring(), Put("cmdYes").As(Role::kPrimary), Put("cmdNo")}),
+                            })
+                         .Gap(kWideGap)
+                         .Padding(kDialogPadding),
+          .defaultButton = "cmdYes"};
+}
+
+FormLayout ConnectionLayout() {
+  return {.form = "frmInternetConnection",
+          .content = Column({
+                                Row({Picture("message-information", kLargeIcon),
+                                     Put("lblMessage").As(Role::kWrapped).Wide(kMessageWidth)})
+                                    .Gap(kWideGap),
+                                Row({Spring(), Put("cmdOK").As(Role::kPrimary)}),
+                            })
+                         .Gap(kWideGap)
+                         .Padding(kDialogPadding),
+          .defaultButton = "cmdOK",
+          .cancelButton = "cmdOK"};
+}
+
+FormLayout ProcessesLayout() {
+  return {
+      .form = "frmIgnoredProcesses",
+      .kind = WindowKind::kSheet,
+      .content = Column({
+                            Put("lblHeading").As(Role::kHeading),
+                            Put("lvwIgnoredProcesses")
+                                .Called("Ignored processes")
+                                .Ticks()
+                                .Wide(kSheetWidth)
+                                .High(kHtmlHeight)
+                                .Grow(),
+                            Row({Put("chkSelectAll"), Put("lblCount").As(Role::kMuted), Spring(),
+                                 Put("ImgRemoveMouseMove").Called("&Remove").With("remove"),
+                                 Put("cmdDone").As(Role::kPrimary)}),
+                        })
+                     .Padding(kDialogPadding),
+      .defaultButton = "cmdDone",
+      .cancelButton = "cmdDone"};
+}
+
+}  // namespace
+
+std::vector<FormLayout> DialogLayouts() {
+  std::vector<FormLayout> layouts;
+  layouts.push_back(CloseLayout());
+  layouts.push_back(SplashLayout());
+  layouts.push_back(WizardLayout("frmWizard1", {}));
+  for (const std::string_view form : {"frmWizard2", "frmWizard3", "frmWizard7"}) {
+    layouts.push_back(QuestionLayout(form));
+  }
+  layouts.push_back(WizardLayout(
+      "frmWizard4", {Put("lblRecommended").As(Role::kHeading), Put("chkScanSchedule")}));
+  layouts.push_back(MenuLayoutOfTray());
+  layouts.push_back(DefinitionsLayout());
+  layouts.push_back(ApproveLayout());
+  layouts.push_back(HomePageLayout());
+  layouts.push_back(ConnectionLayout());
+  layouts.push_back(ProcessesLayout());
+  return layouts;
+}
+
+}  // namespace quarnel

@@ -1,0 +1,326 @@
+// The window of frmMain: the tab strip at the left, and beside it one page for each tab.
+
+#include "ui/wx/layouts/layouts.h"
+#include "ui/wx/metrics.h"
+
+namespace quarnel {
+namespace {
+
+using namespace metrics;
+
+std::string Indexed(std::string_view name, int index) {
+  return std::string(name) + "(" + std::to_string(index) + ")";
+}
+
+Layout Tabs() {
+  struct Tab {
+    std::string_view caption;
+    std::string_view icon;
+  };
+  constexpr Tab kTabs[] = {
+      {"S&can", "tab-scan"},         {"&Defender", "tab-defender"},  {"O&ptions", "tab-options"},
+      {"&Schedule", "tab-schedule"}, {"&Live Update", "tab-update"}, {"&Advanced", "tab-advanced"},
+      {"&News", "tab-news"},
+  };
+  std::vector<Layout> tabs;
+  int index = 0;
+  for (const Tab& tab : kTabs) {
+    tabs.push_back(
+        Put(Indexed("imgMainTab", index++)).As(Role::kTab).Called(tab.caption).With(tab.icon));
+  }
+  return Column(std::move(tabs)).Gap(kTightGap).Padding(kGap);
+}
+
+// ---- the scan page -----------------------------------------------------------------------------
+
+// What the program is at: the state of the machine, or the running scan; and its buttons.
+Layout JobCard() {
+  Layout state = Row({
+      Put("imgSystemSummaryBigLogoBlue").With("good", kHeroIcon).Called({}),
+      Put("imgSystemSummaryBigLogoRed").With("attention", kHeroIcon).Called({}),
+      Column({
+                 Put("lblSummaryTitle").As(Role::kTitle),
+                 Row({Text("Signatures:").As(Role::kMuted),
+                      Put("lblTotalNoOfSignature").As(Role::kMuted).Grow()})
+                     .Gap(kTightGap),
+             })
+          .Gap(kTightGap)
+          .Grow()
+          .Centred(),
+  });
+  Layout scan = Row({
+      Picture("scanning", kLargeIcon),
+      Column({
+                 Put("lblStatus").As(Role::kHeading),
+                 Put("lblPercentageCompleted"),
+                 Put("pbgMain"),
+                 Put("lblScanning").As(Role::kPath),
+             })
+          .Gap(kTightGap)
+          .Grow()
+          .Centred(),
+  });
+  return Card({}, {Row({
+                           Column({std::move(state).Gap(kWideGap)}).On("picSummary").Grow(),
+                           Column({std::move(scan).Gap(kWideGap)}).Unless("picSummary").Grow(),
+                           Column({Row({
+                                      Put("ImgStartScanMouseMove")
+                                          .Called("Scan &now")
+                                          .With("play")
+                                          .As(Role::kPrimary),
+                                      Put("imgPause").Called("&Pause").With("pause"),
+                                      Put("ImgStopScanMouseMove").Called("S&top").With("stop"),
+                                  })})
+                               .On("picSpywareAdwareLeftWindow")
+                               .Centred(),
+                       })
+                       .Gap(kWideGap)});
+}
+
+Layout SummaryRow(int index) {
+  return Card(
+      {},
+      {Row({
+               Put(Indexed("imgSystemSummaryBigSmallBlue", index)).With("row-good", kRowIcon),
+               Put(Indexed("imgSystemSummaryBigSmallRed", index)).With("row-attention", kRowIcon),
+               Column({Put(Indexed("lblSystemSummaryLabel", index)).As(Role::kMuted),
+                       Put(Indexed("lblSystemSummaryValue", index)).As(Role::kStrong)})
+                   .Gap(kTightGap)
+                   .Grow()
+                   .Centred(),
+           })
+           .Gap(kWideGap)});
+}
+
+Layout Summary() {
+  return Column({
+      Row({
+          Column({SummaryRow(0), SummaryRow(2), SummaryRow(4)}).Grow(),
+          Column({SummaryRow(1), SummaryRow(3), SummaryRow(5)}).Grow(),
+      }),
+      Card("A scan looks at",
+           {Row({
+                    Column({Put("chkScanMemory"), Put("chkScanRegitry"), Put("chkScanCookies"),
+                            Put("chkDeepScan")})
+                        .Grow(),
+                    Put("lvwHardDrives").Called("Drives of the deep scan").Ticks().Grow(),
+                })
+                .Gap(kWideGap)}),
+  });
+}
+
+Layout Counter(std::string_view caption, std::string_view inspected, std::string_view found) {
+  return Card({},
+              {Column({
+                          Text(caption).As(Role::kMuted),
+                          Put(inspected).As(Role::kFigure),
+                          Row({Text("found").As(Role::kMuted), Put(found).As(Role::kStrong).Grow()})
+                              .Gap(kTightGap),
+                      })
+                   .Gap(kTightGap)})
+      .Padding(kGap)
+      .Grow();
+}
+
+Layout Counters() {
+  return Row({
+      Counter("Programs", "lblMemoryInspected", "lblMemoryInfected"),
+      Counter("Registry", "lblRegistryInspected", "lblRegistryInfected"),
+      Counter("Files", "lblFilesFolderInspected", "lblFilesFolderInfected"),
+      Counter("Cookies", "lblTrackingObjectScanned", "lbltracesFound"),
+      Counter("Hashes", "lblMD5Scanned", "lblMD5Infected"),
+  });
+}
+
+Layout Results() {
+  return Column({
+      Row({Text("Threats and their traces").As(Role::kHeading), Spring(),
+           Text("Traces:").As(Role::kMuted), Put("txtAdwareSpyware").As(Role::kStrong)})
+          .Gap(kTightGap),
+      Put("vbatvwResults")
+          .Called("Threats and their traces")
+          .Ticks()
+          .Grow(3)
+          .Menu(
+              {{"Command1", "&Copy results"}, {"ImgAddToIgnoredListNormal", "&Add to safe list"}}),
+      Row({
+              Put("txtSpywareDescription").Called("Description").High(kTextHeight).Grow(1),
+              Put("lvwPicRemoveListOfSpywareFoundAndToBeRemoved").Called("Threats").Grow(1),
+          })
+          .Grow(1)
+          .On("picSearchResultsLeftWindow"),
+      Row({
+              Put("chkSelectAllDetectedSpywares"),
+              Put("chkDoNotShowIgnoredItem"),
+              Spring(),
+              Put("chkCreateRestore"),
+          })
+          .Gap(kWideGap),
+      Row({
+          Put("cmdCheckUncheckAll"),
+          Put("ImgAddToIgnoredListNormal").Called("Add to safe &list").With("safe"),
+          Put("Command1").With("copy"),
+          Put("cmdViewSpywareDetail"),
+          Spring(),
+          Put("imgNext(1)").Called("&Back").With("back"),
+          Put("imgNext(0)").Called("&Next").With("next"),
+          Put("cmdDone"),
+          Put("cmdRemoveSpywares").As(Role::kPrimary).With("remove"),
+      }),
+  });
+}
+
+Layout ScanPageLayout() {
+  return Column({
+                    JobCard(),
+                    Column({Scroll({Summary()}).Grow()}).On("picSummary").Grow(),
+                    Column({Counters(), Results().Grow()}).Unless("picSummary").Grow(),
+                })
+      .Padding(kPagePadding)
+      .On("picSpywareAdwareRightWindow")
+      .Grow();
+}
+
+// ---- the other pages ---------------------------------------------------------------------------
+
+Layout Page(std::string_view panel, std::string_view title, std::string_view explanation,
+            std::vector<Layout> items) {
+  items.insert(
+      items.begin(),
+      Column({Text(title).As(Role::kTitle), Text(explanation).As(Role::kMuted)}).Gap(kTightGap));
+  return Column(std::move(items)).Gap(kWideGap).Padding(kPagePadding).On(panel).Grow();
+}
+
+Layout OptionsLayout() {
+  return Page(
+      "PicSecondTabConfiguration", "Options", "Changes are kept at once.",
+      {Scroll(
+           {Grid(2,
+                 {
+                     Card("Scan",
+                          {Put("chkScanRegitry"), Put("chkScanMemory"), Put("chkScanCookies"),
+                           Put("chkDeepScan"), Put("lvwHardDrives").Called("Drives").Ticks()})
+                         .Grow(),
+                     Card("Protection",
+                          {Put("chkMemorySheild"), Put("chkStartupShield"),
+                           Put("chkSelfDownloadingActivex"), Put("chkDisplayHijakRestoreAlerts"),
+                           Put("chkAlertsBlocksSpywareAdware"), Put("chkReportLorrimesh")})
+                         .Grow(),
+                     Card("Start",
+                          {Put("chkRunAtStartup"), Put("chkMinimizeToTrayWindowAtStartup")}),
+                     Card("Updates", {Put("chkEnableAutoUpdaterNotifications"),
+                                      Row({Text("Hours between two looks:"),
+                                           Put("cmbHours").Called("Hours between two looks")}),
+                                      Row({Text("Last update:").As(Role::kMuted),
+                                           Put("lblLastUpdateDefinationDate").Grow()})}),
+                     Card("When the window is closed",
+                          {Put("optCloseOptions(0)"), Put("optCloseOptions(1)"),
+                           Put("optCloseOptions(2)")}),
+                     Card("When the program is left", {Put("optOnClose(0)"), Put("optOnClose(1)")}),
+                     Card("Open browsers at a removal",
+                          {Put("optShowAlways"), Put("optCloseAllIEAndDonotShowIfFuture"),
+                           Put("optSkipClosingAndDonotShow")}),
+                 })
+                .Gap(kGap)})
+           .Grow()});
+}
+
+Layout Field(std::string_view caption, std::string_view control) {
+  return Row({Text(caption).Wide(kCaptionWidth), Put(control).Called(caption)}).Gap(kWideGap);
+}
+
+Layout ScheduleLayout() {
+  return Page("PicFifthTabSchedule", "Schedule", "Scans run at their time, while the program runs.",
+              {Card("Automatic scan",
+                    {Put("chkAutomaticScanYesOrNo"), Field("Day", "cmbDays"),
+                     Field("Date", "dtpScheduleDate"), Field("Time", "dtpScheduleTime"),
+                     Row({Put("cmdProceed").As(Role::kPrimary), Put("cmdDefaultSetting")})})
+                   .Gap(kWideGap),
+               Spring()});
+}
+
+Layout UpdateLayout() {
+  return Page(
+      "PicSixthTabLiveUpdate", "Live Update", "Signatures and new versions of the program.",
+      {Card(
+           "Installed",
+           {Put("lblSignatureVersion"), Put("lblApplicationVersion"),
+            Row({Text("Signatures:"), Put("lblTotalSignatureInTabSignature").Grow()})
+                .Gap(kTightGap),
+            Row({Text("Last update:"), Put("lblLastUpdateDefinationDate").Grow()}).Gap(kTightGap)}),
+       Card("Update", {Row({Put("imgUpdatesAvailable").With("tab-update", kTabIcon),
+                            Put("lblUpdatesAvailable").As(Role::kLink)}),
+                       Put("lblFTPStatus").As(Role::kStrong), Put("pgbFTP").Called("Transfer"),
+                       Put("lblTransferInfo").As(Role::kMuted),
+                       Row({Put("cmdDownload").As(Role::kPrimary), Put("cmdFTPDownloadCancel")})}),
+       Card("Fetched", {Field("Program", "txtFTPExecutableZIPFile"),
+                        Field("Signatures", "txtFTPSignatureZIPFile")}),
+       Spring()});
+}
+
+Layout DefenderLayout() {
+  return Page(
+      "picHiJackRestore", "Defender", "The settings of the browser, and what they go back to.",
+      {Column({Put("lvwBrowserHijackRestore").Called("Settings of the browser").Ticks().Grow(),
+               Put("lvwAllowedBlockedURLs").Called("Allowed and blocked addresses").Ticks().Grow()})
+           .Grow(),
+       Card({}, {Put("lblSetting").As(Role::kStrong), Field("Now", "txtCurrentSetting"),
+                 Field("Restores to", "txtRestoreSettingTo"),
+                 Field("As installed", "txtInternetExplorerDefaultSetting"),
+                 Put("lblChangeRestoreURL").As(Role::kLink).Narrow()}),
+       Row({Put("chlSelectAllBHR"), Put("lblHint").As(Role::kMuted), Spring()}),
+       Row({Put("imgListOfAllowedBlockedURLs").Called("List of Allowed/Blocked &URLs"),
+            Put("imgSwitchTORestoreListOfURLs").Called("S&witch to Restore List of URLs"), Spring(),
+            Put("imgRemoveAllowRestoreURLs").Called("Re&move").With("remove"),
+            Put("imgRestore").Called("&Restore settings").With("restore").As(Role::kPrimary)})});
+}
+
+Layout AdvancedLayout() {
+  return Page(
+      "picBHOLeftView", "Advanced tools", "Browser helper objects and startup programs.",
+      {Row({
+               Put("tvwAdvancedTools").Called("Tools").Wide(kToolsWidth),
+               Column({Put("lvwBHOs").Called("Browser helper objects").Grow(),
+                       Put("lvwStartup").Called("Startup programs").Grow(),
+                       Row({Put("lblAllowBHO").As(Role::kLink), Put("lblBlockBHO").As(Role::kLink),
+                            Put("lblAllowThisStartupItem").As(Role::kLink),
+                            Put("lblBlockThisStartupItem").As(Role::kLink), Spring()})
+                           .Gap(kWideGap)})
+                   .Grow(),
+           })
+           .Gap(kWideGap)
+           .Grow()});
+}
+
+Layout NewsLayout() {
+  return Page("picNewsAndReport", "News", "From the maker of the program.",
+              {Card({}, {Put("wbrNewsAndReport").Called("News").Grow()}).Grow(),
+               Row({Put("lblReportPage").As(Role::kLink), Spring()})});
+}
+
+}  // namespace
+
+FormLayout MainLayout() {
+  return {
+      .form = "frmMain",
+      .kind = WindowKind::kMain,
+      .content = Row({
+                         Tabs(),
+                         Column({ScanPageLayout(), DefenderLayout(), OptionsLayout(),
+                                 ScheduleLayout(), UpdateLayout(), AdvancedLayout(), NewsLayout()})
+                             .Gap(kNoGap)
+                             .Grow(),
+                     })
+                     .Gap(kNoGap),
+      .menus = {{"mnuFile", {"mnuFCheckForUpdates", "mnuFTrayMenu", "", "mnuFClose"}},
+                {"mnuOption", {"mnuOConfiguration"}},
+                {"mnuTools", {"mnuTDefender", "mnuTSchedule", "mnuTLiveUpdate"}},
+                {"mnuHelp", {"mnuOnlineHelp", "", "mnuHAbout"}}},
+      .behind = {"sfttvwResults", "lvwFilesToBeDeleted", "lvwRegistryEntriesFound",
+                 "lvwTrackingCookieObjectrecognized", "lvwFileNotFounds", "lvwBlockedCookies",
+                 "lvwIgnoredSpywares", "lblTotalSpywares", "cmdcancel", "lblEnableAutoScan",
+                 "picLeft", "Label34", "vbatvwStartup", "txtSetting", "vbaPrgBar"},
+  };
+}
+
+}  // namespace quarnel

@@ -1,0 +1,12 @@
+#pragma once
+
+#include "controls/host.h"
+#include "ui/wx/wx.h"
+
+namespace quarnel {
+
+// Shows a message box in front of `parent` (null: of everything) and returns the pressed button.
+// Escape presses Cancel, or the only button; a question of Yes and No waits for one of them.
+Answer ShowMessage(wxWindow* parent, const MessageBox& box);
+
+}  // namespace quarnel

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "ui/wx/wx.h"
+
+// What the toolkit leaves to the system below it; each system has a file of this name in its
+// folder.
+namespace quarnel::native {
+
+// Makes a toggle button one of a tab strip: without a frame, picture and text at the left.
+void MakeTab(wxToggleButton& tab);
+
+// Makes a button flat, its text at the left.
+void MakeRow(wxButton& row);
+
+// What a screen reader says for a widget that shows no caption of its own.
+void SetAccessibleName(wxWindow& widget, const wxString& name);
+
+}  // namespace quarnel::native

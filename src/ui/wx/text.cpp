@@ -1,0 +1,51 @@
+#include "ui/wx/text.h"
+
+#include <wx/textwrapper.h>
+
+#include <algorithm>
+
+#include "base/text.h"
+#include "ui/display_text.h"
+
+namespace quarnel {
+
+wxString ToWx(std::string_view text) {
+  const bool plain = std::all_of(text.begin(), text.end(), [](char c) {
+    return static_cast<unsigned char>(c) < 0x80 && c != '\r';
+  });
+  if (plain) return wxString::FromAscii(text.data(), text.size());
+  const std::u16string units = WellFormedUtf16(Replace(text, "\r\n", "\n"));
+  wxString result;
+  result.reserve(units.size());
+  for (size_t i = 0; i < units.size(); ++i) {
+    uint32_t point = units[i];
+    if (point >= 0xD800 && point < 0xDC00) {
+      point = 0x10000 + ((point - 0xD800) << 10) + (units[++i] - 0xDC00U);
+    }
+    result += wxUniChar(point);
+  }
+  return result;
+}
+
+wxString ToWxLine(std::string_view text) { return ToWx(Printable(text)); }
+
+wxString Wrapped(wxWindow& widget, const wxString& text, int width) {
+  class Lines : public wxTextWrapper {
+   public:
+    wxString text;
+
+   protected:
+    void OnOutputLine(const wxString& line) override { text += line; }
+    void OnNewLine() override { text += '\n'; }
+  };
+  Lines lines;
+  lines.Wrap(&widget, text, width);
+  return lines.text;
+}
+
+std::string FromWx(const wxString& text) {
+  const wxScopedCharBuffer bytes = text.utf8_str();
+  return {bytes.data(), bytes.length()};
+}
+
+}  // namespace quarnel

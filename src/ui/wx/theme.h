@@ -1,0 +1,31 @@
+#pragma once
+
+#include "controls/simple_controls.h"
+#include "ui/wx/layout.h"
+#include "ui/wx/wx.h"
+
+// Colours and fonts, all made from those of the system, so that a dark or high-contrast theme stays
+// one.
+namespace quarnel::theme {
+
+bool IsDark();
+
+wxColour Page();     // behind everything
+wxColour Surface();  // of a card
+wxColour Border();
+wxColour Text();
+wxColour MutedText();
+wxColour Accent();
+wxColour AccentText();
+wxColour SelectedTab();
+wxColour HoveredTab();
+// Signals that keep their meaning in every theme, at a strength that is readable on Surface.
+wxColour Good();
+wxColour Attention();
+
+// The colour of a label: black is the theme's own text, and red its signal.
+wxColour Of(Colour colour);
+
+wxFont FontOf(const wxFont& usual, Role role);
+
+}  // namespace quarnel::theme
