@@ -152,25 +152,58 @@ FormLayout ConnectionLayout() {
           .cancelButton = "cmdOK"};
 }
 
-FormLayout ProcessesLayout() {
+// A list of what is exempt, of which ticked rows can be taken out.
+FormLayout ExemptLayout(std::string_view form, std::string_view list, std::string_view name) {
+  return {.form = form,
+          .kind = WindowKind::kSheet,
+          .content =
+              Column({
+                         Put("lblHeading").As(Role::kHeading),
+                         Put(list).Called(name).Ticks().Wide(kSheetWidth).High(kHtmlHeight).Grow(),
+                         Row({Put("chkSelectAll"), Put("lblCount").As(Role::kMuted), Spring(),
+                              Put("ImgRemoveMouseMove").Called("&Remove from safe list"),
+                              Put("cmdDone").As(Role::kPrimary)}),
+                     })
+                  .Padding(kDialogPadding),
+          .defaultButton = "cmdDone",
+          .cancelButton = "cmdDone"};
+}
+
+FormLayout CloseBrowserLayout() {
   return {
-      .form = "frmIgnoredProcesses",
-      .kind = WindowKind::kSheet,
+      .form = "frmCloseIE",
       .content = Column({
-                            Put("lblHeading").As(Role::kHeading),
-                            Put("lvwIgnoredProcesses")
-                                .Called("Ignored processes")
-                                .Ticks()
-                                .Wide(kSheetWidth)
-                                .High(kHtmlHeight)
-                                .Grow(),
-                            Row({Put("chkSelectAll"), Put("lblCount").As(Role::kMuted), Spring(),
-                                 Put("ImgRemoveMouseMove").Called("&Remove").With("remove"),
-                                 Put("cmdDone").As(Role::kPrimary)}),
+                            Row({Picture("message-question", kLargeIcon),
+                                 Column({Put("lblQuestion").As(Role::kHeading),
+                                         Put("lblExplanation").As(Role::kWrapped)})})
+                                .Gap(kWideGap),
+                            Column({Put("optShowAlways"), Put("optCloseAllIEAndDonotShowIfFuture"),
+                                    Put("optSkipClosingAndDonotShow")}),
+                            Row({Put("chkSkipInFuture"), Spring(),
+                                 Put("cmdCloseIE").As(Role::kPrimary), Put("cmdcancel")}),
                         })
+                     .Gap(kWideGap)
                      .Padding(kDialogPadding),
-      .defaultButton = "cmdDone",
-      .cancelButton = "cmdDone"};
+      .defaultButton = "cmdCloseIE",
+      .cancelButton = "cmdcancel"};
+}
+
+FormLayout RestartLayout() {
+  return {
+      .form = "frmReBootMachine",
+      .content =
+          Column({
+                     Row({Picture("message-exclamation", kLargeIcon),
+                          Column({Put("lblRebootWarning").As(Role::kWrapped),
+                                  Put("lblInfected").As(Role::kWrapped)})
+                              .Gap(kWideGap)})
+                         .Gap(kWideGap),
+                     Row({Spring(), Put("cmdRebootWindows"), Put("cmdClose").As(Role::kPrimary)}),
+                 })
+              .Gap(kWideGap)
+              .Padding(kDialogPadding),
+      .defaultButton = "cmdClose",
+      .cancelButton = "cmdClose"};
 }
 
 }  // namespace
@@ -190,7 +223,12 @@ std::vector<FormLayout> DialogLayouts() {
   layouts.push_back(ApproveLayout());
   layouts.push_back(HomePageLayout());
   layouts.push_back(ConnectionLayout());
-  layouts.push_back(ProcessesLayout());
+  layouts.push_back(CloseBrowserLayout());
+  layouts.push_back(RestartLayout());
+  for (const std::string_view form : {"frmIgnoredProcesses", "frmIngnoredProcesses"}) {
+    layouts.push_back(ExemptLayout(form, "lvwIgnoredProcesses", "Exempt programs"));
+  }
+  layouts.push_back(ExemptLayout("frmIngnoredSpywares", "lvwIgnoredSpywares", "Exempt traces"));
   return layouts;
 }
 

@@ -50,12 +50,18 @@ Layout JobCard() {
   });
   Layout scan = Row({
       Picture("scanning", kLargeIcon),
-      Column({
-                 Put("lblStatus").As(Role::kHeading),
-                 Put("lblPercentageCompleted"),
-                 Put("pbgMain"),
-                 Put("lblScanning").As(Role::kPath),
-             })
+      Column(
+          {
+              Put("lblStatus").As(Role::kHeading),
+              Put("lblPercentageCompleted"),
+              Put("pbgMain"),
+              Put("lblScanning").As(Role::kPath),
+              Put("lblDeletingCaption").As(Role::kPath),
+              Put("pbrRemoveSpyware").Called("Removal"),
+              Column({Put("lblBackupProgress").As(Role::kPath), Put("pgbBackup").Called("Backup")})
+                  .Gap(kTightGap)
+                  .On("picBackupProgress"),
+          })
           .Gap(kTightGap)
           .Grow()
           .Centred(),
@@ -158,6 +164,7 @@ Layout Results() {
           .Gap(kWideGap),
       Row({
           Put("cmdCheckUncheckAll"),
+          Put("cmdIgnoredSpyware"),
           Put("ImgAddToIgnoredListNormal").Called("Add to safe &list").With("safe"),
           Put("Command1").With("copy"),
           Put("cmdViewSpywareDetail"),
@@ -170,11 +177,33 @@ Layout Results() {
   });
 }
 
+Layout RemovalSummary() {
+  std::vector<Layout> levels;
+  for (int level = 0; level < 5; ++level) {
+    levels.push_back(Row({Text("Level " + std::to_string(level + 1)).As(Role::kMuted),
+                          Put(Indexed("lblThreatLevelCount", level)).As(Role::kStrong).Grow()})
+                         .Gap(kTightGap)
+                         .Grow());
+  }
+  return Card({}, {Put("lblScanSummary").As(Role::kTitle),
+                   Put("lblScanSummaryMessage").As(Role::kWrapped),
+                   Put("lblRemoveSummaryMessage").As(Role::kWrapped), Row(std::move(levels)),
+                   Row({Spring(), Put("cmdRemoveSpyware2").With("remove"),
+                        Put("cmdFinish").As(Role::kPrimary)})})
+      .Gap(kWideGap);
+}
+
 Layout ScanPageLayout() {
   return Column({
                     JobCard(),
                     Column({Scroll({Summary()}).Grow()}).On("picSummary").Grow(),
-                    Column({Counters(), Results().Grow()}).Unless("picSummary").Grow(),
+                    Column({
+                               Counters(),
+                               Column({RemovalSummary(), Spring()}).On("picRemoveSummary").Grow(),
+                               Column({Results().Grow()}).Unless("picRemoveSummary").Grow(),
+                           })
+                        .Unless("picSummary")
+                        .Grow(),
                 })
       .Padding(kPagePadding)
       .On("picSpywareAdwareRightWindow")
@@ -192,37 +221,30 @@ Layout Page(std::string_view panel, std::string_view title, std::string_view exp
 }
 
 Layout OptionsLayout() {
-  return Page(
-      "PicSecondTabConfiguration", "Options", "Changes are kept at once.",
-      {Scroll(
-           {Grid(2,
-                 {
-                     Card("Scan",
-                          {Put("chkScanRegitry"), Put("chkScanMemory"), Put("chkScanCookies"),
-                           Put("chkDeepScan"), Put("lvwHardDrives").Called("Drives").Ticks()})
-                         .Grow(),
-                     Card("Protection",
-                          {Put("chkMemorySheild"), Put("chkStartupShield"),
-                           Put("chkSelfDownloadingActivex"), Put("chkDisplayHijakRestoreAlerts"),
-                           Put("chkAlertsBlocksSpywareAdware"), Put("chkReportLorrimesh")})
-                         .Grow(),
-                     Card("Start",
-                          {Put("chkRunAtStartup"), Put("chkMinimizeToTrayWindowAtStartup")}),
-                     Card("Updates", {Put("chkEnableAutoUpdaterNotifications"),
-                                      Row({Text("Hours between two looks:"),
-                                           Put("cmbHours").Called("Hours between two looks")}),
-                                      Row({Text("Last update:").As(Role::kMuted),
-                                           Put("lblLastUpdateDefinationDate").Grow()})}),
-                     Card("When the window is closed",
-                          {Put("optCloseOptions(0)"), Put("optCloseOptions(1)"),
-                           Put("optCloseOptions(2)")}),
-                     Card("When the program is left", {Put("optOnClose(0)"), Put("optOnClose(1)")}),
-                     Card("Open browsers at a removal",
-                          {Put("optShowAlways"), Put("optCloseAllIEAndDonotShowIfFuture"),
-                           Put("optSkipClosingAndDonotShow")}),
-                 })
-                .Gap(kGap)})
-           .Grow()});
+  Layout left = Column({
+      Card("Scan", {Put("chkScanRegitry"), Put("chkScanMemory"), Put("chkScanCookies"),
+                    Put("chkDeepScan"), Put("lvwHardDrives").Called("Drives").Ticks()}),
+      Card("When the window is closed",
+           {Put("optCloseOptions(0)"), Put("optCloseOptions(1)"), Put("optCloseOptions(2)")}),
+      Card("Open browsers at a removal",
+           {Put("optShowAlways"), Put("optCloseAllIEAndDonotShowIfFuture"),
+            Put("optSkipClosingAndDonotShow")}),
+  });
+  Layout right = Column({
+      Card("Protection", {Put("chkMemorySheild"), Put("chkStartupShield"),
+                          Put("chkSelfDownloadingActivex"), Put("chkDisplayHijakRestoreAlerts"),
+                          Put("chkAlertsBlocksSpywareAdware"), Put("chkReportLorrimesh")}),
+      Card("Start", {Put("chkRunAtStartup"), Put("chkMinimizeToTrayWindowAtStartup")}),
+      Card("Updates",
+           {Put("chkEnableAutoUpdaterNotifications"),
+            Row({Text("Hours between two looks:"),
+                 Put("cmbHours").Called("Hours between two looks")}),
+            Row({Text("Last update:").As(Role::kMuted), Put("lblLastUpdateDefinationDate").Grow()})
+                .Gap(kTightGap)}),
+      Card("When the program is left", {Put("optOnClose(0)"), Put("optOnClose(1)")}),
+  });
+  return Page("PicSecondTabConfiguration", "Options", "Changes are kept at once.",
+              {Scroll({Row({std::move(left).Grow(), std::move(right).Grow()})}).Grow()});
 }
 
 Layout Field(std::string_view caption, std::string_view control) {
@@ -318,8 +340,9 @@ FormLayout MainLayout() {
                 {"mnuHelp", {"mnuOnlineHelp", "", "mnuHAbout"}}},
       .behind = {"sfttvwResults", "lvwFilesToBeDeleted", "lvwRegistryEntriesFound",
                  "lvwTrackingCookieObjectrecognized", "lvwFileNotFounds", "lvwBlockedCookies",
-                 "lvwIgnoredSpywares", "lblTotalSpywares", "cmdcancel", "lblEnableAutoScan",
-                 "picLeft", "Label34", "vbatvwStartup", "txtSetting", "vbaPrgBar"},
+                 "lvwIgnoredSpywares", "lvwRegBackup", "cmdIgnoredProcesses", "cmdViewResults",
+                 "lblTotalSpywares", "cmdcancel", "lblEnableAutoScan", "picLeft", "Label34",
+                 "vbatvwStartup", "txtSetting", "vbaPrgBar"},
   };
 }
 

@@ -1,0 +1,281 @@
+// The windows on a real display, driven by real mouse and keyboard events. With
+// QUARNEL_PICTURES set to a folder, pictures of all windows are left there.
+
+#include <gmock/gmock.h>
+#include <wx/uiaction.h>
+
+#include <cstdlib>
+
+#include "core/paths.h"
+#include "display/robot.h"
+#include "scan/folders.h"
+#include "signatures/compiler.h"
+#include "support/platform_fixture.h"
+#include "ui/application.h"
+#include "ui/wx/wx_host.h"
+
+namespace quarnel {
+namespace {
+
+class DisplayTest : public PlatformTest {
+ protected:
+  static constexpr int kProgramFiles = 31;
+  static constexpr int kSignatures = 30000;
+
+  DisplayTest() {
+    settings.SaveSetting("Registry Status", "ResetValue", "x");
+    settings.ResetRegistrySettings();
+    IgnoringErrors([&] { files().Delete(SafeListPath(machine())); });
+    // Enough that somebody can stop the scan by hand; the one with a find comes first.
+    std::string lines = "Any,Threat,1,31,Planted.txt,,7\n";
+    for (int i = 0; i < kSignatures; ++i) {
+      const std::string number = std::to_string(i);
+      lines += "Any,Other " + number + ",1,31,None" + number + ".txt,,7\n";
+    }
+    for (const CompiledFile& file : CompileSet({.files = lines}).files) {
+      WriteWholeFile(files(), DataFolder(machine()) + file.name, file.bytes);
+    }
+    for (const std::string_view name : {"QNLList.dll", "QNLCritProc.dll"}) {
+      WriteWholeFile(files(), DataFolder(machine()) + std::string(name), "list\r\n");
+    }
+    WriteWholeFile(files(), planted, "x");
+  }
+  ~DisplayTest() override {
+    application.reset();
+    host.reset();
+    IgnoringErrors([&] { files().Delete(planted); });
+  }
+
+  frmMain& Start() {
+    host = std::make_unique<WxHost>(
+        [this](const std::string& page) { return ReadWholeFile(files(), page); });
+    host->Act([this] {
+      application = std::make_unique<Application>(platform(), *host, kOptions);
+      EXPECT_TRUE(application->Main());
+    });
+    frmMain& main = application->MainForm();
+    robot.Click("the first tab", [this] { return Widget("imgMainTab(0)"); });
+    EXPECT_TRUE(robot.Run(kPatience)) << robot.Waiting();
+    return main;
+  }
+
+  FormWindow* WindowOf(const Form& form) { return host->WindowOf(form); }
+  // The widget that shows a control, of the main window when no form is given.
+  wxWindow* Widget(std::string_view control, const Form* form = nullptr) {
+    FormWindow* window = WindowOf(form != nullptr ? *form : application->MainForm());
+    const Binding* binding = window == nullptr ? nullptr : window->Find(control);
+    return binding == nullptr ? nullptr : binding->Widget();
+  }
+  void Click(std::string control, const Form* form = nullptr) {
+    robot.Click(control, [this, control, form] { return Widget(control, form); });
+  }
+  void Until(std::string what, std::function<bool()> when) {
+    robot.Then(std::move(what), std::move(when), [] {});
+  }
+  void Run() { EXPECT_TRUE(robot.Run(kPatience)) << "waited for " << robot.Waiting(); }
+  // Lets the window come to rest.
+  void Settle() {
+    const wxLongLong start = wxGetUTCTimeMillis();
+    robot.Then(
+        "rest", [start] { return wxGetUTCTimeMillis() - start > 300; }, [] {});
+    Run();
+    host->Sync();
+  }
+
+  // Each widget says what its control says.
+  void ExpectInStep(Form& form) {
+    host->Sync();
+    FormWindow* window = WindowOf(form);
+    ASSERT_NE(window, nullptr) << form.Name();
+    EXPECT_EQ(window->Window()->GetTitle().utf8_string(), form.Caption());
+    for (const auto& binding : window->Bindings()) {
+      const Control& control = binding->control();
+      const std::string_view type = control.Type();
+      SCOPED_TRACE(form.Name() + "." + control.Name());
+      if (type != "Panel" && !control.Name().starts_with("imgMainTab")) {
+        EXPECT_EQ(binding->Widget()->IsShown(), control.Visible());
+        EXPECT_EQ(binding->Widget()->IsThisEnabled(), control.Enabled());
+      }
+      if (type != "Panel" && type != "Image" && type != "Button") {
+        EXPECT_EQ(binding->Shown(), control.ValueText());
+      }
+    }
+  }
+
+  void Picture(const Form& form, const std::string& name) {
+    const char* folder = std::getenv("QUARNEL_PICTURES");
+    if (folder == nullptr || WindowOf(form) == nullptr) return;
+    Settle();
+    const wxRect place = WindowOf(form)->Window()->GetScreenRect();
+    wxBitmap picture(place.GetSize());
+    wxScreenDC screen;
+    wxMemoryDC memory(picture);
+    memory.Blit(wxPoint(0, 0), place.GetSize(), &screen, place.GetPosition());
+    memory.SelectObject(wxNullBitmap);
+    picture.SaveFile(wxString(folder) + "/" + name + ".png", wxBITMAP_TYPE_PNG);
+  }
+
+  static constexpr int kPatience = 30;
+  static constexpr StartOptions kOptions = {.showSplash = false};
+  std::string planted = GetFolder(machine(), kProgramFiles).front() + "Planted.txt";
+  Settings settings{registry(), "Quarnel"};
+  std::unique_ptr<WxHost> host;
+  std::unique_ptr<Application> application;
+  Robot robot;
+};
+
+TEST_F(DisplayTest, TabsAreClickedAndEachPageShowsItsControls) {
+  frmMain& main = Start();
+  ExpectInStep(main);
+  Picture(main, "summary");
+  struct Tab {
+    int index;
+    const Panel& page;
+    std::string_view picture;
+  };
+  const Tab tabs[] = {
+      {1, main.tabs.picHiJackRestore, "defender"},
+      {2, main.tabs.PicSecondTabConfiguration, "options"},
+      {3, main.tabs.PicFifthTabSchedule, "schedule"},
+      {4, main.tabs.PicSixthTabLiveUpdate, "update"},
+      {5, main.tabs.picBHOLeftView, "advanced"},
+      {6, main.tabs.picNewsAndReport, "news"},
+      {0, main.tabs.picSpywareAdwareRightWindow, "scan"},
+  };
+  for (const Tab& tab : tabs) {
+    Click("imgMainTab(" + std::to_string(tab.index) + ")");
+    Until("its page", [&] { return tab.page.Visible(); });
+    Run();
+    ExpectInStep(main);
+    Picture(main, std::string(tab.picture));
+  }
+}
+
+TEST_F(DisplayTest, ScanIsPausedAndStoppedByHand) {
+  frmMain& main = Start();
+  Click("ImgStartScanMouseMove");
+  Until("a find", [&] { return main.results.vbatvwResults.Count() > 1; });
+  // The find is on the screen while the scan goes on.
+  Until("the find on the screen", [&] {
+    const Binding* tree = WindowOf(main)->Find("vbatvwResults");
+    return tree->Shown() != "0" && ScanRuns(main.scan);
+  });
+  Click("imgPause");
+  robot.AnswerBox("OK");
+  wxLongLong pressed;
+  const auto stop = [this] { return Widget("ImgStopScanMouseMove"); };
+  robot.Then(
+      "Stop",
+      [stop] {
+        const wxWindow* button = stop();
+        return button != nullptr && button->IsShownOnScreen() && button->IsEnabled();
+      },
+      [&pressed, stop] {
+        pressed = wxGetUTCTimeMillis();
+        Robot::ClickAt(Robot::MiddleOf(*stop()));
+      });
+  Until("the question", [] { return Robot::Shown("MessageBox") != nullptr; });
+  robot.Then(
+      "its time", [] { return true; },
+      [&] {
+        const long took = (wxGetUTCTimeMillis() - pressed).ToLong();
+        RecordProperty("stop_answered_ms", static_cast<int>(took));
+        // The limit of a tenth of a second, and what a loaded machine may add to it.
+        EXPECT_LT(took, 500);
+      });
+  robot.AnswerBox("Yes");
+  Until("the scan's end", [&] { return main.scan.lblStatus.Caption() == "Scanning cancelled."; });
+  Run();
+  ExpectInStep(main);
+  EXPECT_EQ(main.results.txtAdwareSpyware.Caption(), "1");
+  Picture(main, "results");
+}
+
+TEST_F(DisplayTest, TicksOfAThreatReachItsTraces) {
+  frmMain& main = Start();
+  Click("ImgStartScanMouseMove");
+  Until("the scan's end", [&] { return main.scan.lblStatus.Caption() == "Scanning completed."; });
+  Run();
+  Settle();
+  TreeView& tree = main.results.vbatvwResults;
+  ASSERT_EQ(tree.Count(), 2U);
+  ASSERT_TRUE(tree.At(1)->checked);
+  auto* widget = dynamic_cast<wxDataViewCtrl*>(Widget("vbatvwResults"));
+  ASSERT_NE(widget, nullptr);
+  robot.Then(
+      "the tick", [] { return true; },
+      [&] {
+        const wxRect row =
+            widget->GetItemRect(wxDataViewItem(tree.At(1).get()), widget->GetColumn(0));
+        // The box stands at the left of the text.
+        Robot::ClickAt(widget->GetMainWindow()->ClientToScreen(row.GetTopLeft()) +
+                       widget->FromDIP(wxPoint(10, row.height / 2)));
+      });
+  Until("no tick", [&] { return !tree.At(1)->checked && !tree.At(2)->checked; });
+  Run();
+  ExpectInStep(main);
+}
+
+TEST_F(DisplayTest, MenuSelectsAPageAndClosingAsks) {
+  frmMain& main = Start();
+  robot.Then(
+      "the menu", [] { return true; },
+      [] {
+        wxUIActionSimulator user;
+        user.Char('O', wxMOD_ALT);
+      });
+  robot.Then(
+      "its entry", [] { return true; },
+      [] {
+        wxUIActionSimulator user;
+        user.Char(WXK_DOWN);
+        user.Char(WXK_RETURN);
+      });
+  Until("the options", [&] { return main.tabs.PicSecondTabConfiguration.Visible(); });
+  Run();
+  const auto close = [&](const std::string& answer) {
+    robot.Then(
+        "close", [] { return true; },
+        [] {
+          wxUIActionSimulator user;
+          user.Char(WXK_F4, wxMOD_ALT);
+        });
+    const auto question = [this]() -> const Form* {
+      for (const Form* form : host->LoadedForms()) {
+        if (form->Name() == "frmClose" && form->Visible()) return form;
+      }
+      return nullptr;
+    };
+    robot.Click(answer, [this, question, answer]() -> wxWindow* {
+      const Form* form = question();
+      return form == nullptr ? nullptr : Widget(answer, form);
+    });
+  };
+  close("cmdCancel");
+  Until("the window's stay", [&] { return host->LoadedForms().size() == 1 && main.Visible(); });
+  Run();
+  close("cmdYes");
+  Until("the end", [&] { return host->HasEnded(); });
+  Run();
+}
+
+}  // namespace
+}  // namespace quarnel
+
+int main(int argc, char** argv) {
+  ::testing::InitGoogleMock(&argc, argv);
+  wxApp::SetInstance(new wxApp);
+  int own = 1;
+  if (!wxEntryStart(own, argv)) {
+    // Without a display nothing can be shown.
+    constexpr int kSkipped = 77;
+    return kSkipped;
+  }
+  wxTheApp->SetExitOnFrameDelete(false);
+  wxIdleEvent::SetMode(wxIDLE_PROCESS_SPECIFIED);
+  wxUpdateUIEvent::SetMode(wxUPDATE_UI_PROCESS_SPECIFIED);
+  wxInitAllImageHandlers();
+  const int result = RUN_ALL_TESTS();
+  wxEntryCleanup();
+  return result;
+}

@@ -1,0 +1,88 @@
+#include "display/robot.h"
+
+#include <wx/stopwatch.h>
+#include <wx/uiaction.h>
+
+namespace quarnel {
+namespace {
+
+// About as fast as a quick user; a turn costs nothing.
+constexpr int kTurn = 25;
+
+}  // namespace
+
+Robot::Robot() {
+  timer_.Bind(wxEVT_TIMER, [this](wxTimerEvent&) { Turn(); });
+}
+
+Robot::~Robot() { timer_.Stop(); }
+
+void Robot::Then(std::string what, std::function<bool()> when, std::function<void()> act) {
+  steps_.push_back({std::move(what), std::move(when), std::move(act)});
+}
+
+void Robot::Click(std::string what, std::function<wxWindow*()> find) {
+  const auto ready = [find] {
+    const wxWindow* widget = find();
+    return widget != nullptr && widget->IsShownOnScreen() && widget->IsEnabled() &&
+           widget->GetSize().x > 1;
+  };
+  Then(std::move(what), ready, [find] { ClickAt(MiddleOf(*find())); });
+}
+
+void Robot::AnswerBox(std::string button) {
+  Click("the box's button " + button, [button]() -> wxWindow* {
+    wxWindow* box = Shown("MessageBox");
+    return box == nullptr ? nullptr : wxWindow::FindWindowByName(button, box);
+  });
+}
+
+bool Robot::Run(int seconds) {
+  wxGUIEventLoop loop;
+  loop_ = &loop;
+  deadline_ = static_cast<long>(wxGetUTCTimeMillis().GetValue()) + seconds * 1000L;
+  timer_.Start(kTurn);
+  loop.Run();
+  timer_.Stop();
+  loop_ = nullptr;
+  return steps_.empty();
+}
+
+void Robot::Turn() {
+  if (inTurn_ || loop_ == nullptr) return;
+  const bool late = static_cast<long>(wxGetUTCTimeMillis().GetValue()) > deadline_;
+  if (steps_.empty() || late) {
+    // A box that nobody answers would hold the loop for ever.
+    if (late) {
+      if (auto* box = dynamic_cast<wxDialog*>(Shown("MessageBox"))) box->EndModal(wxID_CANCEL);
+    }
+    if (wxEventLoopBase::GetActive() == loop_) loop_->ScheduleExit();
+    return;
+  }
+  if (!steps_.front().when()) return;
+  inTurn_ = true;
+  const Step step = std::move(steps_.front());
+  steps_.pop_front();
+  step.act();
+  inTurn_ = false;
+}
+
+void Robot::ClickAt(wxPoint place, int button) {
+  wxUIActionSimulator user;
+  user.MouseMove(place);
+  user.MouseClick(button);
+}
+
+wxPoint Robot::MiddleOf(const wxWindow& widget) {
+  const wxSize size = widget.GetSize();
+  return widget.GetScreenPosition() + wxPoint(size.x / 2, size.y / 2);
+}
+
+wxWindow* Robot::Shown(const wxString& name) {
+  for (wxWindow* window : wxTopLevelWindows) {
+    if (window->GetName() == name && window->IsShown()) return window;
+  }
+  return nullptr;
+}
+
+}  // namespace quarnel

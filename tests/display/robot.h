@@ -1,0 +1,51 @@
+#pragma once
+
+#include <deque>
+#include <functional>
+#include <string>
+
+#include "ui/wx/wx.h"
+
+namespace quarnel {
+
+// A user: does one thing after the other by real mouse and keyboard events, each as soon as its
+// moment has come. It works inside whatever message loop runs, also inside a scan.
+class Robot {
+ public:
+  Robot();
+  ~Robot();
+
+  // Does `act` as soon as `when` holds.
+  void Then(std::string what, std::function<bool()> when, std::function<void()> act);
+  // Clicks the widget that `find` gives, as soon as it can be clicked.
+  void Click(std::string what, std::function<wxWindow*()> find);
+  // Clicks a button of the message box that shows.
+  void AnswerBox(std::string button);
+
+  // Runs a message loop until all is done; false, with what was waited for in Waiting(), when that
+  // takes more than `seconds`.
+  bool Run(int seconds);
+  std::string Waiting() const { return steps_.empty() ? std::string() : steps_.front().what; }
+
+  // Real events, in pixels of the screen.
+  static void ClickAt(wxPoint place, int button = wxMOUSE_BTN_LEFT);
+  static wxPoint MiddleOf(const wxWindow& widget);
+  // The window on the screen with this name; null when there is none.
+  static wxWindow* Shown(const wxString& name);
+
+ private:
+  struct Step {
+    std::string what;
+    std::function<bool()> when;
+    std::function<void()> act;
+  };
+  void Turn();
+
+  wxTimer timer_;
+  std::deque<Step> steps_;
+  wxEventLoopBase* loop_ = nullptr;
+  long deadline_ = 0;
+  bool inTurn_ = false;
+};
+
+}  // namespace quarnel
