@@ -22,10 +22,15 @@ void Robot::Then(std::string what, std::function<bool()> when, std::function<voi
 }
 
 void Robot::Click(std::string what, std::function<wxWindow*()> find) {
-  const auto ready = [find] {
+  // A window that has just been opened is still moved about.
+  constexpr int kTurnsAtRest = 4;
+  const auto ready = [find, place = wxPoint(-1, -1), turns = 0]() mutable {
     const wxWindow* widget = find();
-    return widget != nullptr && widget->IsShownOnScreen() && widget->IsEnabled() &&
-           widget->GetSize().x > 1;
+    if (widget == nullptr || !widget->IsShownOnScreen() || !widget->IsEnabled()) return false;
+    const wxPoint middle = MiddleOf(*widget);
+    turns = middle == place ? turns + 1 : 0;
+    place = middle;
+    return turns >= kTurnsAtRest;
   };
   Then(std::move(what), ready, [find] { ClickAt(MiddleOf(*find())); });
 }
@@ -35,6 +40,9 @@ void Robot::AnswerBox(std::string button) {
     wxWindow* box = Shown("MessageBox");
     return box == nullptr ? nullptr : wxWindow::FindWindowByName(button, box);
   });
+  // Until it has gone the windows behind it take no click.
+  Then(
+      "the box's end", [] { return Shown("MessageBox") == nullptr; }, [] {});
 }
 
 bool Robot::Run(int seconds) {
@@ -54,6 +62,7 @@ void Robot::Turn() {
   if (steps_.empty() || late) {
     // A box that nobody answers would hold the loop for ever.
     if (late) {
+      if (onLate) onLate();
       if (auto* box = dynamic_cast<wxDialog*>(Shown("MessageBox"))) box->EndModal(wxID_CANCEL);
     }
     if (wxEventLoopBase::GetActive() == loop_) loop_->ScheduleExit();

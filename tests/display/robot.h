@@ -27,6 +27,9 @@ class Robot {
   bool Run(int seconds);
   std::string Waiting() const { return steps_.empty() ? std::string() : steps_.front().what; }
 
+  // Called, perhaps often, when the time is up.
+  std::function<void()> onLate;
+
   // Real events, in pixels of the screen.
   static void ClickAt(wxPoint place, int button = wxMOUSE_BTN_LEFT);
   static wxPoint MiddleOf(const wxWindow& widget);

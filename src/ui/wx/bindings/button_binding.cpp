@@ -172,7 +172,7 @@ class OptionBinding : public Binding {
       : Binding(option, front), option_(option) {
     // Of a group of radio buttons one is always chosen, while of options none may be. A button of
     // its own that nobody sees takes that place.
-    none_ = new wxRadioButton(parent, wxID_ANY, "", wxDefaultPosition, wxSize(0, 0), wxRB_GROUP);
+    none_ = new wxRadioButton(parent, wxID_ANY, "", wxDefaultPosition, wxDefaultSize, wxRB_GROUP);
     none_->Hide();
     radio_ = new wxRadioButton(parent, wxID_ANY, "");
     radio_->Bind(wxEVT_RADIOBUTTON,
