@@ -14,9 +14,13 @@ bool IsBrowserWindowClass(std::string_view className) {
                      [className](std::string_view known) { return EqualText(className, known); });
 }
 
+bool Desktop::IsBrowserClass(std::string_view className) const {
+  return IsBrowserWindowClass(className);
+}
+
 void CloseBrowserWindows(Desktop& desktop) {
   desktop.EnumWindows([&desktop](WindowId window, std::string_view className) {
-    if (IsBrowserWindowClass(className)) desktop.PostClose(window);
+    if (desktop.IsBrowserClass(className)) desktop.PostClose(window);
     return true;
   });
 }

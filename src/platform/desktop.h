@@ -18,6 +18,9 @@ class Desktop {
   // Calls `visit` with each top-level window and its class name, until it returns false.
   virtual void EnumWindows(
       const std::function<bool(WindowId window, std::string_view className)>& visit) = 0;
+  // Whether windows of this class are those of a browser or a file manager, which hold components
+  // open.
+  virtual bool IsBrowserClass(std::string_view className) const;
   // Asks a window to close and does not wait for it.
   virtual void PostClose(WindowId window) = 0;
   // The window of this class with exactly this caption; nothing when there is none.

@@ -22,6 +22,7 @@
 #include <string>
 
 #include "platform/posix/backends.h"
+#include "platform/posix/display_windows.h"
 #include "platform/posix/unique_fd.h"
 
 namespace quarnel {
@@ -52,9 +53,14 @@ class FolderDesktop : public Desktop {
   FolderDesktop(const FolderDesktop&) = delete;
   FolderDesktop& operator=(const FolderDesktop&) = delete;
 
-  // The windows around a machine folder are none of its own.
-  void EnumWindows(const std::function<bool(WindowId, std::string_view)>& /*visit*/) override {}
-  void PostClose(WindowId /*window*/) override {}
+  // Those of the user's display: programs there may hold files of the machine open.
+  void EnumWindows(const std::function<bool(WindowId, std::string_view)>& visit) override {
+    EnumDisplayWindows(visit);
+  }
+  bool IsBrowserClass(std::string_view className) const override {
+    return IsDisplayBrowserClass(className);
+  }
+  void PostClose(WindowId window) override { CloseDisplayWindow(window); }
 
   std::optional<WindowId> FindWindow(std::string_view className,
                                      std::string_view caption) override {
