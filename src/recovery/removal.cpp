@@ -47,6 +47,7 @@ Answer Removal::Inform(std::string_view text) {
 }
 
 void Removal::cmdRemoveSpywares_Click() {
+  lastReport_.reset();
   Reporting(u_.log, kLabel, [&] {
     if (MayStart()) Remove();
   });

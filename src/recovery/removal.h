@@ -62,7 +62,7 @@ class Removal {
   // above 5 ends it half done: it is logged.
   void CountThreatLevels();
 
-  // Of the last removal of this run; nothing when there was none.
+  // Of the last click; nothing when a box said why there was nothing to do.
   const std::optional<RemovalReport>& LastReport() const { return lastReport_; }
 
  private:

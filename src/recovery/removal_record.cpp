@@ -92,16 +92,11 @@ bool RemovalRecord::Exists(const Entry& entry) {
                                                   : u_.files.Stat(entry.trace.trace).has_value();
 }
 
-void RemovalRecord::ReadRunning() {
-  running_.clear();
-  const auto isProgram = [](const Entry& entry) {
-    return entry.outcome && EndsWithText(entry.trace.trace, ".exe");
-  };
-  if (std::none_of(entries_.begin(), entries_.end(), isProgram)) return;
-  for (const ProcessRecord& record :
-       u_.processes.Snapshot().value_or(std::vector<ProcessRecord>())) {
-    running_.push_back(ToUpper(record.executable));
-  }
+bool RemovalRecord::Runs(std::string_view path) {
+  constexpr Milliseconds kMoment{1000};
+  return std::any_of(running_.begin(), running_.end(), [&](const ProcessRecord& record) {
+    return EqualText(record.executable, path) && !u_.processes.WaitForEnd(record.id, kMoment);
+  });
 }
 
 void RemovalRecord::Decide(Entry& entry) {
@@ -113,7 +108,7 @@ void RemovalRecord::Decide(Entry& entry) {
   const FileOutcome outcome = entry.outcome.value_or(FileOutcome());
   if (entry.exempt) return decide(Fate::kKept, kOnSafeList);
   if (!entry.ticked) return decide(Fate::kKept, kNotTicked);
-  if (outcome.refused) return decide(Fate::kKept, "refused: " + outcome.obstacle);
+  if (outcome.refused) return decide(Fate::kRefused, outcome.obstacle);
   if (Exists(entry)) {
     if (!outcome.obstacle.empty()) return decide(Fate::kFailed, "still there: " + outcome.obstacle);
     return decide(Fate::kFailed, trace.kind == TraceKind::kFile && !entry.outcome
@@ -121,9 +116,7 @@ void RemovalRecord::Decide(Entry& entry) {
                                      : "still there");
   }
   if (!entry.existed) return decide(Fate::kGone);
-  if (std::find(running_.begin(), running_.end(), ToUpper(trace.trace)) != running_.end()) {
-    return decide(Fate::kFailed, "its program still runs");
-  }
+  if (Runs(trace.trace)) return decide(Fate::kFailed, "its program still runs");
   if (outcome.quarantine.empty()) return decide(Fate::kRemoved);
   if (!u_.files.Stat(outcome.quarantine)) {
     return decide(Fate::kFailed, "it is not in the quarantine: " + outcome.quarantine);
@@ -134,7 +127,7 @@ void RemovalRecord::Decide(Entry& entry) {
 RemovalReport RemovalRecord::Conclude(std::string_view problem) {
   report_.problem = problem;
   report_.traces.clear();
-  ReadRunning();
+  running_ = u_.processes.Snapshot().value_or(std::vector<ProcessRecord>());
   for (Entry& entry : entries_) {
     Decide(entry);
     report_.traces.push_back(entry.trace);

@@ -51,14 +51,15 @@ class RemovalRecord {
   bool Exists(const Entry& entry);
   bool ValueExists(const Entry& entry);
   void Decide(Entry& entry);
-  void ReadRunning();
+  // Whether a program still runs; one that was ended just now gets a moment for it.
+  bool Runs(std::string_view path);
 
   Uses u_;
   RemovalReport report_;
   std::vector<Entry> entries_;
   // By kind and text; two rows of one text are one thing.
   std::unordered_map<std::string, size_t> places_;
-  std::vector<std::string> running_;  // the programs that run in the end, upper-cased
+  std::vector<ProcessRecord> running_;  // in the end
 };
 
 }  // namespace quarnel

@@ -17,11 +17,12 @@ constexpr std::array<std::pair<TraceKind, std::string_view>, 3> kKinds = {
     {{TraceKind::kFile, "file"},
      {TraceKind::kRegistry, "registry"},
      {TraceKind::kCookie, "cookie"}}};
-constexpr std::array<std::pair<Fate, std::string_view>, 5> kFates = {
+constexpr std::array<std::pair<Fate, std::string_view>, 6> kFates = {
     {{Fate::kRemoved, "removed"},
      {Fate::kQuarantined, "quarantined"},
      {Fate::kGone, "gone"},
      {Fate::kKept, "kept"},
+     {Fate::kRefused, "refused"},
      {Fate::kFailed, "failed"}}};
 
 template <typename Table, typename Value>

@@ -12,13 +12,14 @@ namespace quarnel {
 
 enum class TraceKind { kFile, kRegistry, kCookie };
 
-// What became of a trace of the results. A trace that was to go and still exists is kFailed or
-// kKept, whatever the calls that should have removed it said.
+// What became of a trace of the results. A trace that was to go and still exists is kRefused or
+// kFailed, whatever the calls that should have removed it said.
 enum class Fate {
   kRemoved,
   kQuarantined,  // detail: its path there
   kGone,         // it had vanished before the removal
-  kKept,         // detail: why
+  kKept,         // detail: why it was not to go
+  kRefused,      // its path may lead elsewhere; detail: how
   kFailed,       // detail: why
 };
 
@@ -43,7 +44,7 @@ struct RemovalReport {
 };
 
 // One word each, as reports print them: "file", "registry", "cookie"; "removed", "quarantined",
-// "gone", "kept", "failed".
+// "gone", "kept", "refused", "failed".
 std::string_view NameOf(TraceKind kind);
 std::string_view NameOf(Fate fate);
 

@@ -97,6 +97,7 @@ void ScanController::ImgStartScanMouseMove_Click() {
     settings_.Save(setting::kScanEnd, GeneralDateText(u_.host.clock().Now()));
     surroundings_.RefreshSystemSummary();
     SaveLastScanResults();
+    IgnoringErrors([&] { SaveUnread(u_.files, u_.machine, u_.unread); });
     EndScan();
   });
 }

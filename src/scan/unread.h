@@ -1,8 +1,12 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "platform/files.h"
+#include "platform/machine.h"
 
 namespace quarnel {
 
@@ -19,6 +23,8 @@ class Unread {
     if (items_.size() < kMostNamed) items_.push_back({std::string(kind), std::string(name)});
     ++count_;
   }
+  // The same for items that are not named.
+  void AddUnnamed(size_t count) { count_ += count; }
   void Clear() {
     items_.clear();
     count_ = 0;
@@ -32,5 +38,10 @@ class Unread {
   std::vector<UnreadItem> items_;
   size_t count_ = 0;
 };
+
+// What the last scan could not read, kept in the program's folder for a later report. Saving
+// raises as ReplaceWholeFile does; loading gives nothing when there is no whole file.
+void SaveUnread(Files& files, Machine& machine, const Unread& unread);
+std::optional<Unread> LoadUnread(Files& files, Machine& machine);
 
 }  // namespace quarnel

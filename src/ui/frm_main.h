@@ -119,7 +119,7 @@ class frmMain : public Form, private ScanSurroundings {
   void Minimise();
   void MakeTimersEnabledOrDisableAcordingToSetting(bool leaveAlone) override;
   bool DownloadRuns() const;
-  // What the last removal of this run did.
+  // What the last click on Remove did; nothing when it came to no removal.
   const std::optional<RemovalReport>& LastRemoval() const { return removalLogic_.LastReport(); }
   // What the last scan could not read.
   const Unread& CouldNotRead() const { return unread_; }

@@ -22,13 +22,17 @@ class TestProgram : public ConsoleProgram {
     host_.MsgBox({.text = "All done", .title = "Test"});
     return run_.summary;
   }
-  void Remove() override {
+  std::optional<RemovalReport> Remove() override {
+    if (run_.removal) form_.child->ShowModal();
+    if (run_.removal) return run_.removal;
     const bool sure = host_.MsgBox({.text = "Sure?",
                                     .title = "Test",
                                     .icon = MessageIcon::kQuestion,
                                     .buttons = MessageButtons::kYesNo}) == Answer::kYes;
     form_.lblLog.SetCaption(sure ? "removed" : "kept");
+    return std::nullopt;
   }
+  std::optional<RemovalReport> LastRemoval() override { return run_.removal; }
   ScanSummary Report() override { return run_.summary; }
   void Wizard() override { form_.child->ShowModal(); }
   bool Quit() override {

@@ -85,6 +85,8 @@ struct ConsoleRun {
   bool alone = true;  // no other instance answers
   std::vector<MessageBox> startBoxes;
   ScanSummary summary;
+  // What a removal does, with a form that it opens on the way; nothing: it asks instead.
+  std::optional<RemovalReport> removal;
 
   int code = -1;
   std::string out;

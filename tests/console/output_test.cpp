@@ -161,5 +161,36 @@ TEST(ProgressLine, IsDrawnByAScanOnATerminalAndWiped) {
   EXPECT_THAT(run.out, testing::EndsWith(" \rNo threats found.\n"));
 }
 
+TEST(RemovalOutput, TellsEachFateAndEndsByWhatIsLeft) {
+  ConsoleRun run{.arguments = {"remove"}};
+  run.summary.threats = {{.name = "T", .traces = {"C:\\a"}}};
+  run.removal = RemovalReport{.time = "2008-06-14 10:25:16"};
+  run.removal->backup = BackupReport{.stem = "1_2", .folder = "C:\\B"};
+  run.removal->traces = {{TraceKind::kFile, "C:\\a", "T", Fate::kRemoved, ""},
+                         {TraceKind::kFile, "C:\\b", "T", Fate::kKept, "not ticked"}};
+  run.Run("");
+  EXPECT_EQ(run.code, 0);
+  EXPECT_THAT(run.out, ::testing::HasSubstr("kept         C:\\b\n               not ticked\n"));
+  EXPECT_THAT(run.out, ::testing::EndsWith("Restore point: C:\\B\\1_2\n"
+                                           "Removal of 2008-06-14 10:25:16: 1 removed, 1 kept, "
+                                           "0 failed.\n"));
+
+  ConsoleRun left{.arguments = {"--json", "remove"}, .summary = run.summary};
+  left.removal = run.removal;
+  left.removal->traces[0].fate = Fate::kFailed;
+  left.Run("");
+  EXPECT_EQ(left.code, 2);
+  EXPECT_THAT(left.out,
+              ::testing::HasSubstr("\"kind\":\"file\",\"threat\":\"T\",\"fate\":\"failed\""));
+  EXPECT_THAT(left.out,
+              ::testing::HasSubstr("\"backup\":\"complete\",\"restorepoint\":\"C:\\\\B\\\\1_2\""));
+
+  ConsoleRun broken{.arguments = {"remove"}, .summary = run.summary};
+  broken.removal = RemovalReport{.problem = "Disk full"};
+  broken.Run("");
+  EXPECT_EQ(broken.code, 1);
+  EXPECT_THAT(broken.err, ::testing::HasSubstr("Disk full"));
+}
+
 }  // namespace
 }  // namespace quarnel

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <span>
 #include <string_view>
 
@@ -71,9 +72,12 @@ void Help(Session& session, Words& words);
 // was done.
 bool TakesActions(Session& session, const Target& target);
 
-// Runs a scan or shows the last one, and prints what was found.
+// Runs a scan and prints what was found.
 ScanSummary RunScan(Session& session);
-ScanSummary RunReport(Session& session);
+// Removes what is ticked and prints what became of it; nothing when there was nothing to remove.
+std::optional<RemovalReport> RunRemoval(Session& session);
+// Prints what the last scan found and what the last removal did.
+void RunReport(Session& session);
 
 }  // namespace command
 

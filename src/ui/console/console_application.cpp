@@ -34,21 +34,30 @@ class ConsoleApplication : public ConsoleProgram {
     return summary;
   }
 
-  void Remove() override {
-    Button& remove = application_.MainForm().results.cmdRemoveSpywares;
-    if (!remove.Click) NotPartOfThisBuild("the removal");
-    remove.ClickByUser();
+  std::optional<RemovalReport> Remove() override {
+    application_.MainForm().results.cmdRemoveSpywares.ClickByUser();
+    return application_.MainForm().LastRemoval();
   }
 
   ScanSummary Report() override {
     const frmMain& main = application_.MainForm();
     ScanSummary summary{.status = main.scan.lblStatus.Caption(),
-                        .threats = ThreatsOf(main.results.vbatvwResults),
-                        .unreadCount = main.CouldNotRead().Count()};
-    for (const UnreadItem& item : main.CouldNotRead().Items()) {
+                        .threats = ThreatsOf(main.results.vbatvwResults)};
+    // The status tells how a scan of this run ended.
+    summary.scanned = !summary.status.empty();
+    const Unread unread =
+        summary.scanned ? main.CouldNotRead()
+                        : LoadUnread(platform_->files(), platform_->machine()).value_or(Unread());
+    summary.unreadCount = unread.Count();
+    for (const UnreadItem& item : unread.Items()) {
       summary.unread.push_back(item.kind + " " + item.name);
     }
     return summary;
+  }
+
+  std::optional<RemovalReport> LastRemoval() override {
+    if (const auto& report = application_.MainForm().LastRemoval()) return report;
+    return LoadRemovalReport(platform_->files(), platform_->machine());
   }
 
   void Wizard() override { NotPartOfThisBuild("the wizard"); }

@@ -153,7 +153,9 @@ void ConsoleHost::RunModal(Form& form) {
     const auto& forms = LoadedForms();
     return std::find(forms.begin(), forms.end(), &form) != forms.end() && form.Visible();
   };
-  if (!Starts()) {
+  const bool closes = closingJobs_ > 0;
+  if (closes && options_.tellsBoxes) Notice(Printable(form.Caption()) + ": closed unanswered");
+  if (!Starts() && !closes) {
     const std::string prompt = form.Name() + "> ";
     while (isOpen() && player_->RunNext(prompt)) continue;
   }

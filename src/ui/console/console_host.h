@@ -79,15 +79,25 @@ class ConsoleHost : public Host {
   Milliseconds AdvanceToNextTimer(Milliseconds limit);
 
   // One of the everyday jobs runs: boxes with nothing but an OK button are answered by themselves.
+  // Where it opens forms that nobody asked for, they may be closed at once.
   class Job {
    public:
-    explicit Job(ConsoleHost& host) : host_(host) { ++host_.jobs_; }
-    ~Job() { --host_.jobs_; }
+    enum class Forms { kPlayed, kClosed };
+    explicit Job(ConsoleHost& host, Forms forms = Forms::kPlayed)
+        : host_(host), closes_(forms == Forms::kClosed ? 1 : 0) {
+      ++host_.jobs_;
+      host_.closingJobs_ += closes_;
+    }
+    ~Job() {
+      --host_.jobs_;
+      host_.closingJobs_ -= closes_;
+    }
     Job(const Job&) = delete;
     Job& operator=(const Job&) = delete;
 
    private:
     ConsoleHost& host_;
+    int closes_;
   };
 
   // A line that is kept up to date inside event processing, as long as this object lives.
@@ -139,6 +149,7 @@ class ConsoleHost : public Host {
   std::string clipboard_;
   size_t line_ = 0;
   int jobs_ = 0;
+  int closingJobs_ = 0;  // those of them that close forms
   bool failed_ = false;
 };
 

@@ -2,9 +2,11 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "controls/host.h"
+#include "recovery/removal_report.h"
 #include "ui/console/scan_summary.h"
 
 namespace quarnel {
@@ -19,10 +21,14 @@ class ConsoleProgram {
   virtual bool Start() = 0;
   // A whole scan, as a click on its button runs it, and what it found.
   virtual ScanSummary Scan() = 0;
-  // The removal of what is ticked.
-  virtual void Remove() = 0;
-  // What the last scan found, as it stands now.
+  // The removal of what is ticked, and what it did; nothing when a box said why there is nothing
+  // to do.
+  virtual std::optional<RemovalReport> Remove() = 0;
+  // What the last scan found, as it stands now; of a scan by an earlier run, what it could not
+  // read.
   virtual ScanSummary Report() = 0;
+  // What the last removal did, also one by an earlier run; nothing when there was none.
+  virtual std::optional<RemovalReport> LastRemoval() = 0;
   // The pages of the setup wizard, as a modal form.
   virtual void Wizard() = 0;
   // Closes the program as its user would, with all questions; false when it stays open.

@@ -1,6 +1,7 @@
 #include <optional>
 
 #include "ui/console/commands.h"
+#include "ui/console/removal_summary.h"
 #include "ui/display_text.h"
 
 // The everyday jobs, and the end.
@@ -20,6 +21,17 @@ void Print(Session& session, const ScanSummary& summary) {
     PrintSummary(summary, session.records.out(), session.terminal.ShowsColours());
   }
   if (!summary.problem.empty()) session.host.Notice(Printable(summary.problem));
+}
+
+void Print(Session& session, const RemovalReport& report) {
+  if (session.records.IsJson()) {
+    WriteRemoval(report, session.records);
+  } else {
+    PrintRemoval(report, session.records.out(), session.terminal.ShowsColours());
+  }
+  if (!report.problem.empty()) {
+    session.host.Notice("the removal ended early: " + Printable(report.problem));
+  }
 }
 
 }  // namespace
@@ -42,11 +54,20 @@ ScanSummary RunScan(Session& session) {
   return summary;
 }
 
-ScanSummary RunReport(Session& session) {
+std::optional<RemovalReport> RunRemoval(Session& session) {
+  std::optional<RemovalReport> report;
+  {
+    const ConsoleHost::Job job(session.host, ConsoleHost::Job::Forms::kClosed);
+    report = session.program.Remove();
+  }
+  if (report) Print(session, *report);
+  return report;
+}
+
+void RunReport(Session& session) {
   const ConsoleHost::Job job(session.host);
-  ScanSummary summary = session.program.Report();
-  Print(session, summary);
-  return summary;
+  Print(session, session.program.Report());
+  if (const auto removal = session.program.LastRemoval()) Print(session, *removal);
 }
 
 void Scan(Session& session, Words& words) {
@@ -56,8 +77,7 @@ void Scan(Session& session, Words& words) {
 
 void Remove(Session& session, Words& words) {
   words.End();
-  const ConsoleHost::Job job(session.host);
-  session.program.Remove();
+  RunRemoval(session);
 }
 
 void Report(Session& session, Words& words) {

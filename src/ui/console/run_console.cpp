@@ -39,19 +39,26 @@ bool OpenScript(const std::string& name, std::ifstream& file) {
   return file.is_open();
 }
 
+int CodeOf(const ScanSummary& summary) {
+  if (!summary.problem.empty()) return kError;
+  return summary.ThreatCount() > 0 ? kThreatsFound : kDone;
+}
+
+// Nothing has been scanned yet when the program has just started, so the scan comes first; it ticks
+// all that it finds.
+int ScanAndRemove(Session& session) {
+  if (const int code = CodeOf(command::RunScan(session)); code != kThreatsFound) return code;
+  const std::optional<RemovalReport> report = command::RunRemoval(session);
+  if (!report || !report->problem.empty()) return kError;
+  const size_t left = report->Count(Fate::kFailed) + report->Count(Fate::kRefused);
+  return left > 0 ? kThreatsFound : kDone;
+}
+
 // Runs one of the jobs named on the command line.
 int RunJob(Kind kind, Session& session) {
-  if (kind == Kind::kScan) {
-    const ScanSummary summary = command::RunScan(session);
-    if (!summary.problem.empty()) return kError;
-    return summary.ThreatCount() > 0 ? kThreatsFound : kDone;
-  }
-  if (kind == Kind::kReport) {
-    command::RunReport(session);
-    return kDone;
-  }
-  const ConsoleHost::Job job(session.host);
-  session.program.Remove();
+  if (kind == Kind::kScan) return CodeOf(command::RunScan(session));
+  if (kind == Kind::kRemove) return ScanAndRemove(session);
+  command::RunReport(session);
   return kDone;
 }
 
@@ -96,8 +103,9 @@ int Run(const ConsoleCall& call, std::istream& script, const ConsoleStreams& str
   try {
     code = RunProgram(call, session, interpreter);
   } catch (const ProcessEnded&) {
-    // A scan that did not come to its end has found nothing that could be told.
-    code = host.HasFailed() || call.kind == Kind::kScan ? kError : kDone;
+    // A job that did not come to its end has done nothing that could be told.
+    code =
+        host.HasFailed() || call.kind == Kind::kScan || call.kind == Kind::kRemove ? kError : kDone;
   }
   streams.out.flush();
   return code;

@@ -20,7 +20,7 @@ struct ConsoleStreams {
 
 // What `quarnel-console` does with its arguments (without the program's own name): runs the script,
 // the prompt or the job that they name, and returns the exit code. 0: done, or nothing found by a
-// scan; 2: threats found, or a bad call; 1: an error, told in one line.
+// scan; 2: threats found, or left by a removal, or a bad call; 1: an error, told in one line.
 int RunConsole(std::span<const std::string> arguments, const ConsoleStreams& streams,
                const MakeProgram& makeProgram);
 

@@ -68,6 +68,7 @@ std::string Counted(size_t count, std::string_view one) {
 }
 
 std::string SummaryLine(const ScanSummary& summary) {
+  if (!summary.scanned) return "Nothing was scanned in this run.";
   std::string line = summary.ThreatCount() == 0
                          ? "No threats found"
                          : Counted(summary.ThreatCount(), "threat") + " with " +

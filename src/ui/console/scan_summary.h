@@ -23,7 +23,8 @@ struct ScanThreat {
 
 // What a scan found, and how it ended.
 struct ScanSummary {
-  std::string status;  // "Scanning completed."
+  bool scanned = true;  // false when this run has scanned nothing yet
+  std::string status;   // "Scanning completed."
   std::vector<ScanThreat> threats;
   // What could not be read, "file C:\\x": neither a find nor known to be clean. The count may be
   // higher than what is named.
