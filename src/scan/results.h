@@ -74,6 +74,9 @@ struct ResultsPage {
   Panel picResultsRightWindow{form, "picResultsRightWindow"};
 };
 
+// The mark that imgNext(0) carries while results wait to be dealt with.
+inline constexpr std::string_view kResultMode = "ResultMode";
+
 inline constexpr std::string_view kFoundPrefix = "[Found] - ";
 inline constexpr std::string_view kIgnoredPrefix = "[Ignored] - ";
 

@@ -12,9 +12,18 @@ class Application {
  public:
   Application(Platform& platform, Host& host, StartOptions options);
 
+  ~Application();
+  Application(const Application&) = delete;
+  Application& operator=(const Application&) = delete;
+
   // Starts the program: ends at once when another instance answers (false), applies a reset that an
-  // installer asked for, and shows the main window.
+  // installer asked for, runs the wizard at the first start, and shows the main window. Other
+  // instances find this one from then on.
   bool Main();
+
+  // Brings the program's window to the front if another instance asked for it. A front with windows
+  // calls this from time to time.
+  void AnswerForwardRequest();
 
   Forms& forms() { return forms_; }
   frmMain& MainForm() { return forms_.main(); }
@@ -22,6 +31,7 @@ class Application {
 
  private:
   Platform& platform_;
+  StartOptions options_;
   Settings settings_;
   ErrorLog log_;
   Forms forms_;

@@ -23,6 +23,18 @@ Forms::Forms(const Services& services, StartOptions options)
       ingnoredProcesses(Made<frmIngnoredProcesses>(services)),
       restore(
           [this, services] { return std::make_unique<frmRestore>(services, chosenRestorePoint); }),
+      menuPopUp([this, services] { return std::make_unique<frmMenuPopUp>(services, main()); }),
+      wizard1(Page<frmWizard1>(services)),
+      wizard2(Page<frmWizard2>(services)),
+      wizard3(Page<frmWizard3>(services)),
+      wizard7(Page<frmWizard7>(services)),
+      wizard4(Page<frmWizard4>(services)),
+      spywareDefinitions(
+          [this, services] { return std::make_unique<frmSpywareDefinitions>(services, wizard); }),
+      internetConnection(
+          [this, services] { return std::make_unique<frmInternetConnection>(services, main()); }),
+      approveAllStartup(Made<frmApproveAllStartup>(services)),
+      homePageChangedAlert(Made<frmHomePageChangedAlert>(services)),
       main_(std::make_unique<frmMain>(services, *this, options)) {
   all_.push_back({"frmMain", [this]() -> Form& {
                     main_->Load();
@@ -35,6 +47,23 @@ Forms::Forms(const Services& services, StartOptions options)
   List("frmIngnoredSpywares", ingnoredSpywares);
   List("frmIngnoredProcesses", ingnoredProcesses);
   List("frmRestore", restore);
+  List("frmMenuPopUp", menuPopUp);
+  List("frmWizard1", wizard1);
+  List("frmWizard2", wizard2);
+  List("frmWizard3", wizard3);
+  List("frmWizard7", wizard7);
+  List("frmWizard4", wizard4);
+  List("frmSpywareDefinitions", spywareDefinitions);
+  List("frmInternetConnection", internetConnection);
+  List("frmApproveAllStartup", approveAllStartup);
+  List("frmHomePageChangedAlert", homePageChangedAlert);
+}
+
+template <typename PageType>
+typename FormSlot<PageType>::Factory Forms::Page(const Services& services) {
+  return [this, services] {
+    return std::make_unique<PageType>(WizardUses{services, wizard, spywareDefinitions});
+  };
 }
 
 Forms::~Forms() = default;

@@ -1,20 +1,31 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "controls/form.h"
+#include "ui/frm_approve_all_startup.h"
 #include "ui/frm_close.h"
 #include "ui/frm_close_ie.h"
+#include "ui/frm_home_page_changed_alert.h"
 #include "ui/frm_ingnored_processes.h"
 #include "ui/frm_ingnored_spywares.h"
+#include "ui/frm_internet_connection.h"
 #include "ui/frm_main.h"
+#include "ui/frm_menu_pop_up.h"
 #include "ui/frm_reboot_machine.h"
 #include "ui/frm_restore.h"
 #include "ui/frm_splash.h"
+#include "ui/frm_spyware_definitions.h"
+#include "ui/frm_wizard1.h"
+#include "ui/frm_wizard2.h"
+#include "ui/frm_wizard3.h"
+#include "ui/frm_wizard4.h"
+#include "ui/frm_wizard7.h"
 #include "ui/services.h"
 
 namespace quarnel {
@@ -38,6 +49,20 @@ class Forms {
   FormSlot<frmIngnoredSpywares> ingnoredSpywares;
   FormSlot<frmIngnoredProcesses> ingnoredProcesses;
   FormSlot<frmRestore> restore;
+  FormSlot<frmMenuPopUp> menuPopUp;
+  FormSlot<frmWizard1> wizard1;
+  FormSlot<frmWizard2> wizard2;
+  FormSlot<frmWizard3> wizard3;
+  FormSlot<frmWizard7> wizard7;
+  FormSlot<frmWizard4> wizard4;
+  FormSlot<frmSpywareDefinitions> spywareDefinitions;
+  FormSlot<frmInternetConnection> internetConnection;
+  // No path of the program opens these.
+  FormSlot<frmApproveAllStartup> approveAllStartup;
+  FormSlot<frmHomePageChangedAlert> homePageChangedAlert;
+
+  // What the wizard's pages leave behind.
+  WizardState wizard;
 
   frmMain& main() { return *main_; }
 
@@ -54,6 +79,10 @@ class Forms {
   void List(std::string_view name, FormSlot<FormType>& slot) {
     all_.push_back({name, [&slot]() -> Form& { return slot.Touch(); }});
   }
+
+  // The slot's factory of a page of the wizard.
+  template <typename PageType>
+  typename FormSlot<PageType>::Factory Page(const Services& services);
 
   std::unique_ptr<frmMain> main_;
   std::vector<Entry> all_;

@@ -11,12 +11,6 @@
 #include "ui/forms.h"
 
 namespace quarnel {
-namespace {
-
-// The mark that imgNext(0) carries while the results wait for the removal.
-constexpr std::string_view kResultMode = "ResultMode";
-
-}  // namespace
 
 frmMain::frmMain(Services services, Forms& forms, StartOptions startOptions)
     : Form(services.host, "frmMain"),
@@ -88,16 +82,19 @@ frmMain::frmMain(Services services, Forms& forms, StartOptions startOptions)
                     .registry = s_.platform.registry(),
                     .machine = s_.platform.machine()},
                    Effects()),
+      scheduler_({.page = schedule,
+                  .tmrScheduler = timers.tmrScheduler,
+                  .settings = s_.settings,
+                  .host = s_.host,
+                  .log = s_.log,
+                  .surroundings = *this}),
       summaryLogic_({.page = summary,
                      .options = options,
                      .schedule = schedule,
                      .results = results,
                      .settings = s_.settings}) {
+  SetBorder(BorderStyle::kSizable);
   for (size_t i = 0; i < TabStrip::kCount; ++i) {
-    const std::string index = "(" + std::to_string(i) + ")";
-    tabs.imgMainTab[i] = std::make_unique<Image>(*this, "imgMainTab" + index);
-    tabs.imgMainTabC[i] = std::make_unique<Image>(*this, "imgMainTabC" + index);
-    tabs.imgMainTabC[i]->SetVisible(false);
     tabs.imgMainTab[i]->Click = [this, i] { imgMainTab_Click(static_cast<int>(i)); };
   }
   WireScan();
@@ -105,11 +102,12 @@ frmMain::frmMain(Services services, Forms& forms, StartOptions startOptions)
   WireRemoval();
   WireMenu();
   WireTimers();
+  WireTray();
 }
 
 void frmMain::WireScan() {
   scan.ImgStartScanMouseMove.Click = [this] { controller_.ImgStartScanMouseMove_Click(); };
-  scan.ImgStartScanMouseMove.MouseDown = [this] { flags_.scheduledScanRunning = false; };
+  scan.ImgStartScanMouseMove.MouseDown = [this] { ForgetScheduledScan(); };
   scan.ImgStopScanMouseMove.Click = [this] { controller_.ImgStopScanMouseMove_Click(); };
   // A user's press takes the mark away, so that the click which follows asks.
   scan.ImgStopScanMouseMove.MouseDown = [this] { SetTag(""); };
@@ -142,18 +140,6 @@ void frmMain::WireResults() {
   results.cmdDone.Click = [this] { cmdDone_Click(); };
 }
 
-void frmMain::WireMenu() {
-  menu.mnuFClose.Click = [this] { Close(UnloadMode::kCode); };
-  menu.mnuOConfiguration.Click = [this] { imgMainTab_Click(2); };
-  menu.mnuTDefender.Click = [this] { imgMainTab_Click(1); };
-  menu.mnuTSchedule.Click = [this] { imgMainTab_Click(3); };
-  menu.mnuTLiveUpdate.Click = [this] { imgMainTab_Click(4); };
-}
-
-void frmMain::WireTimers() {
-  timers.tmrAlertEnableDisable.Tick = [this] { optionLogic_.RestoreAlertOption(); };
-}
-
 OptionEffects frmMain::Effects() {
   return {.refreshSummary = [this] { RefreshSystemSummary(); },
           .switchMemoryTimer = [this](bool on) { timers.tmrMemoryInspected.SetEnabled(on); },
@@ -181,130 +167,6 @@ Answer frmMain::Inform(std::string_view text) {
   return s_.host.MsgBox({.text = std::string(text),
                          .title = s_.settings.ApplicationName(),
                          .icon = MessageIcon::kInformation});
-}
-
-bool frmMain::DownloadRuns() const {
-  return !update.cmdDownload.Visible() && update.cmdFTPDownloadCancel.Visible();
-}
-
-void frmMain::MakeTimersEnabledOrDisableAcordingToSetting(bool leaveAlone) {
-  if (leaveAlone) return;
-  if (!bMainWindowShowing_) {
-    timers.tmrMemoryInspected.SetEnabled(options.chkMemorySheild.Checked());
-  }
-  timers.tmrScheduler.SetEnabled(schedule.chkAutomaticScanYesOrNo.Checked());
-  timers.tmrLiveUpadate.SetEnabled(options.chkEnableAutoUpdaterNotifications.Checked());
-  timers.tmrStartup.SetEnabled(options.chkStartupShield.Checked());
-}
-
-void frmMain::ChangePicOnTabClicked(const ShownPages& shown) {
-  tabs.picSpywareAdwareRightWindow.SetVisible(shown.scan);
-  tabs.PicSecondTabConfiguration.SetVisible(shown.configuration);
-  tabs.picHiJackRestore.SetVisible(shown.hijack);
-  tabs.PicFifthTabSchedule.SetVisible(shown.schedule);
-  tabs.PicSixthTabLiveUpdate.SetVisible(shown.liveUpdate);
-  tabs.picBHOLeftView.SetVisible(shown.bho);
-  update.cmdFTPDownloadCancel.SetEnabled(!(update.cmdDownload.Enabled() && shown.liveUpdate));
-  update.cmdFTPDownloadCancel.SetVisible(update.cmdFTPDownloadCancel.Enabled());
-}
-
-bool frmMain::AskToInterruptScan() {
-  if (!ScanRuns(scan)) return true;
-  const Answer answer = s_.host.MsgBox(
-      {.text = "Scanning process is in progress. Clicking [Yes] will interrupt the scanning "
-               "process. Do you want to cancel the scanning?",
-       .title = s_.settings.ApplicationName(),
-       .icon = MessageIcon::kQuestion,
-       .buttons = MessageButtons::kYesNo});
-  if (answer != Answer::kYes) return false;
-  StopScanUnasked();
-  return true;
-}
-
-void frmMain::StopScanUnasked() {
-  SetTag(kDoNotShow);
-  controller_.ImgStopScanMouseMove_Click();
-}
-
-// The question stays unasked on every path of the program, since the stop just before has left the
-// form's mark; the results page closes all the same.
-bool frmMain::AskToCloseResults() {
-  if (!results.cmdDone.Tag().empty() && !results.cmdRemoveSpywares.Tag().empty()) return true;
-  if (Tag() != kDoNotShow &&
-      s_.host.MsgBox({.text = "Scanning process has completed. Clicking [Yes] will close the "
-                              "scanned results. Do you want to proceed?",
-                      .title = s_.settings.ApplicationName(),
-                      .icon = MessageIcon::kQuestion,
-                      .buttons = MessageButtons::kYesNo}) != Answer::kYes) {
-    return false;
-  }
-  results.picSearchResultsLeftWindow.SetVisible(false);
-  results.picResultsRightWindow.SetVisible(true);
-  results.imgNext1.SetVisible(false);
-  StopScanUnasked();
-  return true;
-}
-
-void frmMain::imgMainTab_Click(int index) {
-  Reporting(s_.log, "imgMainTab_Click in frmMain", [&] {
-    if (!AskToInterruptScan()) return Form_Activate();
-    results.imgNext1.SetVisible(false);
-    StopScanUnasked();
-    if (!AskToCloseResults()) return Form_Activate();
-    SelectTab(index);
-  });
-}
-
-void frmMain::MarkTab(int index) {
-  mCurrentTab_ = index;
-  for (size_t i = 0; i < TabStrip::kCount; ++i) {
-    const bool selected = static_cast<int>(i) == index;
-    tabs.imgMainTabC[i]->SetVisible(selected);
-    tabs.imgMainTab[i]->SetVisible(!selected);
-  }
-  tabs.picSpywareAdwareLeftWindow.SetVisible(index == 0);
-  tabs.picNewsAndReport.SetVisible(index == 6);
-}
-
-void frmMain::SelectTab(int index) {
-  MarkTab(index);
-  switch (index) {
-    case 0:
-      ChangePicOnTabClicked({.scan = true});
-      if (results.imgNext0.Tag() == kResultMode) {
-        results.picResultsRightWindow.SetVisible(false);
-        results.cmdRemoveSpywares.SetVisible(true);
-        results.imgNext0.SetEnabled(false);
-        results.imgNext1.SetVisible(false);
-        for (Control* control : std::initializer_list<Control*>{
-                 &results.cmdCheckUncheckAll, &results.ImgAddToIgnoredListNormal}) {
-          control->SetVisible(true);
-          control->SetEnabled(true);
-        }
-      }
-      break;
-    case 1:
-      cmdDone_Click();
-      ChangePicOnTabClicked({.hijack = true});
-      break;
-    case 2:
-      ChangePicOnTabClicked({.configuration = true});
-      break;
-    case 3:
-      ChangePicOnTabClicked({.schedule = true});
-      break;
-    case 4:
-      ChangePicOnTabClicked({.liveUpdate = true});
-      break;
-    case 5:
-      ChangePicOnTabClicked({.bho = true});
-      break;
-    case 6:
-      ChangePicOnTabClicked({});
-      break;
-    default:
-      break;
-  }
 }
 
 void frmMain::SelectScanTab() {
@@ -349,6 +211,8 @@ void frmMain::imgNext_Click(int index) {
   });
 }
 
+void frmMain::StartScan() { controller_.ImgStartScanMouseMove_Click(); }
+
 void frmMain::cmdViewSpywareDetail_Click() {
   Reporting(s_.log, "cmdViewSpywareDetail_Click in frmMain", [&] {
     const ListView& threats = results.lvwPicRemoveListOfSpywareFoundAndToBeRemoved;
@@ -385,12 +249,6 @@ void frmMain::ImgAddToIgnoredListNormal_Click() {
                  "list.");
 }
 
-void frmMain::Minimise() {
-  if (StateOfWindow() == WindowState::kMinimised) return;
-  lblAllowBHO.SetTag(std::to_string(static_cast<int>(StateOfWindow())));
-  SetWindowState(WindowState::kMinimised);
-}
-
 void frmMain::Form_Resize() {
   if (StateOfWindow() == WindowState::kMinimised) {
     bMainWindowShowing_ = false;
@@ -411,18 +269,17 @@ void frmMain::Form_QueryUnload(bool& cancel, UnloadMode mode) {
     }
     const auto answer = static_cast<Answer>(ValLong(s_.settings.GetOther(setting::kButton)));
     if (answer == Answer::kNo) {
-      Minimise();
-      Hide();
+      HideToTray();
     } else if (answer == Answer::kCancel) {
       return;
     } else if (ScanRuns(scan)) {
       Inform("Scanning is in progress...! Please stop the scan first.");
-    } else if (DownloadRuns()) {
+    } else if (DownloadRuns(update)) {
       Inform(s_.settings.ApplicationName() +
              " is downloading latest signature. However if you wish to close the application, "
              "please click on Cancel to stop downloading.");
     } else {
-      s_.host.EndProcess();
+      EndProgram();
     }
   });
 }

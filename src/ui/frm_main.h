@@ -1,8 +1,7 @@
 #pragma once
 
 #include <array>
-#include <functional>
-#include <memory>
+#include <cstdint>
 #include <span>
 #include <string>
 #include <string_view>
@@ -19,56 +18,20 @@
 #include "scan/safe_list.h"
 #include "scan/scan_controller.h"
 #include "scan/scan_page.h"
+#include "schedule/scheduler.h"
+#include "ui/advanced_tools_page.h"
+#include "ui/hijack_page.h"
+#include "ui/news_page.h"
 #include "ui/options_page.h"
 #include "ui/services.h"
 #include "ui/summary_page.h"
+#include "ui/tab_strip.h"
+#include "ui/tray.h"
+#include "ui/update_page.h"
 
 namespace quarnel {
 
 class Forms;
-
-// The tab strip and the pages behind it.
-struct TabStrip {
-  Form& form;
-  static constexpr size_t kCount = 7;
-  std::array<std::unique_ptr<Image>, kCount> imgMainTab;   // a tab at rest
-  std::array<std::unique_ptr<Image>, kCount> imgMainTabC;  // its selected look
-  Panel picLeft{form, "picLeft"};
-
-  Panel picSpywareAdware{form, "picSpywareAdware"};
-  Panel picSpywareAdwareLeftWindow{form, "picSpywareAdwareLeftWindow"};
-  Panel picSpywareAdwareRightWindow{form, "picSpywareAdwareRightWindow"};
-  Panel picHiJackRestore{form, "picHiJackRestore"};
-  Panel PicSecondTabConfiguration{form, "PicSecondTabConfiguration"};
-  Panel PicFifthTabSchedule{form, "PicFifthTabSchedule"};
-  Panel PicSixthTabLiveUpdate{form, "PicSixthTabLiveUpdate"};
-  Panel picBHOLeftView{form, "picBHOLeftView"};
-  Panel picNewsAndReport{form, "picNewsAndReport"};
-};
-
-struct MainMenu {
-  Form& form;
-  MenuItem mnuFile{form, "mnuFile", "&File"};
-  MenuItem mnuFCheckForUpdates{form, "mnuFCheckForUpdates", "Check for Updates..."};
-  MenuItem mnuFClose{form, "mnuFClose", "&Close"};
-  MenuItem mnuOption{form, "mnuOption", "&Options"};
-  MenuItem mnuOConfiguration{form, "mnuOConfiguration", "&Configuration"};
-  MenuItem mnuTools{form, "mnuTools", "&Tools"};
-  MenuItem mnuTDefender{form, "mnuTDefender", "&Defender"};
-  MenuItem mnuTSchedule{form, "mnuTSchedule", "&Schedule"};
-  MenuItem mnuTLiveUpdate{form, "mnuTLiveUpdate", "Live Update"};
-  MenuItem mnuHelp{form, "mnuHelp", "&Help"};
-  MenuItem mnuOnlineHelp{form, "mnuOnlineHelp"};
-  MenuItem mnuHAbout{form, "mnuHAbout"};
-};
-
-// The controls of the Live Update page that the rest of the window looks at: a download runs while
-// cmdDownload is hidden and the cancel button shows.
-struct UpdatePage {
-  Form& form;
-  Button cmdDownload{form, "cmdDownload", "Download"};
-  Button cmdFTPDownloadCancel{form, "cmdFTPDownloadCancel", "Cancel"};
-};
 
 // The timers of the main window, as designed: interval and whether they start switched on.
 struct MainTimers {
@@ -87,11 +50,13 @@ struct MainTimers {
 // How the front wants the program to come up.
 struct StartOptions {
   bool showSplash = true;
+  // Whether the set-up wizard runs at the first start of a user.
+  bool runWizard = true;
 };
 
 // The one window that owns nearly all state. It is built of the pages, wires their events, and
 // leaves the work to the subsystems.
-class frmMain : public Form, private ScanSurroundings {
+class frmMain : public Form, private ScanSurroundings, private ScheduleSurroundings {
  public:
   frmMain(Services services, Forms& forms, StartOptions options);
 
@@ -105,20 +70,45 @@ class frmMain : public Form, private ScanSurroundings {
   SchedulePage schedule{*this};
   SummaryPage summary{*this};
   BackupPage backup{*this};
+  HijackPage hijack{*this};
+  AdvancedToolsPage tools{*this};
+  NewsPage news{*this};
   MainTimers timers{*this};
+  ProgressBar vbaPrgBar{*this, "vbaPrgBar", ProgressBar::Range::kLoose};
   TrayIcon trayIcon{*this, "trayIcon"};
-  // Hidden; its tag holds the window state that was in force before a minimise.
-  Label lblAllowBHO{*this, "lblAllowBHO"};
+  clsTray tray{trayIcon};
 
   // Selects a page; asks first when a scan runs.
   void imgMainTab_Click(int index);
   // Shows the scan page's result and goes on to the removal (0), or back to the summary (1).
   void imgNext_Click(int index);
   void cmdDone_Click();
+  // A scan as by a click on the start button; returns when it is over.
+  void StartScan() override;
+  // No closing message for a scheduled scan.
+  void ForgetScheduledScan() { flags_.scheduledScanRunning = false; }
+  // Stops a running scan if the user agrees; false when he does not.
+  bool InterruptScan();
+  void StopScanUnasked();
+
   // Sets the window minimised and keeps the state that it had.
   void Minimise();
+  // Takes the window off the screen, for the icon to bring it back; without a tray it is minimised.
+  void HideToTray();
+  // Shows the window in the state that it had before.
+  void RestoreFromTray();
+  // The icon's events come as movements of the mouse: `x` in twips tells which.
+  void Form_MouseMove(double x);
+  void SetTrayToolTip();
+  // Ends the program at once, icon and all.
+  void EndProgram();
+  // A transfer of the update failed for want of a connection: the window is laid out anew when the
+  // message about it looks next.
+  bool connectionFlag = false;
+  // The flag that tmrIsConnectionOk clears.
+  bool connectionIsOk = false;
+
   void MakeTimersEnabledOrDisableAcordingToSetting(bool leaveAlone) override;
-  bool DownloadRuns() const;
   // What the last click on Remove did; nothing when it came to no removal.
   const std::optional<RemovalReport>& LastRemoval() const { return removalLogic_.LastReport(); }
   // What the last scan could not read.
@@ -147,17 +137,25 @@ class frmMain : public Form, private ScanSurroundings {
   void LayScanButtons();
   void LoadSafeList();
   void BuildResultColumns();
+  void RemoveTrayIcon() { tray.RemoveIcon(); }
   void RestTimers();
   void NameMenus();
   void ShowSplash();
   void RestConnectionTimers();
   void LoadFirstPage();
+  void LoadSchedule() { scheduler_.LoadSchedule(); }
+  void ShowTransferValues();
   void GetSettingOfFormMain();
   void ShowSignatureTotals();
   void TestSignatures();
   void ReloadSafeList();
+  void ShowTrayIcon();
   void StartBrowserGuardTimer();
   void LoadUpdateCheck();
+  void BuildSummaryBalloons() { summaryLogic_.CreateBalloons(); }
+  void AddToolNodes() { tools.AddNodes(); }
+  void ShowNews();
+  void RegisterTransferComponent();
   void EmptyResultTree();
 
   // Which page shows; exactly one argument is true, or none.
@@ -168,9 +166,8 @@ class frmMain : public Form, private ScanSurroundings {
   void ChangePicOnTabClicked(const ShownPages& shown);
   void MarkTab(int index);
   void SelectTab(int index);
-  bool AskToInterruptScan();
+  void ShowResultMode();
   bool AskToCloseResults();
-  void StopScanUnasked();
 
   void WireScan();
   void WireResults();
@@ -178,12 +175,25 @@ class frmMain : public Form, private ScanSurroundings {
   RemovalSurroundings SurroundingsOfRemoval();
   void WireMenu();
   void WireTimers();
+  void WireTray();
+  void mnuFCheckForUpdates_Click();
+  void OpenMakerPageReporting(std::string_view label, std::string_view page);
+  void tmrMemoryInspected_Timer();
+  void tmrPreventChangeHomePage_Timer();
+  void tmrBHO_Timer();
+  void tmrStartup_Timer();
+  void tmrLiveUpadate_Timer();
+  void tmrIsConnectionOk_Timer();
   OptionEffects Effects();
   void cmdViewSpywareDetail_Click();
   void Command1_Click();
   void cmdRestore_Click();
   void ImgAddToIgnoredListNormal_Click();
   Answer Inform(std::string_view text);
+
+  // ScheduleSurroundings
+  bool ScanIsRunning() const override { return ScanRuns(scan); }
+  void ShowFirstPage() override { ChangePicOnTabClicked({.scan = true}); }
 
   // ScanSurroundings
   void SelectScanTab() override;
@@ -213,6 +223,7 @@ class frmMain : public Form, private ScanSurroundings {
   Removal removalLogic_;
   Restore restore_;
   Options optionLogic_;
+  Scheduler scheduler_;
   Summary summaryLogic_;
 
   std::string justAfterInstallation_ = "TRUE";
@@ -220,6 +231,9 @@ class frmMain : public Form, private ScanSurroundings {
   bool bMainWindowShowing_ = false;
   bool bSummaryLoaded_ = false;
   bool bStartupBaselineDone_ = false;
+  int minutesSinceCheck_ = 0;
+  int startupTicks_ = 0;
+  int connectionTicks_ = 0;
 };
 
 }  // namespace quarnel

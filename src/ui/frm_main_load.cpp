@@ -4,6 +4,7 @@
 #include "core/paths.h"
 #include "core/product.h"
 #include "core/startup.h"
+#include "platform/shell.h"
 #include "scan/hard_drives.h"
 #include "scan/signature_totals.h"
 #include "signatures/signature_files.h"
@@ -22,25 +23,26 @@ std::span<const frmMain::LoadStep> frmMain::LoadSteps() {
       {"timers at rest", &frmMain::RestTimers},
       {"menu captions", &frmMain::NameMenus},
       {"splash", &frmMain::ShowSplash},
-      {"tray icon of an earlier run", nullptr},
+      {"tray icon of an earlier run", &frmMain::RemoveTrayIcon},
       {"connection timers at rest", &frmMain::RestConnectionTimers},
       {"old executable, first page, drives", &frmMain::LoadFirstPage},
-      {"schedule", nullptr},
+      {"schedule", &frmMain::LoadSchedule},
       {"options", &frmMain::GetSettingOfFormMain},
       {"signature totals", &frmMain::ShowSignatureTotals},
-      {"transfer values of the update", nullptr},
+      {"transfer values of the update", &frmMain::ShowTransferValues},
       {"presence of the signatures", &frmMain::TestSignatures},
       {"safe list once more", &frmMain::ReloadSafeList},
-      {"tray icon", nullptr},
+      {"tray icon", &frmMain::ShowTrayIcon},
       {"timer of the browser guard", &frmMain::StartBrowserGuardTimer},
       {"system summary", &frmMain::RefreshSystemSummary},
       {"browser settings", nullptr},
       {"update check", &frmMain::LoadUpdateCheck},
-      {"balloons of the summary", nullptr},
+      {"balloons of the summary", &frmMain::BuildSummaryBalloons},
+      {"nodes of the tools", &frmMain::AddToolNodes},
       {"browser helper objects", nullptr},
       {"startup programs", nullptr},
-      {"news page", nullptr},
-      {"transfer component", nullptr},
+      {"news page", &frmMain::ShowNews},
+      {"transfer component", &frmMain::RegisterTransferComponent},
       {"empty result tree", &frmMain::EmptyResultTree},
   };
   return kSteps;
@@ -126,10 +128,12 @@ void frmMain::GetSettingOfFormMain() {
     forms_.splash.Unload();
     host().SetMousePointer(Pointer::kDefault);
     SetWindowState(WindowState::kNormal);
+    tray.RemoveIcon();
     Show();
   } else {
     Minimise();
     bMainWindowShowing_ = false;
+    SetTrayToolTip();
   }
 }
 
@@ -161,6 +165,17 @@ void frmMain::TestSignatures() {
   Show();
 }
 
+void frmMain::ShowTransferValues() {
+  Reporting(s_.log, "SetFileTransferProtocolValues",
+            [&] { SetFileTransferProtocolValues(update, s_.settings); });
+}
+
+void frmMain::ShowTrayIcon() {
+  tray.RemoveIcon();
+  tray.ShowIcon(*this);
+  SetTrayToolTip();
+}
+
 void frmMain::StartBrowserGuardTimer() {
   timers.tmrPreventChangeHomePage.SetInterval(Milliseconds(2000));
   timers.tmrPreventChangeHomePage.SetEnabled(true);
@@ -168,7 +183,22 @@ void frmMain::StartBrowserGuardTimer() {
 
 void frmMain::LoadUpdateCheck() { optionLogic_.LoadUpdateOptions(); }
 
-void frmMain::EmptyResultTree() { results.sfttvwResults.Clear(); }
+void frmMain::ShowNews() {
+  const std::string path = GetPathWithSlash(s_.platform.machine().ProgramFolder()) + "News.html";
+  if (!FileExists(s_.platform.files(), path)) WriteWholeFile(s_.platform.files(), path, {});
+  news.wbrNewsAndReport.Navigate(path);
+}
+
+void frmMain::RegisterTransferComponent() {
+  RegisterComponent(s_.platform.shell(), DataFolder(s_.platform.machine()) + "AbsoluteHttp.dll",
+                    true);
+}
+
+void frmMain::EmptyResultTree() {
+  vbaPrgBar.SetMin(0);
+  vbaPrgBar.SetMax(10);
+  results.sfttvwResults.Clear();
+}
 
 void frmMain::Form_Activate() {
   Reporting(s_.log, "Form_Activate of frmMain", [&] {

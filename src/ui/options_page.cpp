@@ -75,7 +75,7 @@ void Options::WireStartAndUpdate() {
   page.chkRunAtStartup.Click = [this] {
     const bool on = u_.page.chkRunAtStartup.Checked();
     u_.settings.Save(setting::kRunAtStartup, CheckText(u_.page.chkRunAtStartup));
-    WriteRunValue(on);
+    WriteRunValue(u_.registry, u_.machine, on);
     u_.page.chkMinimizeToTrayWindowAtStartup.SetEnabled(on);
   };
   page.chkMinimizeToTrayWindowAtStartup.Click = [this] {
@@ -120,13 +120,13 @@ void Options::WireClosing() {
   page.optSkipClosingAndDonotShow.Click = saveAllThree;
 }
 
-void Options::WriteRunValue(bool on) {
-  const std::string name = u_.machine.ExecutableName();
+void WriteRunValue(Registry& registry, Machine& machine, bool on) {
+  const std::string name = machine.ExecutableName();
   if (on) {
-    RegCreateKeyValue(u_.registry, hive::kLocalMachine, kRunKey, name,
-                      GetPathWithSlash(u_.machine.ProgramFolder()) + name + ".exe");
+    RegCreateKeyValue(registry, hive::kLocalMachine, kRunKey, name,
+                      GetPathWithSlash(machine.ProgramFolder()) + name + ".exe");
   } else {
-    DeleteValue(u_.registry, hive::kLocalMachine, kRunKey, name);
+    DeleteValue(registry, hive::kLocalMachine, kRunKey, name);
   }
 }
 

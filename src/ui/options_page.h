@@ -68,6 +68,9 @@ struct OptionEffects {
   Handler activeXShieldClicked;
 };
 
+// Makes the program start with Windows, or no longer.
+void WriteRunValue(Registry& registry, Machine& machine, bool on);
+
 // Loads the options from the store and writes them back at each click.
 class Options {
  public:
@@ -96,7 +99,6 @@ class Options {
   void WireShields();
   void WireStartAndUpdate();
   void WireClosing();
-  void WriteRunValue(bool on);
   void LoadLastUpdateLabel();
 
   Uses u_;

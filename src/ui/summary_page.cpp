@@ -13,6 +13,9 @@ constexpr std::array<std::string_view, 6> kRowNames = {
     "Last Spyware Scan",    "Last Spyware Scan Results",       "Spyware Scan Schedule",
     "Real-time Protection", "Last Spyware Definitions Update", "Auto-Updater Notification"};
 
+constexpr std::string_view kNoThreats = "No threats detected";
+constexpr std::string_view kInactive = "In-active";
+
 std::string Indexed(std::string_view name, size_t index) {
   return std::string(name) + "(" + std::to_string(index) + ")";
 }
@@ -24,6 +27,52 @@ SummaryRow::SummaryRow(Form& form, size_t index)
       lblSystemSummaryValue(form, Indexed("lblSystemSummaryValue", index)),
       imgSystemSummaryBigSmallBlue(form, Indexed("imgSystemSummaryBigSmallBlue", index)),
       imgSystemSummaryBigSmallRed(form, Indexed("imgSystemSummaryBigSmallRed", index)) {}
+
+SummaryPage::SummaryPage(Form& owner) : form(owner) {
+  imgUpdatesAvailable.SetVisible(false);
+  lblUpdatesAvailable.SetVisible(false);
+  lblUpdatesAvailable.SetToolTip("Click to download the latest updates.");
+}
+
+void Summary::CreateBalloons() {
+  for (size_t row = 0; row < balloons_.size(); ++row) {
+    Label& label = u_.page.rows[row].lblSystemSummaryLabel;
+    balloons_[row].SetLook({.style = ToolTipLook::Style::kBalloon,
+                            .icon = ToolTipLook::Icon::kInformation,
+                            .title = label.Caption(),
+                            .tipText = "Text"});
+    balloons_[row].Create(label);
+    label.MouseMove = [this, row] { balloons_[row].SetTipText(TipText(row)); };
+  }
+}
+
+std::string Summary::TipText(size_t row) const {
+  const std::string& value = u_.page.rows[row].lblSystemSummaryValue.Caption();
+  const std::string breaks = "\r\n\r\n";
+  switch (row) {
+    case kLastScan:
+      return "The last scan run was on " + value + "." + breaks +
+             "In order to keep your computer free of spyware it is recommended that you run a "
+             "spyware scan at least every 5 days either manually or using the spyware scan "
+             "scheduler.";
+    case kLastResults:
+      return value == kNoThreats ? value + "." : "Scan ran on: " + value + ".";
+    case kSchedule:
+      return "Your spyware scan schedule is " +
+             (value == kInactive ? value : "set to run at " + value) + "." + breaks +
+             "Use the scheduled spyware scan to check and remove spyware on a regular basis.";
+    case kProtection:
+      return value + " of 3 Security Agents are currently active." + breaks +
+             "The Security Agents help provide real-time protection against known spyware and "
+             "other malicious threats attacking your computer.";
+    case kDefinitions:
+      return value == setting::kProgramUpdated.fallback
+                 ? "Your spyware deffinitions have not been updated yet."
+                 : "Your spyware deffinitions have been updated on " + value + ".";
+    default:
+      return "AutoUpdater is currently " + value + ".";
+  }
+}
 
 void Summary::RefreshSystemSummary() {
   u_.page.lblSignatureVersion.SetCaption("Signature version: " + SignatureVersion(u_.settings));
@@ -87,7 +136,7 @@ void Summary::ShowLastResults(bool scanned) {
   const size_t count = u_.results.lvwRegistryEntriesFound.Count() +
                        u_.results.lvwTrackingCookieObjectrecognized.Count() +
                        u_.results.lvwFilesToBeDeleted.Count();
-  if (count == 0 && scanned) return ShowGood(kLastResults, "No threats detected");
+  if (count == 0 && scanned) return ShowGood(kLastResults, kNoThreats);
   ShowBad(kLastResults, count > 0 ? std::to_string(count) + " threats detected" : "N/A");
   RequireAttention();
 }
@@ -109,7 +158,7 @@ std::string Summary::ScheduleText() const {
 
 void Summary::ShowSchedule() {
   if (u_.schedule.chkAutomaticScanYesOrNo.Checked()) return ShowGood(kSchedule, ScheduleText());
-  ShowBad(kSchedule, "In-active");
+  ShowBad(kSchedule, kInactive);
   RequireAttention();
 }
 
@@ -141,7 +190,7 @@ void Summary::ShowDefinitions() {
 
 void Summary::ShowUpdater() {
   if (u_.settings.Get(setting::kNotification) == "Yes") return ShowGood(kUpdater, "Active");
-  ShowBad(kUpdater, "In-active");
+  ShowBad(kUpdater, kInactive);
   RequireAttention();
 }
 

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "controls/simple_controls.h"
+#include "controls/tool_tip.h"
 #include "core/settings.h"
 #include "scan/results.h"
 #include "schedule/schedule_page.h"
@@ -23,6 +24,8 @@ struct SummaryRow {
 
 // The first thing that the user sees: whether the machine is in a good state.
 struct SummaryPage {
+  explicit SummaryPage(Form& form);
+
   Form& form;
   Panel picSummary{form, "picSummary"};
   Panel picSummaryBase{form, "picSummaryBase"};
@@ -50,6 +53,9 @@ class Summary {
   };
   explicit Summary(const Uses& uses) : u_(uses) {}
 
+  // Gives each row's name its balloon, which tells more about the row's present value.
+  void CreateBalloons();
+
   // Raises where the stored time of the last scan is no date, which leaves the page half painted.
   void RefreshSystemSummary();
 
@@ -66,8 +72,10 @@ class Summary {
   void ShowDefinitions();
   void ShowUpdater();
   std::string ScheduleText() const;
+  std::string TipText(size_t row) const;
 
   Uses u_;
+  std::array<CToolTip, 6> balloons_;
 };
 
 }  // namespace quarnel

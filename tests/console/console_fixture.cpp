@@ -34,6 +34,12 @@ class TestProgram : public ConsoleProgram {
   }
   std::optional<RemovalReport> LastRemoval() override { return run_.removal; }
   ScanSummary Report() override { return run_.summary; }
+  std::vector<std::string> FormNames() override { return {"frmTest", "frmChild"}; }
+  bool LoadForm(std::string_view name) override {
+    if (!EqualText(name, "frmChild")) return false;
+    form_.child->Show();
+    return true;
+  }
   void Wizard() override { form_.child->ShowModal(); }
   bool Quit() override {
     return host_.MsgBox({.text = "Close?", .buttons = MessageButtons::kYesNo}) == Answer::kYes;

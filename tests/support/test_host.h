@@ -22,6 +22,8 @@ class TestHost : public Host {
   std::vector<MessageBox> messages;
   std::string clipboard;
   bool ended = false;
+  ScreenFacts screen;
+  bool hasTray = true;
 
   // Runs once inside every DoEvents, while set.
   Handler onEvents;
@@ -41,6 +43,8 @@ class TestHost : public Host {
   }
   void RunModal(Form& form) override;
   void SetClipboardText(std::string_view text) override { clipboard = text; }
+  ScreenFacts Screen() const override { return screen; }
+  bool HasTray() const override { return hasTray; }
   [[noreturn]] void EndProcess() override;
 
  protected:

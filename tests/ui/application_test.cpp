@@ -3,12 +3,8 @@
 #include <gmock/gmock.h>
 
 #include "core/inifile.h"
-#include "core/paths.h"
 #include "core/product.h"
-#include "scan/folders.h"
-#include "signatures/compiler.h"
-#include "support/platform_fixture.h"
-#include "support/test_host.h"
+#include "ui/application_fixture.h"
 
 namespace quarnel {
 namespace {
@@ -19,60 +15,8 @@ using ::testing::IsEmpty;
 using ::testing::SizeIs;
 using ::testing::StartsWith;
 
-// The whole program on a machine with a small signature set and one planted file.
-class ApplicationTest : public PlatformTest {
- protected:
-  static constexpr int kProgramFiles = 31;
-
-  ApplicationTest() {
-    // On a running system an earlier test may have left settings behind.
-    settings.SaveSetting("Registry Status", "ResetValue", "x");
-    settings.ResetRegistrySettings();
-    IgnoringErrors([&] { files().Delete(SafeListPath(machine())); });
-    Install({.files = "Any,Threat,1,31,Planted.txt,,7\n"});
-    WriteWholeFile(files(), planted, "x");
-  }
-  ~ApplicationTest() override {
-    IgnoringErrors([&] { files().Delete(planted); });
-  }
-
-  void Install(const SignatureSources& sources) {
-    for (const CompiledFile& file : CompileSet(sources).files) {
-      WriteWholeFile(files(), DataFolder(machine()) + file.name, file.bytes);
-    }
-    for (const std::string_view name : {"QNLList.dll", "QNLCritProc.dll"}) {
-      WriteWholeFile(files(), DataFolder(machine()) + std::string(name), "list\r\n");
-    }
-  }
-
-  frmMain& Start(StartOptions options = {.showSplash = false}) {
-    application = std::make_unique<Application>(platform(), host, options);
-    EXPECT_TRUE(application->Main());
-    return application->MainForm();
-  }
-
-  std::vector<std::string> Messages() const {
-    std::vector<std::string> texts;
-    for (const MessageBox& box : host.messages) texts.push_back(box.text);
-    return texts;
-  }
-  bool Ends(const std::function<void()>& action) {
-    try {
-      action();
-    } catch (const ProcessEnded&) {
-      return true;
-    }
-    return false;
-  }
-
-  std::string planted = GetFolder(machine(), kProgramFiles).front() + "Planted.txt";
-  Settings settings{registry(), "Quarnel"};
-  TestHost host;
-  std::unique_ptr<Application> application;
-};
-
 TEST_F(ApplicationTest, FreshStoreComesUpWithItsDefaults) {
-  frmMain& main = Start({.showSplash = true});
+  frmMain& main = Start({.showSplash = true, .runWizard = false});
   EXPECT_EQ(main.Caption(), "Quarnel v3.0.4");
   EXPECT_TRUE(main.Visible());
   EXPECT_THAT(host.LoadedForms(), SizeIs(1));  // the splash has gone
@@ -152,26 +96,6 @@ TEST_F(ApplicationTest, CleanMachineIsCongratulatedOnce) {
   EXPECT_TRUE(main.summary.picSummary.Visible());
 }
 
-class RunningScanTest : public ApplicationTest {
- protected:
-  RunningScanTest() {
-    std::string source;
-    for (int i = 0; i < 20; ++i) source += "Any,Threat,1,31,Planted.txt,,7\n";
-    Install({.files = source});
-  }
-
-  // Runs a whole scan with `action` once inside its event processing.
-  void ScanWith(frmMain& main, const std::function<void()>& action) {
-    host.onEvents = [&, action] {
-      if (main.scan.lblFilesFolderInspected.Caption() != "3") return;
-      host.onEvents = nullptr;
-      action();
-    };
-    main.scan.ImgStartScanMouseMove.ClickByUser();
-  }
-  size_t Found(frmMain& main) { return main.results.lvwFilesToBeDeleted.Count(); }
-};
-
 TEST_F(RunningScanTest, UsersStopAsks) {
   frmMain& main = Start();
   const auto pressStop = [&] {
@@ -246,7 +170,7 @@ TEST_F(ApplicationTest, ClosingFollowsTheAnswer) {
   EXPECT_EQ(main.options.closeOptions.Chosen(), 2);
   EXPECT_FALSE(closeWith("cmdNo", true));
   EXPECT_FALSE(main.Visible());
-  EXPECT_EQ(main.lblAllowBHO.Tag(), "0");
+  EXPECT_EQ(main.tools.lblAllowBHO.Tag(), "0");
   EXPECT_EQ(main.options.closeOptions.Chosen(), 1);
   // From now on nothing is asked.
   host.players.clear();
@@ -311,7 +235,8 @@ TEST_F(ApplicationTest, DetailAndCopyOfTheResults) {
 
 TEST_F(ApplicationTest, SecondInstanceEndsAtOnce) {
   platform().desktop().Announce(kWindowClass, "Quarnel v3.0.4");
-  application = std::make_unique<Application>(platform(), host, StartOptions{.showSplash = false});
+  application = std::make_unique<Application>(
+      platform(), host, StartOptions{.showSplash = false, .runWizard = false});
   EXPECT_FALSE(application->Main());
   EXPECT_THAT(host.LoadedForms(), IsEmpty());
   platform().desktop().Announce(kWindowClass, "");

@@ -8,12 +8,16 @@ namespace quarnel {
 namespace {
 
 constexpr std::array kCommands{
-    Command{"forms", "", command::Forms},
+    Command{"forms", "[all]", command::Forms},
+    Command{"load", "FORM", command::Load},
     Command{"controls", "[FORM]", command::Controls},
     Command{"get", "NAME [PROPERTY]", command::Get},
     Command{"set", "NAME VALUE", command::Set},
     Command{"click", "NAME [INDEX]", command::Click},
     Command{"press", "NAME [INDEX]", command::Press},
+    Command{"rightclick", "NAME [INDEX]", command::RightClick},
+    Command{"hover", "NAME [INDEX]", command::Hover},
+    Command{"mouse", "X Y", command::Mouse},
     Command{"rows", "LIST", command::Rows},
     Command{"select", "LIST ROW", command::Select},
     Command{"check", "LIST ROW 0|1", command::Check},

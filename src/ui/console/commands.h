@@ -39,11 +39,15 @@ const Command* FindCommand(std::string_view name);
 namespace command {
 
 void Forms(Session& session, Words& words);
+void Load(Session& session, Words& words);
 void Controls(Session& session, Words& words);
 void Get(Session& session, Words& words);
 void Set(Session& session, Words& words);
 void Click(Session& session, Words& words);
 void Press(Session& session, Words& words);
+void RightClick(Session& session, Words& words);
+void Hover(Session& session, Words& words);
+void Mouse(Session& session, Words& words);
 void Expect(Session& session, Words& words);
 
 void Rows(Session& session, Words& words);

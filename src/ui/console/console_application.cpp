@@ -3,9 +3,11 @@
 #include <algorithm>
 
 #include "base/runtime_error.h"
+#include "base/text.h"
 #include "platform/platform.h"
 #include "signatures/signature_files.h"
 #include "ui/application.h"
+#include "ui/wizard.h"
 
 namespace quarnel {
 namespace {
@@ -15,7 +17,7 @@ class ConsoleApplication : public ConsoleProgram {
   ConsoleApplication(Host& host, std::unique_ptr<Platform> platform)
       : host_(host),
         platform_(std::move(platform)),
-        application_(*platform_, host, {.showSplash = false}) {}
+        application_(*platform_, host, {.showSplash = false, .runWizard = false}) {}
 
   bool Start() override { return application_.Main(); }
 
@@ -60,7 +62,22 @@ class ConsoleApplication : public ConsoleProgram {
     return LoadRemovalReport(platform_->files(), platform_->machine());
   }
 
-  void Wizard() override { NotPartOfThisBuild("the wizard"); }
+  std::vector<std::string> FormNames() override {
+    std::vector<std::string> names;
+    for (const Forms::Entry& entry : application_.forms().All()) names.emplace_back(entry.name);
+    return names;
+  }
+
+  bool LoadForm(std::string_view name) override {
+    for (const Forms::Entry& entry : application_.forms().All()) {
+      if (!EqualText(entry.name, name)) continue;
+      entry.touch().Show();
+      return true;
+    }
+    return false;
+  }
+
+  void Wizard() override { RunWizard(application_.forms()); }
 
   bool Quit() override { return application_.MainForm().Close(UnloadMode::kUser); }
 

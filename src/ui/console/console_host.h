@@ -48,6 +48,9 @@ class ConsoleHost : public Host {
   // closes it. While the program starts nobody is there to use a form, so it is closed at once.
   void RunModal(Form& form) override;
   void SetClipboardText(std::string_view text) override { clipboard_ = text; }
+  // A screen of the usual size that nobody sees, with the mouse where a script has put it.
+  ScreenFacts Screen() const override { return screen_; }
+  void PlaceMouse(ScreenFacts::Point place) { screen_.mouse = place; }
   const std::string& ClipboardText() const { return clipboard_; }
 
   // The program has started, and commands follow from this player.
@@ -147,6 +150,7 @@ class ConsoleHost : public Host {
   ProgressLine* progress_ = nullptr;
   bool listens_ = false;
   std::string clipboard_;
+  ScreenFacts screen_;
   size_t line_ = 0;
   int jobs_ = 0;
   int closingJobs_ = 0;  // those of them that close forms

@@ -4,6 +4,8 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "controls/host.h"
 #include "recovery/removal_report.h"
@@ -29,6 +31,10 @@ class ConsoleProgram {
   virtual ScanSummary Report() = 0;
   // What the last removal did, also one by an earlier run; nothing when there was none.
   virtual std::optional<RemovalReport> LastRemoval() = 0;
+  // The names of all forms, loaded or not.
+  virtual std::vector<std::string> FormNames() = 0;
+  // Loads the form of this name, letter case folded, and shows it; false when there is none.
+  virtual bool LoadForm(std::string_view name) = 0;
   // The pages of the setup wizard, as a modal form.
   virtual void Wizard() = 0;
   // Closes the program as its user would, with all questions; false when it stays open.

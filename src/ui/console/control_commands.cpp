@@ -34,11 +34,24 @@ bool TakesActions(Session& session, const Target& target) {
 }
 
 void Forms(Session& session, Words& words) {
-  words.End();
+  if (words.More()) {
+    if (!EqualText(words.Next(), "all")) throw UsageError();
+    words.End();
+    for (const std::string& name : session.program.FormNames()) {
+      session.records.Write({{"name", name}});
+    }
+    return;
+  }
   for (const Form* form : session.host.LoadedForms()) {
     session.records.Write(
         {{"name", form->Name()}, {"visible", form->Visible()}, {"caption", form->Caption()}});
   }
+}
+
+void Load(Session& session, Words& words) {
+  const std::string name = words.Next();
+  words.End();
+  if (!session.program.LoadForm(name)) throw CommandError{"no form " + Quoted(name)};
 }
 
 void Controls(Session& session, Words& words) {
@@ -82,6 +95,33 @@ void Press(Session& session, Words& words) {
   // A copy, since the handler may unload the control's form.
   const Handler press = target.control->MouseDown;
   if (TakesActions(session, target) && press) press();
+}
+
+void RightClick(Session& session, Words& words) {
+  const Target target = TakeControl(session.host, words);
+  words.End();
+  if (TakesActions(session, target)) target.control->RightClickByUser();
+}
+
+void Hover(Session& session, Words& words) {
+  const Target target = TakeControl(session.host, words);
+  words.End();
+  const Handler move = target.control->MouseMove;
+  if (move) move();
+}
+
+void Mouse(Session& session, Words& words) {
+  const auto take = [&] {
+    const std::string word = words.Next();
+    const std::optional<size_t> pixels = ParseCount(word);
+    constexpr size_t kLargest = 100000;
+    if (!pixels || *pixels > kLargest) throw CommandError{"no place: " + Quoted(word)};
+    return static_cast<int>(*pixels);
+  };
+  const int x = take();
+  const int y = take();
+  words.End();
+  session.host.PlaceMouse({x, y});
 }
 
 void Expect(Session& session, Words& words) {

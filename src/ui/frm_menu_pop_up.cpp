@@ -1,0 +1,180 @@
+#include "ui/frm_menu_pop_up.h"
+
+#include <string>
+
+#include "base/text.h"
+#include "ui/frm_main.h"
+#include "ui/maker_pages.h"
+#include "ui/slide_in.h"
+
+namespace quarnel {
+namespace {
+
+constexpr ScreenArea kDesign{.width = 3300, .height = 4600};
+constexpr int kStepUp = 200;
+
+enum Picture { kOff = 1, kOn = 2 };
+
+}  // namespace
+
+frmMenuPopUp::frmMenuPopUp(Services services, frmMain& main)
+    : Form(services.host, "frmMenuPopUp"),
+      s_(services),
+      main_(main),
+      rows_{&mnuMaxmimaize,   &mnuScanNow,      &MNUSchedule,     &mnuOptions,
+            &mnuCookieSheild, &mnuRunAtStartup, &mnuMemorySheild, &mnuHelp,
+            &mnuAbout,        &mnuReferAFriend, &mnuClose},
+      cookies_{setting::kScanCookies, PicMnuCookieSheild, lblMnuCookieSheild},
+      runAtStartup_{setting::kRunAtStartup, PicMenuRunAtStartUp, lblMenuRunAtStartUp},
+      memory_{setting::kMemorySheildOn, PicMenuMemorySheild, lblMenuMemorySheild} {
+  SetBorder(BorderStyle::kNone);
+  SetShowInTaskbar(false);
+  SetPlace(kDesign);
+  WireRows();
+  WireTimers();
+}
+
+void frmMenuPopUp::Wire(Clickable& control, std::string_view label, std::function<void()> handler) {
+  control.Click = [this, label, handler = std::move(handler)] {
+    Reporting(s_.log, std::string(label) + "_Click of frmMenuPopUp", handler);
+  };
+}
+
+void frmMenuPopUp::WireRows() {
+  for (MenuItem* row : rows_) row->MouseMove = [this, row] { Highlight(row); };
+  imgMenuPopupAbove.MouseMove = [this] { Highlight(nullptr); };
+  imgMenuPopupBelow.MouseMove = [this] { Highlight(nullptr); };
+
+  Wire(mnuMaxmimaize, "mnuMaxmimaize", [this] {
+    ShowMainWindow();
+    Done();
+  });
+  Wire(mnuScanNow, "mnuScanNow", [this] { mnuScanNow_Click(); });
+  Wire(MNUSchedule, "MNUSchedule", [this] { ShowTab(3); });
+  Wire(mnuOptions, "mnuOptions", [this] { ShowTab(2); });
+  Wire(mnuCookieSheild, "mnuCookieSheild", [this] { TurnOver(cookies_); });
+  Wire(mnuRunAtStartup, "mnuRunAtStartup", [this] { mnuRunAtStartup_Click(); });
+  Wire(mnuMemorySheild, "mnuMemorySheild", [this] { mnuMemorySheild_Click(); });
+  Wire(mnuHelp, "mnuHelp", [this] { OpenMakerPage(s_, maker_page::kQuestions); });
+  Wire(mnuAbout, "mnuAbout", [this] { OpenMakerPage(s_, maker_page::kAbout); });
+  Wire(mnuReferAFriend, "mnuReferAFriend",
+       [this] { OpenMakerPage(s_, maker_page::kReferAFriend); });
+  Wire(mnuClose, "mnuClose", [this] { mnuClose_Click(); });
+  Wire(lblMenuClose, "lblMenuClose", [this] { Done(); });
+}
+
+void frmMenuPopUp::WireTimers() {
+  const auto wire = [this](Timer& timer, std::string_view label, auto work) {
+    timer.Tick = [this, label, work] { Reporting(s_.log, label, work); };
+  };
+  wire(tmrMenuPopup, "tmrMenuPopup_Timer of frmMenuPopUp", [this] { tmrMenuPopup_Timer(); });
+  wire(TmrEnablePopDown, "TmrEnablePopDown_Timer of frmMenuPopUp", [this] {
+    TmrEnablePopDown.SetEnabled(false);
+    tmrPopDown.SetEnabled(true);
+  });
+  wire(tmrPopDown, "tmrPopDown_Timer of frmMenuPopUp", [this] { tmrPopDown_Timer(); });
+}
+
+void frmMenuPopUp::Form_Load() {
+  Reporting(s_.log, "Form_Load of frmMenuPopUp", [&] {
+    SetCaption(s_.settings.ApplicationName());
+    tmrPopDown.SetEnabled(false);
+    TmrEnablePopDown.SetEnabled(false);
+    const bool scans = ScanRuns(main_.scan) && main_.scan.ImgStopScanMouseMove.Visible();
+    mnuScanNow.SetEnabled(!scans && !DownloadRuns(main_.update));
+    for (const Toggle* toggle : {&memory_, &runAtStartup_, &cookies_}) Paint(*toggle);
+    PlaceAndShow();
+  });
+}
+
+void frmMenuPopUp::PlaceAndShow() {
+  ScreenArea place = Place();
+  const SlidePlan plan = MenuPlan(host().Screen(), place.width, place.height);
+  place.left = plan.left;
+  place.top = plan.top;
+  mPopupTarget_ = plan.target;
+  SetPlace(place);
+  Show();
+  tmrMenuPopup.SetEnabled(true);
+  SetTopMostWindow(*this, true);
+}
+
+void frmMenuPopUp::tmrMenuPopup_Timer() {
+  Show();
+  if (!SlideArrived(Place().top, mPopupTarget_)) return MoveTop(*this, -kStepUp);
+  tmrMenuPopup.SetEnabled(false);
+  TmrEnablePopDown.SetEnabled(true);
+}
+
+// The mouse over the window holds it; the timer goes on.
+void frmMenuPopUp::tmrPopDown_Timer() {
+  Show();
+  if (MouseOver(host().Screen(), Place())) return;
+  MoveTop(*this, kSlideDownStep);
+  if (!SlidDown(Place().top)) return;
+  tmrPopDown.SetEnabled(false);
+  Done();
+}
+
+void frmMenuPopUp::Highlight(const MenuItem* row) {
+  for (MenuItem* each : rows_) each->SetHighlighted(each == row);
+}
+
+void frmMenuPopUp::Paint(const Toggle& toggle) {
+  const bool on = ToBoolean(s_.settings.GetOther(toggle.setting));
+  toggle.picture.SetPicture(on ? kOn : kOff);
+  toggle.label.SetCaption(on ? "on" : "off");
+}
+
+bool frmMenuPopUp::TurnOver(const Toggle& toggle) {
+  const bool on = !ToBoolean(s_.settings.GetForToggle(toggle.setting));
+  s_.settings.Save(toggle.setting, BooleanText(on));
+  Paint(toggle);
+  return on;
+}
+
+void frmMenuPopUp::ShowMainWindow() {
+  main_.RestoreFromTray();
+  mnuMaxmimaize.SetEnabled(false);
+}
+
+void frmMenuPopUp::mnuScanNow_Click() {
+  ShowMainWindow();
+  Done();
+  main_.ForgetScheduledScan();
+  main_.StartScan();
+}
+
+void frmMenuPopUp::ShowTab(int index) {
+  if (ScanRuns(main_.scan) && !main_.InterruptScan()) return;
+  main_.RestoreFromTray();
+  main_.imgMainTab_Click(index);
+  Done();
+}
+
+void frmMenuPopUp::mnuRunAtStartup_Click() {
+  WriteRunValue(s_.platform.registry(), s_.platform.machine(), TurnOver(runAtStartup_));
+}
+
+void frmMenuPopUp::mnuMemorySheild_Click() {
+  const bool on = TurnOver(memory_);
+  s_.settings.Save(setting::kMemorySheildOff, BooleanText(!on));
+  main_.timers.tmrMemoryInspected.SetEnabled(on);
+}
+
+void frmMenuPopUp::mnuClose_Click() {
+  main_.Show();
+  if (!mnuScanNow.Enabled() && !main_.InterruptScan()) return;
+  const Answer answer = s_.host.MsgBox({.text = "Are you sure you want to close this application?",
+                                        .title = s_.settings.ApplicationName(),
+                                        .icon = MessageIcon::kQuestion,
+                                        .buttons = MessageButtons::kYesNo});
+  if (answer == Answer::kYes) return main_.EndProgram();
+  main_.Minimise();
+  main_.SetTrayToolTip();
+  main_.timers.tmrMemoryInspected.SetEnabled(
+      ToBoolean(s_.settings.GetOther(setting::kMemorySheildOn)));
+  Done();
+}
+
+}  // namespace quarnel

@@ -1,0 +1,33 @@
+#include "ui/frm_wizard4.h"
+
+#include "base/text.h"
+
+namespace quarnel {
+
+frmWizard4::frmWizard4(const WizardUses& uses)
+    : WizardPage(uses, "frmWizard4", "Ready to Scan Your PC for Spyware",
+                 "Thank you for completing the Setup Wizard.") {
+  // Ticked as designed, before its click can write anything: loading a ticked setting then leaves
+  // the store alone.
+  chkScanSchedule.SetValue(1);
+  chkScanSchedule.Click = [this] { SaveSchedule(); };
+  // The next page is the program itself.
+  cmdNext.SetVisible(false);
+  cmdEnterapplicationNow.Click = [this] {
+    SaveSchedule();
+    Leave(wizard_action::kStart);
+  };
+}
+
+void frmWizard4::Form_Load() {
+  WizardPage::Form_Load();
+  // Here the scan is on unless the store says otherwise.
+  constexpr SettingKey kKey = setting::kAutomaticScan;
+  chkScanSchedule.SetValue(ValLong(settings().GetSetting(kKey.section, kKey.key, "1")));
+}
+
+void frmWizard4::SaveSchedule() {
+  settings().Save(setting::kAutomaticScan, std::to_string(chkScanSchedule.Value()));
+}
+
+}  // namespace quarnel

@@ -1,0 +1,34 @@
+#include "ui/update_page.h"
+
+#include "base/date_time.h"
+#include "base/runtime_error.h"
+
+namespace quarnel {
+
+UpdatePage::UpdatePage(Form& owner) : form(owner) {
+  lblFTPStatus.SetVisible(false);
+  pgbFTP.SetVisible(false);
+  // The transfers are not part of the program yet.
+  cmdDownload.Click = [this] {
+    lblFTPStatus.SetCaption("This version of the program cannot download updates.");
+    lblFTPStatus.SetVisible(true);
+  };
+}
+
+bool DownloadRuns(const UpdatePage& page) {
+  return !page.cmdDownload.Visible() && page.cmdFTPDownloadCancel.Visible();
+}
+
+void SetFileTransferProtocolValues(UpdatePage& page, const Settings& settings) {
+  page.lblTransferInfo.SetVisible(false);
+  const auto show = [](TextBox& box, const std::string& stored) {
+    if (stored == setting::kSignaturesUpdated.fallback) return box.SetText("[NOT UPDATED YET]");
+    const auto moment = ParseDate(stored);
+    if (!moment) throw RuntimeError(ErrorNumber::kTypeMismatch);
+    box.SetText(" " + FormatDate(*moment, "mmm dd, yyyy at hh:nn:ss AMPM"));
+  };
+  show(page.txtFTPExecutableZIPFile, settings.GetOther(setting::kProgramUpdated));
+  show(page.txtFTPSignatureZIPFile, settings.Get(setting::kSignaturesUpdated));
+}
+
+}  // namespace quarnel

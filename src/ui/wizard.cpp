@@ -1,0 +1,40 @@
+#include "ui/wizard.h"
+
+#include <array>
+#include <functional>
+
+#include "ui/forms.h"
+
+namespace quarnel {
+
+bool IsFirstStart(const Settings& settings) {
+  constexpr std::string_view kAbsent = "(absent)";
+  for (const SettingKey* key : {&setting::kJustAfterInstallation, &setting::kNotification}) {
+    if (settings.GetSetting(key->section, key->key, kAbsent) != kAbsent) return false;
+  }
+  return true;
+}
+
+void RunWizard(Forms& forms) {
+  const std::array<std::function<Form&()>, 5> pages = {
+      [&]() -> Form& { return forms.wizard1.Touch(); },
+      [&]() -> Form& { return forms.wizard2.Touch(); },
+      [&]() -> Form& { return forms.wizard3.Touch(); },
+      [&]() -> Form& { return forms.wizard7.Touch(); },
+      [&]() -> Form& { return forms.wizard4.Touch(); }};
+  std::string& action = forms.wizard.mWizardAction;
+  for (size_t page = 0; page < pages.size();) {
+    action = wizard_action::kExit;  // what a page leaves that is closed without a button
+    pages[page]().ShowModal();
+    if (action == wizard_action::kNext || action == wizard_action::kSkip) {
+      ++page;
+    } else if (action == wizard_action::kBack && page > 0) {
+      --page;
+    } else {
+      break;
+    }
+  }
+  forms.spywareDefinitions.Unload();
+}
+
+}  // namespace quarnel

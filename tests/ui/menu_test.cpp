@@ -1,0 +1,192 @@
+#include <gmock/gmock.h>
+
+#include "ui/application_fixture.h"
+#include "ui/slide_in.h"
+
+namespace quarnel {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+constexpr double kRightButtonUp = 7755.0;
+constexpr double kDoubleClick = 7725.0;
+
+class MenuTest : public RunningScanTest {
+ protected:
+  frmMenuPopUp& OpenMenu(frmMain& main) {
+    main.trayIcon.RightClick();
+    return application->forms().menuPopUp.Touch();
+  }
+  bool MenuIsOpen() { return application->forms().menuPopUp.IsLoaded(); }
+  std::string Stored(std::string_view key) {
+    return settings.GetSetting("OptionAndSettings", key, "(absent)");
+  }
+};
+
+TEST_F(MenuTest, IconStandsFromTheStartOn) {
+  frmMain& main = Start();
+  EXPECT_TRUE(main.trayIcon.Visible());
+  EXPECT_EQ(main.trayIcon.Tip(), "Quarnel vQuarnel v3.0.4");
+  main.tray.ChangeToolTip(std::string(63, 'x') + "\xC3\xA4");
+  EXPECT_EQ(main.trayIcon.Tip(), std::string(63, 'x'));  // no half character
+  main.tray.ChangeIcon(main.scan.imgPause);
+  EXPECT_EQ(main.trayIcon.Picture(), "imgPause");
+  main.tray.RemoveIcon();
+  main.tray.ChangeToolTip("gone");
+  main.Form_MouseMove(kRightButtonUp);
+  EXPECT_NE(main.trayIcon.Tip(), "gone");
+  EXPECT_FALSE(MenuIsOpen());
+  main.tray.ShowIcon(main);
+  EXPECT_EQ(main.trayIcon.Tip(), main.Caption());
+}
+
+TEST_F(MenuTest, DoubleClickBringsTheWindowBackAsItWas) {
+  frmMain& main = Start();
+  main.SetWindowState(WindowState::kMaximised);
+  main.HideToTray();
+  EXPECT_FALSE(main.Visible());
+  main.Form_MouseMove(kDoubleClick);
+  EXPECT_TRUE(main.Visible());
+  EXPECT_EQ(main.StateOfWindow(), WindowState::kMaximised);
+}
+
+TEST_F(MenuTest, WithoutATrayTheWindowIsOnlyMinimised) {
+  host.hasTray = false;
+  frmMain& main = Start();
+  EXPECT_TRUE(main.menu.mnuFTrayMenu.Visible());
+  main.HideToTray();
+  EXPECT_TRUE(main.Visible());
+  EXPECT_EQ(main.StateOfWindow(), WindowState::kMinimised);
+  main.menu.mnuFTrayMenu.ClickByUser();
+  EXPECT_TRUE(MenuIsOpen());
+}
+
+TEST_F(MenuTest, SlidesUpWaitsAndSlidesDown) {
+  frmMain& main = Start();
+  host.screen.mouse = {500, 760};
+  frmMenuPopUp& menu = OpenMenu(main);
+  EXPECT_TRUE(menu.Visible());
+  EXPECT_TRUE(menu.TopMost());
+  EXPECT_EQ(menu.Place().top, 11020);
+  EXPECT_EQ(menu.Place().left, 7350);
+  host.Advance(Milliseconds(100));
+  EXPECT_EQ(menu.Place().top, 6420);  // the first one at or above 6436
+  EXPECT_FALSE(menu.tmrMenuPopup.Enabled());
+  host.screen.mouse = {510, 500};  // over the menu, which now stays
+  host.Advance(Milliseconds(20000));
+  EXPECT_EQ(menu.Place().top, 6420);
+  host.screen.mouse = {10, 10};
+  host.Advance(Milliseconds(100));
+  EXPECT_EQ(menu.Place().top, 6420 + 50 * kSlideDownStep);
+  host.Advance(Milliseconds(1000));
+  EXPECT_FALSE(MenuIsOpen());
+}
+
+TEST_F(MenuTest, RowsLightUpUnderTheMouse) {
+  frmMenuPopUp& menu = OpenMenu(Start());
+  const auto lit = [&] {
+    std::vector<std::string> names;
+    for (const MenuItem* row : menu.Rows()) {
+      if (row->Highlighted()) names.push_back(row->Name());
+    }
+    return names;
+  };
+  menu.mnuOptions.MouseMove();
+  menu.mnuAbout.MouseMove();
+  EXPECT_THAT(lit(), ElementsAre("mnuAbout"));
+  menu.imgMenuPopupBelow.MouseMove();
+  EXPECT_THAT(lit(), IsEmpty());
+}
+
+TEST_F(MenuTest, TogglesWriteTheirWordsAndRepaint) {
+  frmMain& main = Start();
+  frmMenuPopUp& menu = OpenMenu(main);
+  EXPECT_EQ(menu.lblMenuMemorySheild.Caption(), "on");
+  EXPECT_EQ(menu.PicMenuMemorySheild.Picture(), 2);
+  menu.mnuMemorySheild.ClickByUser();
+  EXPECT_EQ(Stored("optMemorySheildOn"), "False");
+  EXPECT_EQ(Stored("optMemorySheildOff"), "True");
+  EXPECT_EQ(menu.lblMenuMemorySheild.Caption(), "off");
+  EXPECT_EQ(menu.PicMenuMemorySheild.Picture(), 1);
+  EXPECT_FALSE(main.timers.tmrMemoryInspected.Enabled());
+  menu.mnuMemorySheild.ClickByUser();
+  EXPECT_EQ(Stored("optMemorySheildOn"), "True");
+  EXPECT_TRUE(main.timers.tmrMemoryInspected.Enabled());
+
+  menu.mnuCookieSheild.ClickByUser();
+  EXPECT_EQ(Stored("chkScanCookies"), "False");
+
+  const auto runs = [&] {
+    RegistryValue value;
+    return QueryValue(registry(), hive::kLocalMachine,
+                      "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Run",
+                      machine().ExecutableName(), value);
+  };
+  const bool before = runs();
+  menu.mnuRunAtStartup.ClickByUser();
+  EXPECT_NE(runs(), before);
+  menu.mnuRunAtStartup.ClickByUser();
+  EXPECT_EQ(runs(), before);
+}
+
+TEST_F(MenuTest, ToggleOfAnAbsentSettingStartsFromItsOwnFallback) {
+  Start();
+  // Read as on by the row and as off by the toggle: the first click turns it on.
+  DeleteValue(registry(), hive::kCurrentUser,
+              "Software\\VB and VBA Program Settings\\Quarnel\\OptionAndSettings",
+              "chkScanCookies");
+  frmMenuPopUp& menu = OpenMenu(application->MainForm());
+  EXPECT_EQ(menu.lblMnuCookieSheild.Caption(), "on");
+  menu.mnuCookieSheild.ClickByUser();
+  EXPECT_EQ(Stored("chkScanCookies"), "True");
+}
+
+TEST_F(MenuTest, RowsOpenTheWindowAndScan) {
+  frmMain& main = Start();
+  main.HideToTray();
+  OpenMenu(main).mnuOptions.ClickByUser();
+  EXPECT_TRUE(main.Visible());
+  EXPECT_TRUE(main.tabs.PicSecondTabConfiguration.Visible());
+  EXPECT_FALSE(MenuIsOpen());
+  OpenMenu(main).MNUSchedule.ClickByUser();
+  EXPECT_TRUE(main.tabs.PicFifthTabSchedule.Visible());
+  main.HideToTray();
+  OpenMenu(main).mnuScanNow.ClickByUser();
+  EXPECT_TRUE(main.Visible());
+  EXPECT_EQ(Found(main), 20U);
+  OpenMenu(main).lblMenuClose.ClickByUser();
+  EXPECT_FALSE(MenuIsOpen());
+}
+
+TEST_F(MenuTest, RunningScanIsAskedFor) {
+  frmMain& main = Start();
+  ScanWith(main, [&] {
+    frmMenuPopUp& menu = OpenMenu(main);
+    EXPECT_FALSE(menu.mnuScanNow.Enabled());
+    host.answers = {Answer::kNo, Answer::kNo};
+    menu.mnuOptions.ClickByUser();
+    menu.mnuClose.ClickByUser();
+    EXPECT_TRUE(MenuIsOpen());
+    EXPECT_TRUE(ScanRuns(main.scan));
+    host.answers = {Answer::kYes, Answer::kNo};
+    menu.mnuClose.ClickByUser();  // stops the scan, but does not close
+  });
+  EXPECT_LT(Found(main), 20U);
+  EXPECT_FALSE(MenuIsOpen());
+  EXPECT_EQ(main.StateOfWindow(), WindowState::kMinimised);
+  EXPECT_EQ(host.messages.back().text, "Are you sure you want to close this application?");
+  host.answers = {Answer::kYes};
+  EXPECT_TRUE(Ends([&] { OpenMenu(main).mnuClose.ClickByUser(); }));
+  EXPECT_FALSE(main.trayIcon.Visible());
+}
+
+TEST_F(MenuTest, DownloadHoldsTheScanBack) {
+  frmMain& main = Start();
+  main.update.cmdDownload.SetVisible(false);
+  main.update.cmdFTPDownloadCancel.SetVisible(true);
+  EXPECT_FALSE(OpenMenu(main).mnuScanNow.Enabled());
+}
+
+}  // namespace
+}  // namespace quarnel
