@@ -80,7 +80,8 @@ frmMain::frmMain(Services services, Forms& forms, StartOptions startOptions)
                     .scan = scan,
                     .settings = s_.settings,
                     .registry = s_.platform.registry(),
-                    .machine = s_.platform.machine()},
+                    .machine = s_.platform.machine(),
+                    .log = s_.log},
                    Effects()),
       scheduler_({.page = schedule,
                   .tmrScheduler = timers.tmrScheduler,
@@ -252,7 +253,11 @@ void frmMain::ImgAddToIgnoredListNormal_Click() {
 void frmMain::Form_Resize() {
   if (StateOfWindow() == WindowState::kMinimised) {
     bMainWindowShowing_ = false;
-  } else if (StateOfWindow() == WindowState::kNormal) {
+    return;
+  }
+  // The desktop minimises windows, too, and tells nobody what they were before.
+  KeepWindowState();
+  if (StateOfWindow() == WindowState::kNormal) {
     SetShowInTaskbar(true);
     bMainWindowShowing_ = true;
     Form_Activate();

@@ -176,6 +176,7 @@ class frmMain : public Form, private ScanSurroundings, private ScheduleSurroundi
   void WireMenu();
   void WireTimers();
   void WireTray();
+  void KeepWindowState();
   void mnuFCheckForUpdates_Click();
   void OpenMakerPageReporting(std::string_view label, std::string_view page);
   void tmrMemoryInspected_Timer();

@@ -33,8 +33,12 @@ void frmMain::SetTrayToolTip() {
 
 void frmMain::Minimise() {
   if (StateOfWindow() == WindowState::kMinimised) return;
-  tools.lblAllowBHO.SetTag(std::to_string(static_cast<int>(StateOfWindow())));
+  KeepWindowState();
   SetWindowState(WindowState::kMinimised);
+}
+
+void frmMain::KeepWindowState() {
+  tools.lblAllowBHO.SetTag(std::to_string(static_cast<int>(StateOfWindow())));
 }
 
 void frmMain::HideToTray() {

@@ -24,6 +24,25 @@ Options::Options(const Uses& uses, OptionEffects effects) : u_(uses), effects_(s
   WireShields();
   WireStartAndUpdate();
   WireClosing();
+  ReportFailures();
+}
+
+void Options::ReportFailures() {
+  const auto wrap = [this](auto&... controls) {
+    const auto wrapOne = [this](auto& control) {
+      control.Click = [this, label = control.Name() + "_Click in frmMain",
+                       click = std::move(control.Click)] { Reporting(u_.log, label, click); };
+    };
+    (wrapOne(controls), ...);
+  };
+  OptionsPage& page = u_.page;
+  wrap(page.chkScanRegitry, page.chkScanMemory, page.chkScanCookies, page.chkDeepScan,
+       page.chkMemorySheild, page.chkStartupShield, page.chkSelfDownloadingActivex,
+       page.chkDisplayHijakRestoreAlerts, page.chkAlertsBlocksSpywareAdware,
+       page.chkReportLorrimesh, page.chkRunAtStartup, page.chkMinimizeToTrayWindowAtStartup,
+       page.chkEnableAutoUpdaterNotifications, page.cmbHours, page.optOnClose0, page.optOnClose1,
+       page.optCloseOptions0, page.optCloseOptions1, page.optCloseOptions2, page.optShowAlways,
+       page.optCloseAllIEAndDonotShowIfFuture, page.optSkipClosingAndDonotShow);
 }
 
 void Options::WireScanOptions() {

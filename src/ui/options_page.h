@@ -81,6 +81,7 @@ class Options {
     Settings& settings;
     Registry& registry;
     Machine& machine;
+    ErrorLog& log;
   };
   Options(const Uses& uses, OptionEffects effects);
 
@@ -99,6 +100,8 @@ class Options {
   void WireShields();
   void WireStartAndUpdate();
   void WireClosing();
+  // What fails in a click is logged, and the click is over.
+  void ReportFailures();
   void LoadLastUpdateLabel();
 
   Uses u_;

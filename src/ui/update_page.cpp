@@ -1,9 +1,13 @@
 #include "ui/update_page.h"
 
 #include "base/date_time.h"
-#include "base/runtime_error.h"
 
 namespace quarnel {
+namespace {
+
+constexpr std::string_view kUpdateMoment = "mmm dd, yyyy at hh:nn:ss AMPM";
+
+}  // namespace
 
 UpdatePage::UpdatePage(Form& owner) : form(owner) {
   lblFTPStatus.SetVisible(false);
@@ -24,8 +28,8 @@ void SetFileTransferProtocolValues(UpdatePage& page, const Settings& settings) {
   const auto show = [](TextBox& box, const std::string& stored) {
     if (stored == setting::kSignaturesUpdated.fallback) return box.SetText("[NOT UPDATED YET]");
     const auto moment = ParseDate(stored);
-    if (!moment) throw RuntimeError(ErrorNumber::kTypeMismatch);
-    box.SetText(" " + FormatDate(*moment, "mmm dd, yyyy at hh:nn:ss AMPM"));
+    // What is no date is shown as it stands.
+    box.SetText(" " + (moment ? FormatDate(*moment, kUpdateMoment) : stored));
   };
   show(page.txtFTPExecutableZIPFile, settings.GetOther(setting::kProgramUpdated));
   show(page.txtFTPSignatureZIPFile, settings.Get(setting::kSignaturesUpdated));

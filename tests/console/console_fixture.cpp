@@ -85,6 +85,8 @@ frmTest::frmTest(Host& host) : Form(host, "frmTest") {
     Log("closed ");
     if (chkOn.Checked()) this->host().MsgBox({.text = "After"});
   };
+  imgTab0.MouseMove = [this] { Log("over0 "); };
+  icon.RightClick = [this] { Log("menu "); };
   cmdWork.Click = [this] { Work(); };
   cmdStop.Click = [this] { stop_ = true; };
   cmdRaise.Click = [] { throw RuntimeError(ErrorNumber::kFileNotFound, "x.dll"); };

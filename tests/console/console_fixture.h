@@ -10,6 +10,7 @@
 #include "controls/list_view.h"
 #include "controls/simple_controls.h"
 #include "controls/timer.h"
+#include "controls/tray_icon.h"
 #include "controls/tree_view.h"
 #include "ui/console/run_console.h"
 
@@ -48,6 +49,7 @@ class frmTest : public Form {
   Image imgTab0{*this, "imgTab(0)"};
   Image imgTab1{*this, "imgTab(1)"};
   CheckBox chkOn{*this, "chkOn"};
+  TrayIcon icon{*this, "icon"};
   TextBox txtIn{*this, "txtIn"};
   ListView lvwRows{*this, "lvwRows", {"A", "B", "C"}};
   TreeView tvwTree{*this, "tvwTree"};

@@ -40,6 +40,15 @@ INSTANTIATE_TEST_SUITE_P(
         ScriptCase{"Comments", "\xEF\xBB\xBF# one\n\n  # two\r\nget lblShared # three\r\n",
                    "ours\n"},
         ScriptCase{"Forms", "forms", "frmTest\t1\tTest form\n"},
+        ScriptCase{"FormsThatCanBeLoaded", "forms all\nload FRMCHILD\nget lblChild\nforms",
+                   "frmTest\nfrmChild\nchild\nfrmTest\t1\tTest form\nfrmChild\t1\t\n"},
+        ScriptCase{"LoadUnknownForm", "load frmNone", "", "1: no form \"frmNone\"\n", 1},
+        ScriptCase{"MouseOverAndRightClick",
+                   "hover imgTab 0\nhover lblCount\nrightclick icon\nmouse 20 30\nget lblLog",
+                   "over0 menu \n"},
+        ScriptCase{"RightClickWhereNoneIsTaken", "rightclick cmdTell", "",
+                   "1: Invalid procedure call or argument: cmdTell takes no right click\n", 1},
+        ScriptCase{"MouseNowhere", "mouse 20 x", "", "1: no place: \"x\"\n", 1},
         ScriptCase{"ControlsOfForm", "click cmdModal\ncontrols frmchild",
                    "frmChild.lblChild\tLabel\t1\t1\tchild\n"
                    "frmChild.lblShared\tLabel\t1\t1\ttheirs\n"

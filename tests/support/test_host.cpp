@@ -17,12 +17,14 @@ TestHost::TestHost() : Host(clock_), clock_(Start()) {}
 
 Answer TestHost::MsgBox(const MessageBox& box) {
   messages.push_back(box);
-  DoEvents();
+  // A box that a timer shows on top of this one takes the next answer.
+  std::optional<Answer> answer;
   if (!answers.empty()) {
-    const Answer answer = answers.front();
+    answer = answers.front();
     answers.pop_front();
-    return answer;
   }
+  DoEvents();
+  if (answer) return *answer;
   if (box.buttons != MessageButtons::kOk) ADD_FAILURE() << "no answer for: " << box.text;
   return box.buttons == MessageButtons::kOk ? Answer::kOk : Answer::kCancel;
 }

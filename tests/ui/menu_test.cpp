@@ -49,6 +49,10 @@ TEST_F(MenuTest, DoubleClickBringsTheWindowBackAsItWas) {
   main.Form_MouseMove(kDoubleClick);
   EXPECT_TRUE(main.Visible());
   EXPECT_EQ(main.StateOfWindow(), WindowState::kMaximised);
+  // The desktop's own minimise is remembered as well.
+  main.SetWindowState(WindowState::kMinimised);
+  main.Form_MouseMove(kDoubleClick);
+  EXPECT_EQ(main.StateOfWindow(), WindowState::kMaximised);
 }
 
 TEST_F(MenuTest, WithoutATrayTheWindowIsOnlyMinimised) {

@@ -84,10 +84,6 @@ class ConsoleApplication : public ConsoleProgram {
   void End() override { host_.EndProcess(); }
 
  private:
-  [[noreturn]] static void NotPartOfThisBuild(std::string_view what) {
-    throw RuntimeError(ErrorNumber::kInvalidCall, std::string(what) + " is not part of this build");
-  }
-
   Host& host_;
   std::unique_ptr<Platform> platform_;
   Application application_;

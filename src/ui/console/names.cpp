@@ -32,6 +32,9 @@ std::optional<std::string> Target::Property(std::string_view name) const {
   if (name == "visible") return FlagText(form->Visible());
   if (name == "tag") return form->Tag();
   if (name == "windowstate") return std::to_string(static_cast<int>(form->StateOfWindow()));
+  if (name == "left") return std::to_string(form->Place().left);
+  if (name == "top") return std::to_string(form->Place().top);
+  if (name == "topmost") return FlagText(form->TopMost());
   if (name == "showintaskbar") return FlagText(form->ShowInTaskbar());
   if (name == "type") return "Form";
   if (name == "revision") return std::to_string(form->Revision());
