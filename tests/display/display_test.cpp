@@ -134,7 +134,7 @@ class DisplayTest : public PlatformTest {
   }
 
   static constexpr int kPatience = 30;
-  static constexpr StartOptions kOptions = {.showSplash = false};
+  static constexpr StartOptions kOptions = {.showSplash = false, .runWizard = false};
   std::string planted = GetFolder(machine(), kProgramFiles).front() + "Planted.txt";
   Settings settings{registry(), "Quarnel"};
   std::unique_ptr<SlowHost> host;
