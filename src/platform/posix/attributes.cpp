@@ -3,10 +3,12 @@
 #include <sys/xattr.h>
 
 #include <array>
+#include <cerrno>
 #include <charconv>
 #include <string_view>
 
 #include "platform/files.h"
+#include "platform/posix/system_error.h"
 
 namespace quarnel {
 namespace {
@@ -31,15 +33,19 @@ uint32_t StoredAttributes(const std::string& hostPath) {
 
 void StoreAttributes(const std::string& hostPath, uint32_t attributes) {
   attributes &= kStored;
+  // A file system without extended attributes refuses, which is no failure of the caller's.
+  const auto raise = [&hostPath] {
+    if (errno != ENOTSUP && errno != EPERM) RaiseErrno(errno, hostPath);
+  };
   if (attributes == 0) {
-    lremovexattr(hostPath.c_str(), kName);
+    if (lremovexattr(hostPath.c_str(), kName) != 0 && errno != ENODATA) raise();
     return;
   }
   std::array<char, 16> buffer = {'0', 'x'};
   const auto [end, error] =
       std::to_chars(buffer.data() + 2, buffer.data() + buffer.size(), attributes, 16);
-  // A file system without extended attributes refuses, which is no failure of the caller's.
-  lsetxattr(hostPath.c_str(), kName, buffer.data(), static_cast<size_t>(end - buffer.data()), 0);
+  const auto length = static_cast<size_t>(end - buffer.data());
+  if (lsetxattr(hostPath.c_str(), kName, buffer.data(), length, 0) != 0) raise();
 }
 
 }  // namespace quarnel

@@ -10,7 +10,8 @@ namespace quarnel {
 // On a file system without extended attributes they are not kept, and read as none.
 uint32_t StoredAttributes(const std::string& hostPath);
 
-// Takes the four bits out of `attributes`.
+// Takes the four bits out of `attributes`. Raises RuntimeError where the file system keeps them but
+// could not now.
 void StoreAttributes(const std::string& hostPath, uint32_t attributes);
 
 }  // namespace quarnel

@@ -1,0 +1,127 @@
+// What the program keeps for itself is old or new, wherever it is killed and whatever fails.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <functional>
+#include <iostream>
+
+#include "base/text.h"
+#include "core/paths.h"
+#include "core/settings.h"
+#include "platform/machine_folder.h"
+#include "proof/posix_proof_machine.h"
+#include "scan/safe_list.h"
+#include "support/test_host.h"
+
+namespace quarnel {
+namespace {
+
+using Kind = Intervention::Kind;
+
+constexpr int kSettings = 12;
+
+class StateProof : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    if (const std::string reason = WhyNoTracing(); !reason.empty()) GTEST_SKIP() << reason;
+    CreateMachine(original.Path(), {});
+  }
+
+  TracedRun Run(const std::function<int(Platform&)>& work, const Intervention& intervention) {
+    machine.BecomeCopyOf(original);
+    return RunTraced([&] { return work(*OpenPlatform(machine.Path())); }, intervention);
+  }
+
+  // Does the work with every kind of trouble and lets each result be checked.
+  void Prove(const std::function<int(Platform&)>& work,
+             const std::function<void(const TracedRun&)>& check) {
+    const size_t calls = Run(work, {}).calls;
+    ASSERT_GT(calls, 10U);
+    for (const Kind kind : {Kind::kKill, Kind::kTear, Kind::kFail, Kind::kFailFromThen}) {
+      for (const Intervention& intervention : Interventions(kind, ENOSPC, calls, 15)) {
+        const TracedRun run = Run(work, intervention);
+        SCOPED_TRACE(Describe(intervention, run));
+        const bool kills = kind == Kind::kKill || kind == Kind::kTear;
+        EXPECT_EQ(run.Crashed(), kills) << run.signal << run.output;
+        check(run);
+      }
+    }
+  }
+
+  ProofFolder original;
+  ProofFolder machine;
+};
+
+std::string KeyOf(int number) { return "Key " + std::to_string(number); }
+
+TEST_F(StateProof, EachSettingIsOldOrNew) {
+  const std::string old(3000, 'o');
+  const std::string fresh(5000, 'n');
+  {
+    const auto platform = OpenPlatform(original.Path());
+    Settings settings(platform->registry(), "Quarnel");
+    for (int i = 0; i < kSettings; ++i) settings.SaveSetting("Proof", KeyOf(i), old);
+  }
+  const auto save = [&](Platform& platform) {
+    Settings settings(platform.registry(), "Quarnel");
+    for (int i = 0; i < kSettings; ++i) {
+      const bool saved = IgnoringErrors([&] { settings.SaveSetting("Proof", KeyOf(i), fresh); });
+      std::cout << (saved ? "saved\n" : "failed\n") << std::flush;
+    }
+    return 0;
+  };
+  Prove(save, [&](const TracedRun& run) {
+    const std::vector<std::string> told = Split(run.output, "\n");
+    const auto platform = OpenPlatform(machine.Path());
+    const Settings settings(platform->registry(), "Quarnel");
+    for (size_t i = 0; i < kSettings; ++i) {
+      const std::string value = settings.GetSetting("Proof", KeyOf(static_cast<int>(i)), "none");
+      EXPECT_TRUE(value == old || value == fresh) << i << ": " << value;
+      const std::string answer = i < told.size() ? told[i] : std::string();
+      if (answer.empty()) continue;
+      EXPECT_EQ(value, answer == "saved" ? fresh : old) << i;
+    }
+  });
+}
+
+TEST_F(StateProof, TheSafeListIsOldOrNew) {
+  const std::string program = OpenPlatform(original.Path())->machine().ProgramFolder();
+  const std::string path = GetPathWithSlash(program) + std::string(kSafeListFile);
+  std::vector<std::string> states = {"C:\\old one^Threat^Threat\r\nC:\\old two^Threat^Threat\r\n"};
+  WriteWholeFile(OpenPlatform(original.Path())->files(), path, states.front());
+  for (const char* trace : {"C:\\a", "C:\\b", "C:\\c"}) {
+    states.push_back(states.back() + trace + "^New^New\r\n");
+  }
+  states.push_back("C:\\old two^Threat^Threat\r\n");
+  const auto change = [&](Platform& platform) {
+    TestHost host;
+    Form form(host, "frmMain");
+    ListView list(form, "lvwIgnoredSpywares", {"Trace", "Threat", "Company"});
+    ErrorLog log(platform.files(), platform.machine(), host, "Quarnel");
+    SafeList safe(platform.files(), log);
+    for (const char* trace : {"C:\\a", "C:\\b", "C:\\c"}) {
+      safe.AddIgnoredSpywaresTolvw(path, "New", trace, "New", true, list);
+    }
+    list.Clear();
+    list.Add({.text = "C:\\old two", .subItems = {"Threat", "Threat"}});
+    safe.Rewrite(path, list);
+    return 0;
+  };
+  Prove(change, [&](const TracedRun& run) {
+    const std::string text = ReadWholeFile(OpenPlatform(machine.Path())->files(), path);
+    if (run.Crashed()) {
+      EXPECT_NE(std::find(states.begin(), states.end(), text), states.end()) << text;
+    }
+    // Where an addition failed the later ones follow what stood before it.
+    for (const std::string& line : Split(text, "\r\n")) {
+      EXPECT_TRUE(line.empty() || Split(line, "^").size() == 3) << text;
+    }
+    EXPECT_TRUE(text.ends_with("\r\n") && text.find("C:\\old two^Threat^Threat\r\n") != text.npos)
+        << text;
+  });
+}
+
+}  // namespace
+}  // namespace quarnel

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <string>
+#include <string_view>
+
+namespace quarnel {
+
+// What happens to a child's system calls that change something on the disk.
+struct Intervention {
+  enum class Kind {
+    kNone,
+    kKill,          // the child is killed at the call, which is not done
+    kTear,          // the child is killed when half of the bytes are written, or the call is done
+    kFail,          // the call fails
+    kFailFromThen,  // that and every further one
+  };
+  Kind kind = Kind::kNone;
+  size_t at = 0;  // the call, counted from 1
+  int error = 0;  // errno of a failing call
+};
+
+struct TracedRun {
+  size_t calls = 0;   // writing calls that were counted
+  int exitCode = -1;  // -1 when the child did not end by itself
+  int signal = 0;     // what killed it
+  std::string place;  // the call of the intervention: its name and what it is about
+  std::string output;
+
+  bool Crashed() const { return signal != 0; }
+};
+
+// Whether this system lets one process steer another's calls. The reason when it does not.
+std::string WhyNoTracing();
+
+// Runs `program` in a child, whose exit code it gives, and counts the writing calls of all its
+// threads; those before the first one about a path with `from` in it do not count. Its standard
+// output is kept, its standard error is lost, and writing to either is no counted call.
+TracedRun RunTraced(const std::function<int()>& program, const Intervention& intervention,
+                    std::string_view from = {});
+
+}  // namespace quarnel
