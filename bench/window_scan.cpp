@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <vector>
 
+#include "core/paths.h"
 #include "idle_host.h"
 #include "scan/folders.h"
 #include "signatures/compiler.h"

@@ -1,10 +1,12 @@
 // The windows on a real display, driven by real mouse and keyboard events. With
-// QUARNEL_PICTURES set to a folder, pictures of all windows are left there.
+// QUARNEL_PICTURES set to a folder, pictures of the windows are asked for there
+// (tools/make-window-pictures).
 
 #include <gmock/gmock.h>
 #include <wx/uiaction.h>
 
 #include <cstdlib>
+#include <fstream>
 
 #include "core/paths.h"
 #include "display/robot.h"
@@ -124,13 +126,13 @@ class DisplayTest : public PlatformTest {
     const char* folder = std::getenv("QUARNEL_PICTURES");
     if (folder == nullptr || WindowOf(form) == nullptr) return;
     Settle();
+    // Who asked for pictures takes them from outside, and deletes the request.
+    const std::string request = std::string(folder) + "/" + name + ".request";
     const wxRect place = WindowOf(form)->Window()->GetScreenRect();
-    wxBitmap picture(place.GetSize());
-    wxScreenDC screen;
-    wxMemoryDC memory(picture);
-    memory.Blit(wxPoint(0, 0), place.GetSize(), &screen, place.GetPosition());
-    memory.SelectObject(wxNullBitmap);
-    picture.SaveFile(wxString(folder) + "/" + name + ".png", wxBITMAP_TYPE_PNG);
+    std::ofstream(request) << place.width << 'x' << place.height << '+' << place.x << '+' << place.y
+                           << std::endl;
+    Until("the picture", [request] { return !std::ifstream(request).is_open(); });
+    Run();
   }
 
   static constexpr int kPatience = 30;

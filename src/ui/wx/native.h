@@ -9,6 +9,9 @@ namespace quarnel::native {
 // Makes a toggle button one of a tab strip: without a frame, picture and text at the left.
 void MakeTab(wxToggleButton& tab);
 
+// Gives a tab its look of a selected or resting one, beside its state as a button.
+void ShowTab(wxToggleButton& tab, bool selected);
+
 // Makes a button flat, its text at the left.
 void MakeRow(wxButton& row);
 

@@ -100,6 +100,7 @@ class TabBinding : public Binding {
   bool Update() override {
     const bool selected = !control().Visible();
     if (tab_->GetValue() != selected) tab_->SetValue(selected);
+    native::ShowTab(*tab_, selected);
     return false;
   }
   bool ShownInLayout() const override { return true; }

@@ -1,5 +1,7 @@
 // Labels in all their looks, and pictures.
 
+#include <algorithm>
+
 #include "controls/simple_controls.h"
 #include "ui/wx/bindings/binding.h"
 #include "ui/wx/icons.h"
@@ -26,7 +28,13 @@ class LabelBinding : public Binding {
     }
     text_ = new wxStaticText(around, wxID_ANY, "", wxDefaultPosition, wxDefaultSize, style);
     text_->SetFont(theme::FontOf(parent->GetFont(), role_));
-    if (role_ == Role::kPath) text_->SetMinSize({1, -1});
+    if (role_ == Role::kPath || role_ == Role::kTitle) text_->SetMinSize({1, -1});
+    if (role_ == Role::kTitle) {
+      text_->Bind(wxEVT_SIZE, [this](wxSizeEvent& event) {
+        event.Skip();
+        WrapTitle();
+      });
+    }
     if (layout.width > 0) text_->SetMinSize({metrics::Scaled(*text_, layout.width), -1});
     wrapWidth_ = metrics::Scaled(*text_, layout.width > 0 ? layout.width : metrics::kReadableWidth);
     Attach(mouse ? around : text_);
@@ -56,6 +64,11 @@ class LabelBinding : public Binding {
       return false;
     }
     text_->SetLabelText(ToWx(shown_));
+    if (role_ == Role::kTitle) {
+      titleWidth_ = 0;
+      WrapTitle();
+      return false;
+    }
     if (role_ == Role::kWrapped) text_->Wrap(wrapWidth_);
     text_->InvalidateBestSize();
     const wxSize best = text_->GetBestSize();
@@ -64,10 +77,26 @@ class LabelBinding : public Binding {
   }
 
  private:
+  // A title takes as many lines as its place needs.
+  void WrapTitle() {
+    const int width = text_->GetSize().x;
+    const int line = text_->GetTextExtent(ToWx(shown_)).y;
+    if (width != titleWidth_) {
+      titleWidth_ = width;
+      text_->SetLabelText(ToWx(shown_));
+      if (width > line) text_->Wrap(width);
+    }
+    const int height = std::max(line, text_->GetBestSize().y);
+    if (text_->GetMinSize().y == height) return;
+    text_->SetMinSize({1, height});
+    text_->CallAfter([text = text_] { wxGetTopLevelParent(text)->SendSizeEvent(); });
+  }
+
   Label& label_;
   Role role_;
   wxStaticText* text_;
   int wrapWidth_ = 0;
+  int titleWidth_ = 0;
   std::string shown_;
 };
 

@@ -17,6 +17,9 @@ void AlignLeft(GtkWidget* button) {
 
 void MakeTab(wxToggleButton& tab) { AlignLeft(tab.GetHandle()); }
 
+// The desktop's theme marks a button that is held down.
+void ShowTab(wxToggleButton&, bool) {}
+
 void MakeRow(wxButton& row) { AlignLeft(row.GetHandle()); }
 
 void SetAccessibleName(wxWindow& widget, const wxString& name) {

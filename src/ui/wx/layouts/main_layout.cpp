@@ -138,11 +138,12 @@ Layout Counters() {
   });
 }
 
+// Narrow enough for the smallest window, row by row.
 Layout Results() {
   return Column({
       Row({Text("Threats and their traces").As(Role::kHeading), Spring(),
-           Text("Traces:").As(Role::kMuted), Put("txtAdwareSpyware").As(Role::kStrong)})
-          .Gap(kTightGap),
+           Text("Traces:").As(Role::kMuted), Put("txtAdwareSpyware").As(Role::kStrong),
+           Put("chkSelectAllDetectedSpywares"), Put("cmdCheckUncheckAll")}),
       Put("vbatvwResults")
           .Called("Threats and their traces")
           .Ticks()
@@ -151,23 +152,22 @@ Layout Results() {
               {{"Command1", "&Copy results"}, {"ImgAddToIgnoredListNormal", "&Add to safe list"}}),
       Row({
               Put("txtSpywareDescription").Called("Description").High(kTextHeight).Grow(1),
-              Put("lvwPicRemoveListOfSpywareFoundAndToBeRemoved").Called("Threats").Grow(1),
+              Put("lvwPicRemoveListOfSpywareFoundAndToBeRemoved")
+                  .Called("Threats")
+                  .High(kTextHeight)
+                  .Grow(1),
           })
           .Grow(1)
           .On("picSearchResultsLeftWindow"),
       Row({
-              Put("chkSelectAllDetectedSpywares"),
-              Put("chkDoNotShowIgnoredItem"),
-              Spring(),
-              Put("chkCreateRestore"),
-          })
-          .Gap(kWideGap),
-      Row({
-          Put("cmdCheckUncheckAll"),
           Put("cmdIgnoredSpyware"),
           Put("ImgAddToIgnoredListNormal").Called("Add to safe &list").With("safe"),
           Put("Command1").With("copy"),
           Put("cmdViewSpywareDetail"),
+          Spring(),
+      }),
+      Row({
+          Put("chkCreateRestore"),
           Spring(),
           Put("imgNext(1)").Called("&Back").With("back"),
           Put("imgNext(0)").Called("&Next").With("next"),
@@ -222,8 +222,9 @@ Layout Page(std::string_view panel, std::string_view title, std::string_view exp
 
 Layout OptionsLayout() {
   Layout left = Column({
-      Card("Scan", {Put("chkScanRegitry"), Put("chkScanMemory"), Put("chkScanCookies"),
-                    Put("chkDeepScan"), Put("lvwHardDrives").Called("Drives").Ticks()}),
+      Card("Scan",
+           {Put("chkScanRegitry"), Put("chkScanMemory"), Put("chkScanCookies"), Put("chkDeepScan"),
+            Put("chkDoNotShowIgnoredItem"), Put("lvwHardDrives").Called("Drives").Ticks()}),
       Card("When the window is closed",
            {Put("optCloseOptions(0)"), Put("optCloseOptions(1)"), Put("optCloseOptions(2)")}),
       Card("Open browsers at a removal",
@@ -326,14 +327,17 @@ FormLayout MainLayout() {
   return {
       .form = "frmMain",
       .kind = WindowKind::kMain,
-      .content = Row({
-                         Tabs(),
-                         Column({ScanPageLayout(), DefenderLayout(), OptionsLayout(),
-                                 ScheduleLayout(), UpdateLayout(), AdvancedLayout(), NewsLayout()})
-                             .Gap(kNoGap)
-                             .Grow(),
-                     })
-                     .Gap(kNoGap),
+      .content =
+          Row({
+                  Tabs(),
+                  Column({ScanPageLayout(), DefenderLayout(), OptionsLayout(), ScheduleLayout(),
+                          UpdateLayout(), AdvancedLayout(),
+                          // Until a tab is chosen the first page covers this one.
+                          Column({NewsLayout()}).Unless("picSpywareAdwareRightWindow").Grow()})
+                      .Gap(kNoGap)
+                      .Grow(),
+              })
+              .Gap(kNoGap),
       .menus = {{"mnuFile", {"mnuFCheckForUpdates", "mnuFTrayMenu", "", "mnuFClose"}},
                 {"mnuOption", {"mnuOConfiguration"}},
                 {"mnuTools", {"mnuTDefender", "mnuTSchedule", "mnuTLiveUpdate"}},

@@ -2,6 +2,8 @@
 
 #include <wx/access.h>
 
+#include "ui/wx/theme.h"
+
 namespace quarnel::native {
 namespace {
 
@@ -21,9 +23,15 @@ class NamedAccessible : public wxAccessible {
 
 }  // namespace
 
-// The toolkit itself sees to both there.
-void MakeTab(wxToggleButton&) {}
-void MakeRow(wxButton&) {}
+// A button with a colour is drawn by the toolkit, which leaves the frame out where none is wanted.
+void MakeTab(wxToggleButton& tab) { ShowTab(tab, false); }
+
+void ShowTab(wxToggleButton& tab, bool selected) {
+  const wxColour colour = selected ? theme::SelectedTab() : theme::Page();
+  if (tab.GetBackgroundColour() != colour) tab.SetBackgroundColour(colour);
+}
+
+void MakeRow(wxButton& row) { row.SetBackgroundColour(theme::Page()); }
 
 void SetAccessibleName(wxWindow& widget, const wxString& name) {
   widget.SetAccessible(new NamedAccessible(&widget, name));
