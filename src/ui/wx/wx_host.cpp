@@ -15,10 +15,11 @@ namespace {
 constexpr Milliseconds kFrame(33);
 // While a handler works, input is looked for at least this often: an answer to a click within a
 // tenth of a second.
-constexpr Milliseconds kLongestPumpPause(70);
-constexpr Milliseconds kShortestPumpPause(20);
-// Event processing takes at most one part in this many of a working handler's time.
-constexpr int kPumpShare = 20;
+constexpr Milliseconds kPumpPause(50);
+// Showing changes takes at most one part in this many of a working handler's time, as long as the
+// window does not stand still for longer than this.
+constexpr int kShowShare = 20;
+constexpr Milliseconds kLongestShowPause(400);
 constexpr Milliseconds kWatchPause(500);
 // Of the next pump: events are being processed.
 constexpr Milliseconds kNoPump = Milliseconds::max();
@@ -54,7 +55,7 @@ void WxHost::Act(const Handler& action) {
     const Depth depth(depth_);
     // A handler that was called by event processing may itself need some.
     const Milliseconds outerPump = nextPump_;
-    if (nextPump_ == kNoPump) nextPump_ = Now() + kShortestPumpPause;
+    if (nextPump_ == kNoPump) nextPump_ = Now() + kPumpPause;
     try {
       action();
     } catch (const ProcessEnded&) {
@@ -100,7 +101,7 @@ void WxHost::Arm() {
   const Milliseconds now = clock().Ticks();
   Milliseconds pause = kWatchPause;
   if (const auto next = NextDue()) pause = std::min(pause, *next - now);
-  if (Now() - lastSync_ < kFrame) pause = std::min(pause, kFrame - (Now() - lastSync_));
+  if (nextShow_ > Now()) pause = std::min(pause, nextShow_ - Now());
   timer_.StartOnce(static_cast<int>(std::max(pause, Milliseconds(1)).count()));
 }
 
@@ -117,22 +118,24 @@ void WxHost::Pump() {
   // Events that come meanwhile must not start another round.
   nextPump_ = kNoPump;
   const Milliseconds start = Now();
-  SyncIfDue();
+  const bool shows = start >= nextShow_;
+  if (shows) Sync();
   loop->YieldFor(wxEVT_CATEGORY_ALL);
   const Milliseconds end = Now();
-  nextPump_ = end + std::clamp((end - start) * kPumpShare, kShortestPumpPause, kLongestPumpPause);
+  if (shows) nextShow_ = end + std::clamp((end - start) * kShowShare, kFrame, kLongestShowPause);
+  nextPump_ = end + kPumpPause;
 }
 
 // ---- windows -----------------------------------------------------------------------------------
 
 void WxHost::SyncIfDue() {
-  if (Now() - lastSync_ >= kFrame) Sync();
+  if (Now() >= nextShow_) Sync();
 }
 
 void WxHost::Sync() {
   if (syncing_ || ended_) return;
   syncing_ = true;
-  lastSync_ = Now();
+  nextShow_ = Now() + kFrame;
   const std::vector<Form*> forms = LoadedForms();
   for (Form* form : forms) {
     if (form->Visible() && WindowOf(*form) == nullptr) {

@@ -79,7 +79,7 @@ class WxHost : public Host {
   };
   std::vector<ModalLoop> modal_;
   Milliseconds nextPump_{0};
-  Milliseconds lastSync_{0};
+  Milliseconds nextShow_{0};
   Milliseconds lastWatch_{0};
   int depth_ = 0;
   bool syncing_ = false;
