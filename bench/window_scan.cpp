@@ -74,11 +74,11 @@ int Measure(int rounds) {
   Prepare(*platform);
   RealClock clock;
   IdleHost idle(clock);
-  Application without(*platform, idle, {.showSplash = false});
+  Application without(*platform, idle, {.showSplash = false, .runWizard = false});
   without.Main();
 
   BenchHost host([](const std::string&) { return std::string(); });
-  Application with(*platform, host, {.showSplash = false});
+  Application with(*platform, host, {.showSplash = false, .runWizard = false});
   std::vector<double> plain;
   std::vector<double> shown;
   wxGUIEventLoop loop;
