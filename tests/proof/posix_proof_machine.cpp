@@ -191,6 +191,9 @@ std::string_view Environment(const char* name) {
   return value == nullptr ? std::string_view() : std::string_view(value);
 }
 
+constexpr std::string_view kKindNames[] = {"undisturbed", "killed", "torn", "failing",
+                                           "failing on from"};
+
 unsigned Seed() {
   static const unsigned seed = [] {
     const std::string_view given = Environment("QUARNEL_PROOF_SEED");
@@ -345,6 +348,8 @@ std::vector<Intervention> Interventions(Intervention::Kind kind, int error, size
   const bool all = Environment("QUARNEL_PROOF") == "all";
   const size_t points = all ? calls : std::min(sample, calls);
   std::mt19937 random(Seed() + static_cast<unsigned>(kind) * 1000 + static_cast<unsigned>(error));
+  std::cout << kKindNames[static_cast<size_t>(kind)] << ", error " << error << ": " << points
+            << " of " << calls << " calls\n";
   std::vector<Intervention> interventions;
   for (size_t i = 0; i < points; ++i) {
     const size_t begin = calls * i / points;
@@ -356,9 +361,7 @@ std::vector<Intervention> Interventions(Intervention::Kind kind, int error, size
 }
 
 std::string Describe(const Intervention& intervention, const TracedRun& run) {
-  constexpr std::string_view kKinds[] = {"undisturbed", "killed", "torn", "failing",
-                                         "failing on from"};
-  return std::string(kKinds[static_cast<size_t>(intervention.kind)]) + " at call " +
+  return std::string(kKindNames[static_cast<size_t>(intervention.kind)]) + " at call " +
          std::to_string(intervention.at) + ", error " + std::to_string(intervention.error) + ": " +
          run.place;
 }

@@ -123,5 +123,25 @@ TEST_F(StateProof, TheSafeListIsOldOrNew) {
   });
 }
 
+TEST_F(StateProof, AttributesAreStoredOrTheFailureIsTold) {
+  using namespace file_attribute;
+  const std::string path = "C:\\file";
+  WriteWholeFile(OpenPlatform(original.Path())->files(), path, "x");
+  const auto change = [&](Platform& platform) {
+    for (const uint32_t attributes : {kHidden, kNormal, kSystem | kReadOnly, kArchive}) {
+      if (!IgnoringErrors([&] { platform.files().SetAttributes(path, attributes); })) return 0;
+      std::cout << attributes << ' ' << platform.files().Stat(path)->attributes << std::endl;
+    }
+    return 0;
+  };
+  Prove(change, [&](const TracedRun& run) {
+    if (run.output.starts_with("uncaught: ")) return;  // the machine could not be opened
+    for (const std::string& line : Split(run.output, "\n")) {
+      const std::vector<std::string> words = Split(line, " ");
+      EXPECT_TRUE(words.size() < 2 || words[0] == words[1]) << "set, and found: " << line;
+    }
+  });
+}
+
 }  // namespace
 }  // namespace quarnel
