@@ -87,6 +87,7 @@ TEST_F(RestoreProof, NamesWhatItCouldNotBringBackWhateverFails) {
         EXPECT_FALSE(run.Crashed()) << run.signal << run.output;
         // A machine that could not be opened was not restored, and its user knows.
         if (run.output.starts_with("uncaught: ")) continue;
+        EXPECT_EQ(run.exitCode, 0) << run.output;
         const std::vector<std::string> told = Split(run.output, "\n");
         for (const std::string& trace : Lost()) {
           // Of a key each key and value of it is an item.

@@ -45,6 +45,8 @@ class StateProof : public ::testing::Test {
         SCOPED_TRACE(Describe(intervention, run));
         const bool kills = kind == Kind::kKill || kind == Kind::kTear;
         EXPECT_EQ(run.Crashed(), kills) << run.signal << run.output;
+        EXPECT_TRUE(kills || run.exitCode == 0 || run.output.starts_with("uncaught: "))
+            << run.exitCode;
         check(run);
       }
     }
