@@ -27,7 +27,11 @@ std::unique_ptr<ListedFolder> Files::OpenFolder(std::string_view folder) {
 }
 
 void Files::FlushAll(std::span<const std::string> paths) {
-  for (const std::string& path : paths) Open(path, OpenMode::kReadWrite)->Flush();
+  for (const std::string& path : paths) {
+    // Opening it would make it.
+    if (!Stat(path)) throw RuntimeError(ErrorNumber::kFileNotFound, path);
+    Open(path, OpenMode::kReadWrite)->Flush();
+  }
 }
 
 std::string ReadWholeFile(Files& files, std::string_view path, uint64_t limit) {
