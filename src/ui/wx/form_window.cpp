@@ -40,7 +40,7 @@ bool IsBox(const Layout& layout) {
 // A box that needs a window of its own: it has a surface, or comes and goes as a whole.
 bool NeedsWindow(const Layout& layout) {
   using Kind = Layout::Kind;
-  return !layout.shownBy.empty() || layout.kind == Kind::kCard || layout.kind == Kind::kScroll ||
+  return !layout.shownWhile.empty() || layout.kind == Kind::kCard || layout.kind == Kind::kScroll ||
          layout.kind == Kind::kSplit;
 }
 
@@ -149,7 +149,7 @@ bool FormWindow::IsField(const Layout& layout) const {
 
 void FormWindow::CollectNames(const Layout& layout) {
   if (!layout.name.empty()) named_.push_back(layout.name);
-  if (!layout.shownBy.empty()) named_.push_back(layout.shownBy);
+  for (const ShownWhile& shown : layout.shownWhile) named_.push_back(shown.control);
   for (const auto& [control, text] : layout.menu) named_.push_back(control);
   for (const Layout& item : layout.items) CollectNames(item);
 }
@@ -239,11 +239,13 @@ wxWindow* FormWindow::BuildBox(wxWindow* parent, const Layout& layout) {
   auto* outer = new wxBoxSizer(wxVERTICAL);
   Fill(window, *outer, layout);
   window->SetSizer(outer);
-  if (!layout.shownBy.empty()) {
-    if (const Control* control = form_->Find(layout.shownBy)) {
-      conditions_.push_back({window, control, layout.shownWhenHidden});
+  Condition condition{window, {}};
+  for (const ShownWhile& shown : layout.shownWhile) {
+    if (const Control* control = form_->Find(shown.control)) {
+      condition.controls.emplace_back(control, shown.visible);
     }
   }
+  if (!condition.controls.empty()) conditions_.push_back(std::move(condition));
   return window;
 }
 
@@ -337,10 +339,16 @@ void FormWindow::Sync() {
   syncing_ = false;
 }
 
+bool FormWindow::Condition::Holds() const {
+  return std::all_of(controls.begin(), controls.end(), [](const auto& control) {
+    return control.first->Visible() == control.second;
+  });
+}
+
 bool FormWindow::SyncConditions() {
   bool moved = false;
   for (const Condition& condition : conditions_) {
-    const bool shown = condition.control->Visible() != condition.shownWhenHidden;
+    const bool shown = condition.Holds();
     if (condition.box->IsShown() == shown) continue;
     condition.box->Show(shown);
     moved = true;

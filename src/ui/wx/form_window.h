@@ -41,11 +41,12 @@ class FormWindow {
   bool Places(const Control& control) const;
 
  private:
-  // A box that is there while a control is visible, or while it is not.
+  // A box that is there while each of the controls is visible or not, as it says.
   struct Condition {
     wxWindow* box;
-    const Control* control;
-    bool shownWhenHidden;
+    std::vector<std::pair<const Control*, bool>> controls;
+
+    bool Holds() const;
   };
   struct MenuEntry {
     MenuItem* control;

@@ -24,6 +24,12 @@ enum class Role {
   kWrapped,  // a text of several lines
 };
 
+// Whether a control is visible, as a condition.
+struct ShownWhile {
+  std::string control;
+  bool visible;
+};
+
 // What a form looks like: boxes in boxes, whose leaves name controls. Nothing here is a length;
 // those stand in metrics.h.
 struct Layout {
@@ -55,8 +61,7 @@ struct Layout {
   bool ticks = false;  // rows have check boxes
   int width = 0;       // at least this wide, or high
   int height = 0;
-  std::string shownBy = {};  // the control by whose visibility a box is shown
-  bool shownWhenHidden = false;
+  std::vector<ShownWhile> shownWhile = {};  // a box is there while all of these hold
   std::vector<std::pair<std::string, std::string>> menu = {};  // context menu: control, text
   std::vector<Layout> items = {};
 
@@ -74,9 +79,11 @@ struct Layout {
   Layout&& Wide(int pixels) && { return width = pixels, std::move(*this); }
   Layout&& High(int pixels) && { return height = pixels, std::move(*this); }
   // The box is there while the control `control` is visible, or while it is not.
-  Layout&& On(std::string_view control) && { return shownBy = control, std::move(*this); }
+  Layout&& On(std::string_view control) && {
+    return shownWhile.push_back({std::string(control), true}), std::move(*this);
+  }
   Layout&& Unless(std::string_view control) && {
-    return shownBy = control, shownWhenHidden = true, std::move(*this);
+    return shownWhile.push_back({std::string(control), false}), std::move(*this);
   }
   Layout&& Menu(std::vector<std::pair<std::string, std::string>> entries) && {
     return menu = std::move(entries), std::move(*this);

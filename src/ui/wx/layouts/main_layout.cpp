@@ -327,17 +327,16 @@ FormLayout MainLayout() {
   return {
       .form = "frmMain",
       .kind = WindowKind::kMain,
-      .content =
-          Row({
-                  Tabs(),
-                  Column({ScanPageLayout(), DefenderLayout(), OptionsLayout(), ScheduleLayout(),
-                          UpdateLayout(), AdvancedLayout(),
-                          // Until a tab is chosen the first page covers this one.
-                          Column({NewsLayout()}).Unless("picSpywareAdwareRightWindow").Grow()})
-                      .Gap(kNoGap)
-                      .Grow(),
-              })
-              .Gap(kNoGap),
+      .content = Row({
+                         Tabs(),
+                         Column({ScanPageLayout(), DefenderLayout(), OptionsLayout(),
+                                 ScheduleLayout(), UpdateLayout(), AdvancedLayout(),
+                                 // Until a tab is chosen the first page covers this one.
+                                 NewsLayout().Unless("picSpywareAdwareRightWindow")})
+                             .Gap(kNoGap)
+                             .Grow(),
+                     })
+                     .Gap(kNoGap),
       .menus = {{"mnuFile", {"mnuFCheckForUpdates", "mnuFTrayMenu", "", "mnuFClose"}},
                 {"mnuOption", {"mnuOConfiguration"}},
                 {"mnuTools", {"mnuTDefender", "mnuTSchedule", "mnuTLiveUpdate"}},
