@@ -171,6 +171,54 @@ TEST_F(DisplayTest, TabsAreClickedAndEachPageShowsItsControls) {
   }
 }
 
+TEST_F(DisplayTest, EachFormOpensAndPlacesItsControls) {
+  frmMain& main = Start();
+  for (const auto& entry : application->forms().All()) {
+    SCOPED_TRACE(entry.name);
+    Form* form = nullptr;
+    host->Act([&] {
+      form = &entry.touch();
+      form->Show();
+    });
+    host->Sync();
+    const FormWindow* window = WindowOf(*form);
+    ASSERT_NE(window, nullptr);
+    ExpectInStep(*form);
+    std::string nowhere;
+    for (const Control* control : form->Controls()) {
+      const std::string_view type = control->Type();
+      if (type == "Timer" || type == "TrayIcon" || type == "Panel" || type == "MenuItem") continue;
+      if (LayoutOf(form->Name()).form.empty() || window->Places(*control)) continue;
+      if (!control->Name().starts_with("imgMainTabC")) nowhere += control->Name() + " ";
+    }
+    EXPECT_EQ(nowhere, "");
+    Picture(*form, std::string(entry.name));
+    if (form != &main) {
+      host->Act([&] { form->Close(UnloadMode::kCode); });
+    }
+  }
+}
+
+TEST_F(DisplayTest, NewsAreReadFromTheMachineAndALinkIsHandedOn) {
+  const std::string path = GetPathWithSlash(machine().ProgramFolder()) + "News.html";
+  WriteWholeFile(files(), path, "<a href=\"http://localhost/news\">Read all the news here</a>");
+  frmMain& main = Start();
+  std::string followed;
+  main.news.wbrNewsAndReport.LinkClick = [&](std::string_view address) { followed = address; };
+  host->Act([&] { main.news.wbrNewsAndReport.Navigate(path); });
+  host->Sync();
+  auto* page = dynamic_cast<wxHtmlWindow*>(Widget("wbrNewsAndReport"));
+  ASSERT_NE(page, nullptr);
+  EXPECT_EQ(page->ToText().Trim(), "Read all the news here");
+  page->OnLinkClicked(wxHtmlLinkInfo("http://localhost/news"));
+  EXPECT_EQ(followed, "http://localhost/news");
+  host->Act([&] { main.news.wbrNewsAndReport.Navigate("http://localhost/report"); });
+  host->Sync();
+  EXPECT_THAT(page->ToText().utf8_string(), ::testing::HasSubstr("http://localhost/report"));
+  EXPECT_THAT(page->ToText().utf8_string(), ::testing::HasSubstr("Read all the news here"));
+  IgnoringErrors([&] { files().Delete(path); });
+}
+
 TEST_F(DisplayTest, ScanIsPausedAndStoppedByHand) {
   frmMain& main = Start();
   host->slow = true;

@@ -11,11 +11,14 @@ namespace quarnel {
 // user's browser.
 class HtmlPage : public wxHtmlWindow {
  public:
-  // `read` gives the content of a local page.
+  // `read` gives the content of a local page, or raises RuntimeError.
   using Reader = std::function<std::string(const std::string& location)>;
-  HtmlPage(wxWindow* parent, Reader read);
-  // Shows the file; for an address on a network, which is not fetched, a link to it.
-  void Open(const std::string& location);
+  // Is told the address of a link that the user clicks.
+  using LinkHandler = std::function<void(const std::string& address)>;
+  HtmlPage(wxWindow* parent, Reader read, LinkHandler follow);
+  // Shows the file. An address on a network is not fetched: a link to it shows, above the page
+  // `localPage` when there is one.
+  void Open(const std::string& location, const std::string& localPage);
   const std::string& Location() const { return location_; }
 
   void OnLinkClicked(const wxHtmlLinkInfo& link) override;
@@ -24,8 +27,11 @@ class HtmlPage : public wxHtmlWindow {
 
  private:
   void Paint(const wxString& body);
+  // The content of the file, or that it cannot be shown.
+  wxString BodyOf(const std::string& path) const;
 
   Reader read_;
+  LinkHandler follow_;
   std::string location_;
 };
 

@@ -14,7 +14,7 @@ namespace quarnel {
 struct Front {
   // Runs what a user's action sets off. Nothing is thrown out of it.
   std::function<void(const Handler& action)> run;
-  // The content of a local page; empty when it cannot be read.
+  // The content of a local page. Raises RuntimeError when it cannot be read.
   std::function<std::string(const std::string& location)> readPage;
 };
 

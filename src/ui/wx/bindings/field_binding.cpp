@@ -121,15 +121,23 @@ class BrowserBinding : public Binding {
  public:
   BrowserBinding(wxWindow* parent, Browser& browser, const Layout& layout, const Front& front)
       : Binding(browser, front), browser_(browser) {
-    page_ = new HtmlPage(parent, front.readPage);
-    page_->SetMinSize(metrics::Scaled(*page_, wxSize(metrics::kFieldWidth, metrics::kHtmlHeight)));
+    page_ = new HtmlPage(parent, front.readPage, [this](const std::string& address) {
+      Act([this, address] {
+        if (const auto follow = browser_.LinkClick) follow(address);
+      });
+    });
+    page_->SetMinSize(metrics::Scaled(
+        *page_,
+        wxSize(layout.width > 0 ? layout.width : metrics::kFieldWidth, metrics::kHtmlHeight)));
     Attach(page_, NameInWords(browser, layout));
   }
   std::string Shown() const override { return page_->Location(); }
 
  protected:
   bool Update() override {
-    if (page_->Location() != browser_.Location()) page_->Open(browser_.Location());
+    if (page_->Location() != browser_.Location()) {
+      page_->Open(browser_.Location(), browser_.LocalPage());
+    }
     return false;
   }
 

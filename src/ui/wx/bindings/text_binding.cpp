@@ -77,6 +77,14 @@ class LabelBinding : public Binding {
   }
 
  private:
+  // From the outermost box inwards: each must have its size before what it holds is laid out.
+  static void LayOutAround(wxWindow& widget) {
+    wxWindow* parent = widget.GetParent();
+    if (parent == nullptr || widget.IsTopLevel()) return;
+    LayOutAround(*parent);
+    parent->Layout();
+  }
+
   // A title takes as many lines as its place needs.
   void WrapTitle() {
     const int width = text_->GetSize().x;
@@ -86,10 +94,11 @@ class LabelBinding : public Binding {
       text_->SetLabelText(ToWx(shown_));
       if (width > line) text_->Wrap(width);
     }
+    text_->InvalidateBestSize();
     const int height = std::max(line, text_->GetBestSize().y);
     if (text_->GetMinSize().y == height) return;
     text_->SetMinSize({1, height});
-    text_->CallAfter([text = text_] { wxGetTopLevelParent(text)->SendSizeEvent(); });
+    text_->CallAfter([text = text_] { LayOutAround(*text); });
   }
 
   Label& label_;

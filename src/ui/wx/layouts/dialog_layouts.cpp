@@ -72,9 +72,10 @@ FormLayout MenuLayoutOfTray() {
   const auto row = [](std::string_view item, std::string_view icon) {
     return Put(item).With(icon);
   };
-  const auto toggle = [](std::string_view item, std::string_view label, std::string_view picture) {
-    return Row(
-        {Put(item).Grow(), Put(label).As(Role::kMuted), Put(picture).With("switch", kRowIcon)});
+  const auto toggle = [](std::string_view item, std::string_view icon, std::string_view label,
+                         std::string_view picture) {
+    return Row({Put(item).With(icon).Grow(), Put(label).As(Role::kMuted),
+                Put(picture).With("switch", kRowIcon)});
   };
   return {.form = "frmMenuPopUp",
           .kind = WindowKind::kPopup,
@@ -86,9 +87,12 @@ FormLayout MenuLayoutOfTray() {
                          row("mnuScanNow", "tab-scan"),
                          row("MNUSchedule", "tab-schedule"),
                          row("mnuOptions", "tab-options"),
-                         toggle("mnuCookieSheild", "lblMnuCookieSheild", "PicMnuCookieSheild"),
-                         toggle("mnuRunAtStartup", "lblMenuRunAtStartUp", "PicMenuRunAtStartUp"),
-                         toggle("mnuMemorySheild", "lblMenuMemorySheild", "PicMenuMemorySheild"),
+                         toggle("mnuCookieSheild", "trace-cookie", "lblMnuCookieSheild",
+                                "PicMnuCookieSheild"),
+                         toggle("mnuRunAtStartup", "play", "lblMenuRunAtStartUp",
+                                "PicMenuRunAtStartUp"),
+                         toggle("mnuMemorySheild", "tab-defender", "lblMenuMemorySheild",
+                                "PicMenuMemorySheild"),
                          row("mnuHelp", "message-question"),
                          row("mnuAbout", "message-information"),
                          row("mnuReferAFriend", "next"),
@@ -169,6 +173,21 @@ FormLayout ExemptLayout(std::string_view form, std::string_view list, std::strin
           .cancelButton = "cmdDone"};
 }
 
+FormLayout RestoreLayout() {
+  return {.form = "frmRestore",
+          .kind = WindowKind::kSheet,
+          .content = Column({
+                                Put("lblExplanation").As(Role::kWrapped).Wide(kSheetWidth),
+                                Put("lvwBackups").Called("Restore points").High(kHtmlHeight).Grow(),
+                                Row({Put("cmdDeleteBackup").With("remove"), Spring(),
+                                     Put("cmdOK").As(Role::kPrimary), Put("cmdcancel")}),
+                            })
+                         .Gap(kWideGap)
+                         .Padding(kDialogPadding),
+          .defaultButton = "cmdOK",
+          .cancelButton = "cmdcancel"};
+}
+
 FormLayout CloseBrowserLayout() {
   return {
       .form = "frmCloseIE",
@@ -225,9 +244,8 @@ std::vector<FormLayout> DialogLayouts() {
   layouts.push_back(ConnectionLayout());
   layouts.push_back(CloseBrowserLayout());
   layouts.push_back(RestartLayout());
-  for (const std::string_view form : {"frmIgnoredProcesses", "frmIngnoredProcesses"}) {
-    layouts.push_back(ExemptLayout(form, "lvwIgnoredProcesses", "Exempt programs"));
-  }
+  layouts.push_back(RestoreLayout());
+  layouts.push_back(ExemptLayout("frmIngnoredProcesses", "lvwIgnoredProcesses", "Exempt programs"));
   layouts.push_back(ExemptLayout("frmIngnoredSpywares", "lvwIgnoredSpywares", "Exempt traces"));
   return layouts;
 }

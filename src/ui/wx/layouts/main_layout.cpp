@@ -28,6 +28,8 @@ Layout Tabs() {
     tabs.push_back(
         Put(Indexed("imgMainTab", index++)).As(Role::kTab).Called(tab.caption).With(tab.icon));
   }
+  tabs.push_back(Spring());
+  tabs.push_back(Put("picLogo").As(Role::kQuiet).Called("&Questions").With("message-question"));
   return Column(std::move(tabs)).Gap(kTightGap).Padding(kGap);
 }
 
@@ -112,6 +114,7 @@ Layout Summary() {
                     Put("lvwHardDrives").Called("Drives of the deep scan").Ticks().Grow(),
                 })
                 .Gap(kWideGap)}),
+      Row({Put("cmdRestore").With("restore"), Spring()}),
   });
 }
 
@@ -232,9 +235,10 @@ Layout OptionsLayout() {
             Put("optSkipClosingAndDonotShow")}),
   });
   Layout right = Column({
-      Card("Protection", {Put("chkMemorySheild"), Put("chkStartupShield"),
-                          Put("chkSelfDownloadingActivex"), Put("chkDisplayHijakRestoreAlerts"),
-                          Put("chkAlertsBlocksSpywareAdware"), Put("chkReportLorrimesh")}),
+      Card("Protection",
+           {Put("chkMemorySheild"), Put("chkStartupShield"), Put("chkSelfDownloadingActivex"),
+            Put("chkDisplayHijakRestoreAlerts"), Put("chkAlertsBlocksSpywareAdware"),
+            Put("chkStrict"), Put("chkReportLorrimesh")}),
       Card("Start", {Put("chkRunAtStartup"), Put("chkMinimizeToTrayWindowAtStartup")}),
       Card("Updates",
            {Put("chkEnableAutoUpdaterNotifications"),
