@@ -7,10 +7,10 @@ namespace quarnel {
 namespace {
 
 using std::chrono::local_days;
-using std::chrono::operator""y;
+using std::chrono::year;
 
-constexpr DateTime kFirst = local_days(1601y / 1 / 1);
-constexpr DateTime kBehindLast = local_days(10000y / 1 / 1);
+constexpr DateTime kFirst = local_days(year(1601) / 1 / 1);
+constexpr DateTime kBehindLast = local_days(year(10000) / 1 / 1);
 
 }  // namespace
 

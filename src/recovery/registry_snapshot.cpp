@@ -62,7 +62,10 @@ class Snapshot {
     manifest_.keys.push_back({hive_, path});
     std::string name;
     for (uint32_t i = 0; Next(key->EnumValue(i, name), path); ++i) TakeValue(*key, path, name);
-    for (uint32_t i = 0; Next(key->EnumKey(i, name), path); ++i) TakeTree(path + "\\" + name);
+    for (uint32_t i = 0; Next(key->EnumKey(i, name), path); ++i) {
+      std::string child = path;
+      TakeTree(child.append("\\").append(name));
+    }
   }
 
  private:
