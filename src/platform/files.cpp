@@ -28,9 +28,11 @@ std::unique_ptr<ListedFolder> Files::OpenFolder(std::string_view folder) {
 
 void Files::FlushAll(std::span<const std::string> paths) {
   for (const std::string& path : paths) {
+    const auto entry = Stat(path);
     // Opening it would make it.
-    if (!Stat(path)) throw RuntimeError(ErrorNumber::kFileNotFound, path);
-    Open(path, OpenMode::kReadWrite)->Flush();
+    if (!entry) throw RuntimeError(ErrorNumber::kFileNotFound, path);
+    // Where no more than this can be asked for, the system keeps the names of folders in a journal.
+    if (!entry->IsFolder()) Open(path, OpenMode::kReadWrite)->Flush();
   }
 }
 

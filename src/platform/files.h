@@ -119,8 +119,9 @@ class Files {
   virtual void ReplaceFile(std::string_view from, std::string_view to) = 0;
   // The same for one of many files: for what FlushAll was asked before, and will be after.
   virtual void PutInPlace(std::string_view from, std::string_view to) { ReplaceFile(from, to); }
-  // Returns when the content of these files, and that they bear these names, is on the disk. Many
-  // files at once cost little more than one where the system can wait for all.
+  // Returns when the content of these files, and that they bear these names, is on the disk; of a
+  // folder its name alone. Many files at once cost little more than one where the system can wait
+  // for all.
   virtual void FlushAll(std::span<const std::string> paths);
   virtual void Copy(std::string_view from, std::string_view to) = 0;  // replaces the target
   virtual void SetAttributes(std::string_view path, uint32_t attributes) = 0;

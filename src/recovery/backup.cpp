@@ -1,5 +1,6 @@
 #include "recovery/backup.h"
 
+#include <array>
 #include <utility>
 
 #include "base/text.h"
@@ -35,7 +36,10 @@ BackupReport Backup::BackupSpyware() {
   Manifest manifest;
   const bool madeFolder = Reporting(u_.log, "BackupSpyware", [&] {
     try {
+      const bool stood = u_.files.Stat(report.folder).has_value();
       CreateFolders(u_.files, report.folder);
+      // What lies in it is on the disk only when it is.
+      if (!stood) u_.files.FlushAll(std::array{report.folder});
     } catch (const RuntimeError& error) {
       report.failures.push_back({report.folder, error.Description()});
       throw;

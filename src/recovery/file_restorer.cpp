@@ -46,7 +46,10 @@ void FileRestorer::Put(Item item) {
   const std::string temporary = TemporaryName(item.path);
   // Two names may come to the same one.
   if (taken_.contains(ToUpper(temporary))) Settle();
-  CreateFolders(files_, item.path.substr(0, item.path.rfind('\\')));
+  // Neighbours come in a row: their folder is looked for once.
+  std::string folder = item.path.substr(0, item.path.rfind('\\'));
+  if (folder != folder_) CreateFolders(files_, folder);
+  folder_ = std::move(folder);
   const auto discard = [&] { files_.Delete(temporary); };
   IgnoringErrors(discard);
   try {
@@ -59,6 +62,7 @@ void FileRestorer::Put(Item item) {
     }
     if (item.finish) item.finish(temporary);
   } catch (...) {
+    folder_.clear();
     IgnoringErrors(discard);
     throw;
   }
@@ -70,9 +74,12 @@ void FileRestorer::Put(Item item) {
 }
 
 void FileRestorer::Place(const Item& item, const std::string& temporary) {
-  // What stands there is in the way no longer than the new file takes to come.
-  const auto present = files_.Stat(item.path);
-  if (present && (present->attributes & file_attribute::kReadOnly) != 0) {
+  try {
+    return files_.PutInPlace(temporary, item.path);
+  } catch (const RuntimeError&) {
+    // A read-only file is in the way no longer than the new one takes to come.
+    const auto present = files_.Stat(item.path);
+    if (!present || (present->attributes & file_attribute::kReadOnly) == 0) throw;
     files_.SetAttributes(item.path, present->attributes & ~file_attribute::kReadOnly);
   }
   files_.PutInPlace(temporary, item.path);

@@ -58,6 +58,7 @@ class FileRestorer {
   std::vector<Item> written_;
   std::vector<std::string> temporaries_;  // of written_, in the same order
   std::set<std::string> taken_;           // the same names
+  std::string folder_;                    // of the last file, which stands
   uint64_t bytes_ = 0;
 };
 

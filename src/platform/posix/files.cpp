@@ -198,7 +198,7 @@ class PosixFiles : public Files {
     for (const std::string& path : paths) {
       const ChangePlace place = ExistingPlace(path);
       if (paths.size() <= kSome) {
-        SyncFile(place, path);
+        if (!place.IsFolder()) SyncFile(place, path);
         place.SyncFolder();
       } else if (std::find(done.begin(), done.end(), place.Status().st_dev) == done.end()) {
         done.push_back(place.Status().st_dev);

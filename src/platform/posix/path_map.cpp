@@ -247,6 +247,8 @@ std::optional<PathMap::Lookup> PathMap::Find(const std::string& folder, const st
     if (LStat(folder + "/" + name, entry)) return Lookup{true, name};
     Listing listing;
     listing.stamp = FolderStamp::Of(status);
+    // A listing that the next look would not believe is not worth its making.
+    if (!listing.stamp.trusted) return Search(folder, name);
     Read(folder, listing);
     MakeRoom(listing.bytes);
     known = listings_.insert_or_assign(folder, std::move(listing)).first;
@@ -265,7 +267,12 @@ PathMap::Lookup PathMap::FindIn(const Listing& listing, const std::string& folde
   }
   struct stat status = {};
   if (LStat(folder + "/" + name, status)) return {true, name};
-  if (listing.kept) return lookup;
+  return listing.kept ? lookup : Search(folder, name);
+}
+
+// Reads the folder for a name that does not stand there in the letter case given.
+PathMap::Lookup PathMap::Search(const std::string& folder, const std::string& name) {
+  Lookup lookup;
   DirectoryStream stream(folder);
   while (const char* entry = stream.Next()) {
     if (EqualText(entry, name) && (!lookup.found || entry < lookup.name)) lookup = {true, entry};

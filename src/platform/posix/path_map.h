@@ -93,6 +93,7 @@ class PathMap {
   static void Read(const std::string& folder, Listing& listing);
   std::optional<Lookup> Find(const std::string& folder, const std::string& name);
   static Lookup FindIn(const Listing& listing, const std::string& folder, const std::string& name);
+  static Lookup Search(const std::string& folder, const std::string& name);
   void MakeRoom(size_t bytes);
 
   std::string root_;
