@@ -68,6 +68,8 @@ FormWindow::FormWindow(Form& form, const FormLayout& layout, wxWindow* parent, c
 
 FormWindow::~FormWindow() {
   bindings_.clear();
+  // The toolkit keeps it for a while, and its events would come to what has gone.
+  window_->SetEvtHandlerEnabled(false);
   window_->Destroy();
 }
 
