@@ -287,8 +287,8 @@ void FormWindow::AddRest(wxWindow* parent, GapBox& box) {
     if (Places(*control)) continue;
     Layout plain = Put(control->Name());
     if (control->Type() == "Panel") continue;
-    if (control->Type() == "Image") plain = std::move(plain).Called(NameInWords(*control, plain));
-    if (control->Type() == "Label") plain = std::move(plain).As(Role::kWrapped);
+    if (control->Type() == "Image") plain.text = NameInWords(*control, plain);
+    if (control->Type() == "Label") plain.role = Role::kWrapped;
     if (wxWindow* leaf = BuildLeaf(parent, plain)) {
       const bool field = IsField(plain);
       const int flags = field ? int{wxEXPAND} : int{wxALIGN_LEFT};
