@@ -24,8 +24,10 @@ FormLayout CloseLayout() {
 }
 
 FormLayout SplashLayout() {
+  constexpr int kShapes = 6;
   std::vector<Layout> shapes;
-  for (int i = 0; i < 6; ++i) shapes.push_back(Put("shpProgress(" + std::to_string(i) + ")"));
+  shapes.reserve(kShapes);
+  for (int i = 0; i < kShapes; ++i) shapes.push_back(Put("shpProgress(" + std::to_string(i) + ")"));
   return {.form = "frmSplash",
           .kind = WindowKind::kSplash,
           .content = Column({

@@ -181,8 +181,10 @@ Layout Results() {
 }
 
 Layout RemovalSummary() {
+  constexpr int kLevels = 5;
   std::vector<Layout> levels;
-  for (int level = 0; level < 5; ++level) {
+  levels.reserve(kLevels);
+  for (int level = 0; level < kLevels; ++level) {
     levels.push_back(Row({Text("Level " + std::to_string(level + 1)).As(Role::kMuted),
                           Put(Indexed("lblThreatLevelCount", level)).As(Role::kStrong).Grow()})
                          .Gap(kTightGap)
