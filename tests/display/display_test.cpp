@@ -271,11 +271,21 @@ TEST_F(DisplayTest, TicksOfAThreatReachItsTraces) {
   ASSERT_TRUE(tree.At(1)->checked);
   auto* widget = dynamic_cast<wxDataViewCtrl*>(Widget("vbatvwResults"));
   ASSERT_NE(widget, nullptr);
+  const auto rowOfThreat = [&] {
+    return widget->GetItemRect(wxDataViewItem(tree.At(1).get()), widget->GetColumn(0));
+  };
+  // A row that has just come is still moved about.
+  constexpr int kTurnsAtRest = 8;
   robot.Then(
-      "the tick", [] { return true; },
+      "the tick",
+      [&, last = wxRect(), turns = 0]() mutable {
+        const wxRect row = rowOfThreat();
+        turns = !row.IsEmpty() && row == last ? turns + 1 : 0;
+        last = row;
+        return turns >= kTurnsAtRest;
+      },
       [&] {
-        const wxRect row =
-            widget->GetItemRect(wxDataViewItem(tree.At(1).get()), widget->GetColumn(0));
+        const wxRect row = rowOfThreat();
         // The box stands at the left of the text.
         Robot::ClickAt(widget->GetMainWindow()->ClientToScreen(row.GetTopLeft()) +
                        widget->FromDIP(wxPoint(10, row.height / 2)));
