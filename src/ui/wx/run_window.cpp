@@ -31,7 +31,9 @@ class WindowApplication : public wxApp {
     host_ = std::make_unique<WxHost>([this](const std::string& location) {
       return ReadWholeFile(platform_->files(), location);
     });
-    host_->watch = [this] { Watch(); };
+    host_->watch = [this] {
+      if (application_) application_->AnswerForwardRequest();
+    };
     Bind(wxEVT_END_SESSION, [this](wxCloseEvent&) { host_->EndSession(); });
     CallAfter([this] { Start(); });
     return true;
@@ -50,31 +52,6 @@ class WindowApplication : public wxApp {
       if (!application_->Main()) host_->EndProcess();
     });
   }
-
-  // Other instances find this one under its caption, and may ask for it.
-  void Watch() {
-    Desktop& desktop = platform_->desktop();
-    const std::string& caption = Caption();
-    if (announced_ != caption) {
-      announced_ = caption;
-      desktop.Announce(kWindowClass, caption);
-    }
-    if (!desktop.TakeForwardRequest() || !application_) return;
-    frmMain& main = application_->MainForm();
-    if (main.StateOfWindow() == WindowState::kMinimised) main.SetWindowState(WindowState::kNormal);
-    main.Show();
-    main.ZOrder();
-  }
-  // Of the first window with a title: the wizard's pages, and afterwards the main window.
-  const std::string& Caption() const {
-    static const std::string none;
-    for (const Form* form : host_->LoadedForms()) {
-      if (!form->Caption().empty()) return form->Caption();
-    }
-    return none;
-  }
-
-  std::string announced_;
 
   std::unique_ptr<Platform> platform_;
   std::unique_ptr<WxHost> host_;
