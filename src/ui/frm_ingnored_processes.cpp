@@ -32,12 +32,8 @@ void frmIngnoredProcesses::Form_Load() {
         lvwIgnoredProcesses.Add({.text = fields[0], .subItems = {fields[1], fields[2]}});
       }
     }
-    ShowCount();
+    ShowCount(lblCount, lvwIgnoredProcesses);
   });
-}
-
-void frmIngnoredProcesses::ShowCount() {
-  lblCount.SetCaption("Total no of items : " + std::to_string(lvwIgnoredProcesses.Count()));
 }
 
 // The rows are written in plain, though every reader deciphers: a list that was changed here counts
@@ -48,7 +44,7 @@ void frmIngnoredProcesses::ImgRemoveMouseMove_Click() {
       if (lvwIgnoredProcesses.At(i).checked) lvwIgnoredProcesses.Remove(i);
     }
     SafeList(s_.platform.files(), s_.log).Rewrite(Path(), lvwIgnoredProcesses);
-    ShowCount();
+    ShowCount(lblCount, lvwIgnoredProcesses);
   });
 }
 

@@ -27,7 +27,6 @@ class frmIngnoredProcesses : public Form {
  private:
   std::string Path() const;
   void ImgRemoveMouseMove_Click();
-  void ShowCount();
 
   Services s_;
 };

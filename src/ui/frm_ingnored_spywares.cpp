@@ -22,12 +22,8 @@ void frmIngnoredSpywares::Form_Load() {
     lvwIgnoredSpywares.Clear();
     safeList_.AddIgnoredSpywaresTolvw(SafeListPath(s_.platform.machine()), "", "", "", false,
                                       lvwIgnoredSpywares);
-    ShowCount();
+    ShowCount(lblCount, lvwIgnoredSpywares);
   });
-}
-
-void frmIngnoredSpywares::ShowCount() {
-  lblCount.SetCaption("Total no of items : " + std::to_string(lvwIgnoredSpywares.Count()));
 }
 
 void frmIngnoredSpywares::MarkAsFound(std::string_view trace) {
@@ -50,7 +46,7 @@ void frmIngnoredSpywares::ImgRemoveMouseMove_Click() {
     }
     results_.vbatvwResults.Refresh();
     safeList_.Rewrite(path, lvwIgnoredSpywares);
-    ShowCount();
+    ShowCount(lblCount, lvwIgnoredSpywares);
     results_.lvwIgnoredSpywares.Clear();
     safeList_.AddIgnoredSpywaresTolvw(path, "", "", "", false, results_.lvwIgnoredSpywares);
   });

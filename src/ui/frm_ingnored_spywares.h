@@ -28,7 +28,6 @@ class frmIngnoredSpywares : public Form {
  private:
   void ImgRemoveMouseMove_Click();
   void MarkAsFound(std::string_view trace);
-  void ShowCount();
 
   Services s_;
   ResultsPage& results_;

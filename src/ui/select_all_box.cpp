@@ -1,6 +1,7 @@
 #include "ui/select_all_box.h"
 
 #include <algorithm>
+#include <string>
 
 namespace quarnel {
 
@@ -14,6 +15,10 @@ void TieSelectAll(CheckBox& box, ListView& list) {
     for (size_t i = 0; i < list.Count(); ++i) list.SetChecked(i, box.Checked());
   };
   list.ItemCheck = [&box, allTicked](size_t) { box.SetValue(allTicked() ? 1 : 0); };
+}
+
+void ShowCount(Label& label, const ListView& list) {
+  label.SetCaption("Total no of items : " + std::to_string(list.Count()));
 }
 
 }  // namespace quarnel

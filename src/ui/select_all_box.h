@@ -10,4 +10,7 @@ namespace quarnel {
 // the rest.
 void TieSelectAll(CheckBox& box, ListView& list);
 
+// Says below a list how many rows it has.
+void ShowCount(Label& label, const ListView& list);
+
 }  // namespace quarnel
