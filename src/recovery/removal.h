@@ -73,7 +73,6 @@ class Removal {
   void DeleteTraces(RemovalRecord& record);
   void DeleteFiles(RemovalRecord& record);
   bool IsPending(const ListRow& row) const;
-  void DeleteFile(std::string path, RemovalRecord& record);
   void PruneTrees();
   void RebuildPage();
   void ShowEnd();
