@@ -32,5 +32,17 @@ TEST_F(PosixMachineCommandsTest, CreatesMachinesAndShowsTheirPaths) {
   EXPECT_EQ(run({"path", folder, "C:\\a?b"}), 1);
 }
 
+TEST_F(PosixMachineCommandsTest, TakesFoldersThatAreNamedFromTheCurrentOne) {
+  std::ostringstream out;
+  std::ostringstream errors;
+  const fs::path before = fs::current_path();
+  fs::current_path(machineFolder());
+  for (const char* name : {"bare", "slash/", "./dotted", "new/below", "new/../beside"}) {
+    EXPECT_EQ(RunMachineTool({"create", name}, out, errors), 0) << name << ": " << errors.str();
+    EXPECT_EQ(RunMachineTool({"path", name, "C:\\"}, out, errors), 0) << name;
+  }
+  fs::current_path(before);
+}
+
 }  // namespace
 }  // namespace quarnel

@@ -205,7 +205,9 @@ void CreateMachine(const std::string& folder, const MachineOptions& options) {
   }
   namespace fs = std::filesystem;
   std::error_code error;
-  fs::path target = fs::weakly_canonical(folder, error);
+  // Absolute first: of a bare name that does not exist yet, the canonical form has no parent.
+  fs::path target = fs::absolute(folder, error);
+  if (!error) target = fs::weakly_canonical(target, error);
   if (error) RaiseErrno(error.value(), folder);
   if (!target.has_filename()) target = target.parent_path();
   if (fs::exists(target, error) && !fs::is_empty(target, error)) {
