@@ -150,18 +150,33 @@ struct Command {
   size_t most;
   int (*run)(Arguments arguments, const Streams& streams);
   std::string_view usage;
+  std::string_view purpose;
 };
 
 constexpr Command kCommands[] = {
-    {"create", 1, 7, Create, "create DIR [--user NAME] [--sid SID] [--family nt|9x]"},
-    {"path", 2, 2, Path, "path DIR 'C:\\...'"},
-    {"reg import", 2, 3, Import, "reg import DIR FILE [KEY]"},
-    {"reg export", 2, 3, Export, "reg export DIR FILE [KEY]"},
-    {"reg query", 2, 3, Query, "reg query DIR KEY [VALUE]"},
-    {"sample", 1, 1, Sample, "sample DIR"},
+    {"create", 1, 7, Create, "create DIR [--user NAME] [--sid SID] [--family nt|9x]",
+     "makes a machine folder"},
+    {"path", 2, 2, Path, "path DIR 'C:\\...'", "shows where a file of the machine lies"},
+    {"reg import", 2, 3, Import, "reg import DIR FILE [KEY]", "takes a .reg file over"},
+    {"reg export", 2, 3, Export, "reg export DIR FILE [KEY]", "writes a .reg file"},
+    {"reg query", 2, 3, Query, "reg query DIR KEY [VALUE]", "shows a key or a value"},
+    {"sample", 1, 1, Sample, "sample DIR", "plants harmless threats and their signatures"},
 };
 
+std::string Usage() {
+  std::string text = "usage:";
+  for (const Command& command : kCommands) {
+    text.append("\n  quarnel-machine ").append(command.usage);
+    text.append("\n      ").append(command.purpose);
+  }
+  return text;
+}
+
 int Run(Arguments arguments, const Streams& streams) {
+  if (arguments.size() == 1 && arguments[0] == "--help") {
+    streams.out << Usage() << '\n';
+    return 0;
+  }
   for (const Command& command : kCommands) {
     const size_t words = Split(command.words, " ").size();
     if (arguments.size() < words) continue;
@@ -173,9 +188,7 @@ int Run(Arguments arguments, const Streams& streams) {
     }
     return command.run(rest, streams);
   }
-  throw BadCall{
-      "usage: quarnel-machine create DIR | path DIR PATH | reg import|export DIR FILE [KEY] | "
-      "reg query DIR KEY [VALUE] | sample DIR"};
+  throw BadCall{"usage: quarnel-machine COMMAND DIR ...; --help lists the commands"};
 }
 
 }  // namespace

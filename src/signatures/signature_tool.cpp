@@ -1,12 +1,12 @@
 #include "signatures/signature_tool.h"
 
 #include <filesystem>
-#include <fstream>
-#include <optional>
 #include <ostream>
 #include <string_view>
 #include <system_error>
 
+#include "base/host_files.h"
+#include "base/runtime_error.h"
 #include "signatures/compiler.h"
 
 namespace quarnel {
@@ -14,29 +14,19 @@ namespace {
 
 namespace fs = std::filesystem;
 
+constexpr std::string_view kUsage =
+    "usage:\n"
+    "  quarnel-signatures compile SOURCE_DIR OUT_DIR\n"
+    "      makes a set of signature files from plain text\n"
+    "  quarnel-signatures show FILE\n"
+    "      shows a signature file as plain text\n";
+
 // Texts are UTF-8 on every system; a path has its own form on some.
 fs::path PathOf(std::string_view text) { return {std::u8string(text.begin(), text.end())}; }
 
-// The whole content of an ordinary file; nothing when it cannot be read. Pipes and devices are left
-// alone: they may never end.
-std::optional<std::string> ReadHostFile(const fs::path& path) {
-  std::error_code error;
-  if (!fs::is_regular_file(path, error)) return std::nullopt;
-  const uintmax_t size = fs::file_size(path, error);
-  std::ifstream stream(path, std::ios::binary);
-  if (error || !stream) return std::nullopt;
-  std::string bytes(static_cast<size_t>(size), '\0');
-  stream.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-  if (stream.bad()) return std::nullopt;
-  bytes.resize(static_cast<size_t>(stream.gcount()));
-  return bytes;
-}
-
-bool WriteHostFile(const fs::path& path, std::string_view bytes) {
-  std::ofstream stream(path, std::ios::binary | std::ios::trunc);
-  stream.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-  stream.close();
-  return !stream.fail();
+std::string TextOf(const fs::path& path) {
+  const std::u8string text = path.u8string();
+  return {text.begin(), text.end()};
 }
 
 int Compile(const std::string& sourceFolder, const std::string& outFolder, std::ostream& out,
@@ -44,19 +34,13 @@ int Compile(const std::string& sourceFolder, const std::string& outFolder, std::
   SignatureSources sources;
   bool any = false;
   for (const SourceFile& file : SourceFiles()) {
-    const fs::path path = PathOf(sourceFolder) / PathOf(file.name);
-    std::error_code ignored;
-    if (!fs::exists(path, ignored)) {
+    try {
+      sources.*file.text = ReadHostFile(TextOf(PathOf(sourceFolder) / PathOf(file.name)));
+      any = true;
+    } catch (const RuntimeError& error) {
+      if (error.Number() != ErrorNumber::kFileNotFound) throw;
       errors << file.name << ": not there, taken as empty\n";
-      continue;
     }
-    auto text = ReadHostFile(path);
-    if (!text) {
-      errors << file.name << ": cannot be read\n";
-      return 1;
-    }
-    sources.*file.text = std::move(*text);
-    any = true;
   }
   if (!any) {
     errors << sourceFolder << ": holds no signature sources\n";
@@ -68,24 +52,14 @@ int Compile(const std::string& sourceFolder, const std::string& outFolder, std::
   std::error_code ignored;
   fs::create_directories(PathOf(outFolder), ignored);
   for (const CompiledFile& file : set.files) {
-    if (!WriteHostFile(PathOf(outFolder) / PathOf(file.name), file.bytes)) {
-      errors << file.name << ": cannot be written to " << outFolder << '\n';
-      return 1;
-    }
+    WriteHostFile(TextOf(PathOf(outFolder) / PathOf(file.name)), file.bytes);
   }
   out << set.files.size() << " files written to " << outFolder << '\n';
   return 0;
 }
 
 int Show(const std::string& file, std::ostream& out, std::ostream& errors) {
-  const fs::path path = PathOf(file);
-  const auto bytes = ReadHostFile(path);
-  if (!bytes) {
-    errors << file << ": cannot be read\n";
-    return 1;
-  }
-  const std::u8string fileName = path.filename().u8string();
-  const auto text = ShowSignatureFile(std::string(fileName.begin(), fileName.end()), *bytes);
+  const auto text = ShowSignatureFile(TextOf(PathOf(file).filename()), ReadHostFile(file));
   if (!text) {
     errors << file << ": not the name of a signature file\n";
     return 1;
@@ -98,12 +72,19 @@ int Show(const std::string& file, std::ostream& out, std::ostream& errors) {
 
 int RunSignatureTool(const std::vector<std::string>& arguments, std::ostream& out,
                      std::ostream& errors) {
-  if (arguments.size() == 3 && arguments[0] == "compile") {
-    return Compile(arguments[1], arguments[2], out, errors);
+  const std::string command = arguments.empty() ? std::string() : arguments[0];
+  try {
+    if (arguments.size() == 3 && command == "compile") {
+      return Compile(arguments[1], arguments[2], out, errors);
+    }
+    if (arguments.size() == 2 && command == "show") return Show(arguments[1], out, errors);
+  } catch (const RuntimeError& error) {
+    errors << "quarnel-signatures: " << error.Description() << '\n';
+    return 1;
   }
-  if (arguments.size() == 2 && arguments[0] == "show") return Show(arguments[1], out, errors);
-  errors << "usage: quarnel-signatures compile SOURCE_DIR OUT_DIR | show FILE\n";
-  return 2;
+  const bool asked = arguments.size() == 1 && command == "--help";
+  (asked ? out : errors) << kUsage;
+  return asked ? 0 : 2;
 }
 
 }  // namespace quarnel

@@ -112,6 +112,8 @@ TEST_F(MachineCommandsTest, AnswersBadCallsWithOneLine) {
       {"reg", "import", Dir(), "file", "no key"},
   };
   for (const auto& call : badCalls) EXPECT_EQ(Run(call), 2) << call.size();
+  EXPECT_EQ(Run({"--help"}), 0);
+  EXPECT_NE(out_.find("reg query DIR KEY [VALUE]\n"), std::string::npos) << out_;
   for (const std::vector<std::string>& call :
        {std::vector<std::string>{"reg", "query", Dir() + "/none", "HKCU"},
         {"reg", "import", Dir(), file_ + "-none"},

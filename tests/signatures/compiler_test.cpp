@@ -159,7 +159,6 @@ TEST(SignatureTool, CompilesFoldersAndAnswersBadCalls) {
   std::string said;
   EXPECT_EQ(run({}, said), 2);
   EXPECT_EQ(run({"compile", source}, said), 2);
-  EXPECT_EQ(std::count(said.begin(), said.end(), '\n'), 1);
   EXPECT_EQ(run({"compile", source, set}, said), 1) << "there is no source";
   std::ofstream(folder / "source" / "QNLESig.txt") << kHash << "^1^Name\nbad\n";
   EXPECT_EQ(run({"compile", source, set}, said), 1);
