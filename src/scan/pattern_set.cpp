@@ -46,7 +46,7 @@ PatternSet::PatternSet(std::vector<std::string> patterns) : patterns_(std::move(
   // Pieces may share a counter: which one is the rarest matters for speed alone.
   std::vector<uint32_t> frequency(size_t{1} << 16);
   const auto counter = [&](Gram gram) -> uint32_t& {
-    return frequency[gram * 0x9E3779B97F4A7C15U >> 48];
+    return frequency[static_cast<size_t>(gram * 0x9E3779B97F4A7C15U >> 48)];
   };
   for (size_t i = 0; i < patterns_.size(); ++i) {
     if (!IsValid(patterns_[i])) {
