@@ -312,6 +312,12 @@ TEST_F(DisplayTest, MenuSelectsAPageAndClosingAsks) {
       });
   Until("the options", [&] { return main.tabs.PicSecondTabConfiguration.Visible(); });
   Run();
+  const auto question = [this]() -> const Form* {
+    for (const Form* form : host->LoadedForms()) {
+      if (form->Name() == "frmClose" && form->Visible()) return form;
+    }
+    return nullptr;
+  };
   const auto close = [&](const std::string& answer) {
     robot.Then(
         "close", [] { return true; },
@@ -319,19 +325,13 @@ TEST_F(DisplayTest, MenuSelectsAPageAndClosingAsks) {
           wxUIActionSimulator user;
           user.Char(WXK_F4, wxMOD_ALT);
         });
-    const auto question = [this]() -> const Form* {
-      for (const Form* form : host->LoadedForms()) {
-        if (form->Name() == "frmClose" && form->Visible()) return form;
-      }
-      return nullptr;
-    };
     robot.Click(answer, [this, question, answer]() -> wxWindow* {
       const Form* form = question();
       return form == nullptr ? nullptr : Widget(answer, form);
     });
   };
   close("cmdCancel");
-  Until("the window's stay", [&] { return host->LoadedForms().size() == 1 && main.Visible(); });
+  Until("the window's stay", [&] { return question() == nullptr && main.Visible(); });
   Run();
   close("cmdYes");
   // The end of the program ends its message loops.
