@@ -5,6 +5,7 @@
 #include <exception>
 #include <filesystem>
 #include <functional>
+#include <iostream>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -28,8 +29,8 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr int kFolders = 100;
-constexpr int kFilesEach = 100;
+constexpr size_t kFolders = 100;
+constexpr size_t kFilesEach = 100;
 constexpr size_t kSize = 4096;
 
 class Table {
@@ -59,7 +60,9 @@ class Table {
 };
 
 void Shell(const std::string& command) {
-  if (std::system(command.c_str()) != 0) throw std::runtime_error(command);
+  // The peers are shell commands.
+  if (std::system(command.c_str()) != 0)  // NOLINT(cert-env33-c)
+    throw std::runtime_error(command);
 }
 
 void Expect(bool holds, const char* what) {
@@ -95,10 +98,10 @@ std::string RandomBytes(uint64_t& state) {
 
 void MakeFiles(Rig& rig) {
   uint64_t state = 20080614;
-  for (int folder = 0; folder < kFolders; ++folder) {
+  for (size_t folder = 0; folder < kFolders; ++folder) {
     const std::string path = "C:\\files\\folder" + std::to_string(folder);
     CreateFolders(rig.platform->files(), path);
-    for (int file = 0; file < kFilesEach; ++file) {
+    for (size_t file = 0; file < kFilesEach; ++file) {
       const std::string name = path + "\\file" + std::to_string(file) + ".bin";
       WriteWholeFile(rig.platform->files(), name, RandomBytes(state));
       rig.results.lvwFilesToBeDeleted.Add({.text = name, .subItems = {"Type", "Threat"}});
@@ -153,12 +156,12 @@ void Round(Table& table) {
 int main(int argc, char** argv) {
   try {
     quarnel::Table table;
-    const int rounds = argc > 1 ? std::max(1, std::atoi(argv[1])) : 3;
-    for (int round = 0; round < rounds; ++round) quarnel::Round(table);
+    const long rounds = argc > 1 ? std::max(1L, std::strtol(argv[1], nullptr, 10)) : 3;
+    for (long round = 0; round < rounds; ++round) quarnel::Round(table);
     table.Print();
     return 0;
   } catch (const std::exception& error) {
-    std::fprintf(stderr, "restore-points-bench: %s\n", error.what());
+    std::cerr << "restore-points-bench: " << error.what() << '\n';
     return 1;
   }
 }

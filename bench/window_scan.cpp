@@ -8,8 +8,10 @@
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
+#include <iostream>
 #include <vector>
 
+#include "base/text.h"
 #include "core/paths.h"
 #include "idle_host.h"
 #include "scan/folders.h"
@@ -39,9 +41,9 @@ void Prepare(Platform& platform) {
   std::string lines;
   for (int i = 0; i < kSignatures; ++i) {
     const std::string number = std::to_string(i);
-    lines += "Any,Threat " + number + ",1,31,File" + number + ".txt,,7\n";
+    lines += Join({"Any,Threat ", number, ",1,31,File", number, ".txt,,7\n"}, "");
     if (i % (kSignatures / kFinds) == 0) {
-      WriteWholeFile(platform.files(), folder + "File" + number + ".txt", "x");
+      WriteWholeFile(platform.files(), Join({folder, "File", number, ".txt"}, ""), "x");
     }
   }
   for (const CompiledFile& file : CompileSet({.files = lines}).files) {
@@ -55,7 +57,7 @@ double Scan(Application& application) {
   application.MainForm().scan.ImgStartScanMouseMove.ClickByUser();
   const std::chrono::duration<double, std::milli> took = steady_clock::now() - start;
   if (application.MainForm().results.txtAdwareSpyware.Caption() != std::to_string(kFinds)) {
-    std::fputs("not all finds were found\n", stderr);
+    std::cerr << "not all finds were found\n";
     std::exit(1);
   }
   std::printf("%6.0f ms, %6.0f ms of work\n", took.count(),
@@ -68,7 +70,7 @@ double Median(std::vector<double> values) {
   return values[values.size() / 2];
 }
 
-int Measure(int rounds) {
+int Measure(long rounds) {
   const TemporaryMachine machine;
   const std::unique_ptr<Platform> platform = OpenPlatform(machine.Folder());
   Prepare(*platform);
@@ -86,7 +88,7 @@ int Measure(int rounds) {
     host.Act([&] {
       with.MainForm().Show();
       host.Sync();
-      for (int i = 0; i < rounds; ++i) {
+      for (long i = 0; i < rounds; ++i) {
         plain.push_back(Scan(without));
         shown.push_back(Scan(with));
       }
@@ -103,8 +105,8 @@ int Measure(int rounds) {
 }  // namespace quarnel
 
 int main(int argc, char** argv) {
-  constexpr int kRounds = 5;
-  const int rounds = argc > 1 ? std::atoi(argv[1]) : kRounds;
+  constexpr long kRounds = 5;
+  const long rounds = argc > 1 ? std::strtol(argv[1], nullptr, 10) : kRounds;
   wxApp::SetInstance(new wxApp);
   int own = 1;
   if (!wxEntryStart(own, argv)) return 1;
