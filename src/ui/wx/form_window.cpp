@@ -67,6 +67,7 @@ FormWindow::FormWindow(Form& form, const FormLayout& layout, wxWindow* parent, c
 }
 
 FormWindow::~FormWindow() {
+  Release();
   bindings_.clear();
   // The toolkit keeps it for a while, and its events would come to what has gone.
   window_->SetEvtHandlerEnabled(false);
@@ -429,7 +430,8 @@ void FormWindow::BindDrag(Control& control, wxWindow& widget) {
 
 void FormWindow::Release() {
   form_ = nullptr;
-  // One of these widgets may be what called; it ends later, but hands on nothing more.
+  // One of these widgets may be what called; it ends later, but hands on nothing more, also of what
+  // waits in its queue.
   for (const auto& binding : bindings_) binding->Widget()->SetEvtHandlerEnabled(false);
   window_->Hide();
 }

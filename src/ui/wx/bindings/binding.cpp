@@ -35,6 +35,15 @@ void Binding::ShowToolTip() {
   for (wxWindow* part : widget_->GetChildren()) part->SetToolTip(text);
 }
 
+void Binding::OnResize(wxWindow& widget, const Handler& fit) {
+  widget.Bind(wxEVT_SIZE, [this, fit](wxSizeEvent& event) {
+    event.Skip();
+    // The toolkit is giving out places, and forgets what asks for a new one meanwhile: it would
+    // never get any. So this waits, in the queue of the widget that ends with this binding.
+    widget_->CallAfter(fit);
+  });
+}
+
 void Binding::WatchMouse(wxWindow& widget) {
   if (!control_.MouseMove) return;
   widget.Bind(wxEVT_ENTER_WINDOW, [this](wxMouseEvent& event) {

@@ -49,6 +49,8 @@ class Binding {
   // A user's action on the control. The widget may already look as if it had worked, so it is
   // brought up to the control afterwards whatever came of it.
   void Act(const Handler& action);
+  // Does `fit` after each change of the widget's size.
+  void OnResize(wxWindow& widget, const Handler& fit);
   // Hands on the mouse's moves over the widget, where the control waits for them.
   void WatchMouse(wxWindow& widget);
 

@@ -61,10 +61,7 @@ class ListBinding : public Binding {
       if (selecting_ || list_.At(row).selected) return;
       Act([this, row] { list_.SelectByUser(row); });
     });
-    widget_->Bind(wxEVT_SIZE, [this](wxSizeEvent& event) {
-      event.Skip();
-      FitColumns();
-    });
+    OnResize(*widget_, [this] { FitColumns(); });
     Attach(widget_, NameInWords(list, layout));
   }
 

@@ -29,12 +29,7 @@ class LabelBinding : public Binding {
     text_ = new wxStaticText(around, wxID_ANY, "", wxDefaultPosition, wxDefaultSize, style);
     text_->SetFont(theme::FontOf(parent->GetFont(), role_));
     if (role_ == Role::kPath || role_ == Role::kTitle) text_->SetMinSize({1, -1});
-    if (role_ == Role::kTitle) {
-      text_->Bind(wxEVT_SIZE, [this](wxSizeEvent& event) {
-        event.Skip();
-        WrapTitle();
-      });
-    }
+    if (role_ == Role::kTitle) OnResize(*text_, [this] { WrapTitle(); });
     if (layout.width > 0) text_->SetMinSize({metrics::Scaled(*text_, layout.width), -1});
     wrapWidth_ = metrics::Scaled(*text_, layout.width > 0 ? layout.width : metrics::kReadableWidth);
     Attach(mouse ? around : text_);

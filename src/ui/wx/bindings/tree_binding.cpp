@@ -41,10 +41,7 @@ class TreeBinding : public Binding {
     };
     widget_->Bind(wxEVT_DATAVIEW_ITEM_EXPANDED, expand(true));
     widget_->Bind(wxEVT_DATAVIEW_ITEM_COLLAPSED, expand(false));
-    widget_->Bind(wxEVT_SIZE, [this](wxSizeEvent& event) {
-      event.Skip();
-      FitColumns();
-    });
+    OnResize(*widget_, [this] { FitColumns(); });
     Attach(widget_, NameInWords(tree, layout));
   }
 
