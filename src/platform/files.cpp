@@ -26,16 +26,6 @@ std::unique_ptr<ListedFolder> Files::OpenFolder(std::string_view folder) {
   return std::make_unique<FolderByPath>(*this, folder);
 }
 
-void Files::FlushAll(std::span<const std::string> paths) {
-  for (const std::string& path : paths) {
-    const auto entry = Stat(path);
-    // Opening it would make it.
-    if (!entry) throw RuntimeError(ErrorNumber::kFileNotFound, path);
-    // Where no more than this can be asked for, the system keeps the names of folders in a journal.
-    if (!entry->IsFolder()) Open(path, OpenMode::kReadWrite)->Flush();
-  }
-}
-
 std::string ReadWholeFile(Files& files, std::string_view path, uint64_t limit) {
   const std::unique_ptr<File> file = files.Open(path, OpenMode::kRead);
   const uint64_t size = file->Size();

@@ -75,6 +75,8 @@ class ListedFolder {
   virtual std::unique_ptr<File> Open(std::string_view name) = 0;
 };
 
+class HeldFolders;
+
 // The file system, by Windows paths: "C:\WINDOWS\system32". A path is taken in any letter case and
 // with either slash; one without a drive is relative to the program's folder. Operations that
 // change something or open a file raise RuntimeError with the kind of the failure: kFileNotFound,
@@ -110,6 +112,9 @@ class Files {
   // meanwhile. A folder or file that is not named as the file system keeps it may be missed.
   virtual std::unique_ptr<ListedFolder> OpenFolder(std::string_view folder);
 
+  // For making and replacing many files.
+  virtual std::unique_ptr<HeldFolders> HoldFolders() = 0;
+
   virtual void Delete(std::string_view path) = 0;        // a file; a read-only one is refused
   virtual void DeleteFolder(std::string_view path) = 0;  // an empty folder
   virtual void CreateFolder(std::string_view path) = 0;  // its parent must exist
@@ -117,12 +122,6 @@ class Files {
   virtual void Move(std::string_view from, std::string_view to) = 0;
   // Puts `from` in the place of `to`, in one step that a crash cannot tear; same folder.
   virtual void ReplaceFile(std::string_view from, std::string_view to) = 0;
-  // The same for one of many files: for what FlushAll was asked before, and will be after.
-  virtual void PutInPlace(std::string_view from, std::string_view to) { ReplaceFile(from, to); }
-  // Returns when the content of these files, and that they bear these names, is on the disk; of a
-  // folder its name alone. Many files at once cost little more than one where the system can wait
-  // for all.
-  virtual void FlushAll(std::span<const std::string> paths);
   virtual void Copy(std::string_view from, std::string_view to) = 0;  // replaces the target
   virtual void SetAttributes(std::string_view path, uint32_t attributes) = 0;
   // Of a file. Where the system does not let the moment of its making be set, that is not known.

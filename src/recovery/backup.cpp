@@ -1,10 +1,10 @@
 #include "recovery/backup.h"
 
-#include <array>
 #include <utility>
 
 #include "base/text.h"
 #include "core/paths.h"
+#include "platform/held_folders.h"
 #include "recovery/archive.h"
 #include "recovery/manifest.h"
 #include "recovery/registry_backup.h"
@@ -36,10 +36,10 @@ BackupReport Backup::BackupSpyware() {
   Manifest manifest;
   const bool madeFolder = Reporting(u_.log, "BackupSpyware", [&] {
     try {
-      const bool stood = u_.files.Stat(report.folder).has_value();
-      CreateFolders(u_.files, report.folder);
+      const auto folders = u_.files.HoldFolders();
+      folders->Make(report.folder);
       // What lies in it is on the disk only when it is.
-      if (!stood) u_.files.FlushAll(std::array{report.folder});
+      folders->Flush();
     } catch (const RuntimeError& error) {
       report.failures.push_back({report.folder, error.Description()});
       throw;

@@ -12,6 +12,30 @@ namespace {
 // A batch is no larger than what may be left under temporary names by a crash without a burden.
 constexpr size_t kMostFiles = 1000;
 constexpr uint64_t kMostBytes = uint64_t{64} << 20;
+constexpr size_t kMostFolders = 64;
+
+constexpr uint32_t kSettable = file_attribute::kReadOnly | file_attribute::kHidden |
+                               file_attribute::kSystem | file_attribute::kArchive |
+                               file_attribute::kTemporary;
+
+std::string NamePart(const std::string& path) { return path.substr(path.rfind('\\') + 1); }
+// A drive's root keeps its backslash.
+std::string FolderPart(const std::string& path) {
+  constexpr size_t kRoot = 2;
+  const size_t slash = path.rfind('\\');
+  return path.substr(0, slash == kRoot ? kRoot + 1 : slash);
+}
+
+// A file that is read-only already could not be seen onto the disk.
+void DressWritable(HeldFolder& folder, const std::string& name, const FileDress& dress) {
+  folder.SetAttributes(name, dress.attributes & kSettable & ~file_attribute::kReadOnly);
+  folder.SetTimes(name, dress.times);
+}
+
+void MakeReadOnly(HeldFolder& folder, const std::string& name, const FileDress& dress) {
+  if ((dress.attributes & file_attribute::kReadOnly) == 0) return;
+  folder.SetAttributes(name, dress.attributes & kSettable);
+}
 
 template <typename Action>
 std::optional<RuntimeError> TroubleOf(Action&& action) {
@@ -32,83 +56,111 @@ void RequireBelow(std::string_view root, std::string_view path) {
 }
 
 FileRestorer::~FileRestorer() {
-  for (const std::string& temporary : temporaries_) {
-    IgnoringErrors([&] { files_.Delete(temporary); });
+  for (const Written& file : written_) {
+    IgnoringErrors([&] { file.folder->Delete(file.temporary); });
   }
 }
 
+HeldFolders& FileRestorer::Folders() {
+  if (folders_ && folders_->Count() >= kMostFolders) Settle();
+  if (!folders_) folders_ = files_.HoldFolders();
+  return *folders_;
+}
+
+HeldFolder& FileRestorer::FolderOf(const std::string& path) {
+  if (HeldFolder* folder = Folders().Find(FolderPart(path))) return *folder;
+  throw RuntimeError(ErrorNumber::kPathNotFound, path);
+}
+
 std::optional<DirectoryEntry> FileRestorer::Stat(const std::string& path) {
-  if (taken_.contains(ToUpper(TemporaryName(path)))) Settle();
-  return files_.Stat(path);
+  if (taken_.contains(TemporaryName(path))) Settle();
+  HeldFolder* folder = Folders().Find(FolderPart(path));
+  return folder == nullptr ? std::nullopt : folder->Stat(NamePart(path));
+}
+
+std::unique_ptr<File> FileRestorer::Open(const std::string& path) {
+  return FolderOf(path).OpenForReading(NamePart(path));
+}
+
+void FileRestorer::Dress(const std::string& path, const FileDress& dress) {
+  HeldFolder& folder = FolderOf(path);
+  const std::string name = NamePart(path);
+  DressWritable(folder, name, dress);
+  MakeReadOnly(folder, name, dress);
 }
 
 void FileRestorer::Put(Item item) {
   const std::string temporary = TemporaryName(item.path);
   // Two names may come to the same one.
-  if (taken_.contains(ToUpper(temporary))) Settle();
-  // Neighbours come in a row: their folder is looked for once.
-  std::string folder = item.path.substr(0, item.path.rfind('\\'));
-  if (folder != folder_) CreateFolders(files_, folder);
-  folder_ = std::move(folder);
-  const auto discard = [&] { files_.Delete(temporary); };
-  IgnoringErrors(discard);
+  if (taken_.contains(temporary)) Settle();
+  Written file{.item = std::move(item), .temporary = NamePart(temporary)};
+  file.name = NamePart(file.item.path);
+  std::unique_ptr<File> open;
+  // Nothing is made for what turns out to be damaged before its first bytes.
+  const auto begin = [&] {
+    if (open) return;
+    file.folder = &Folders().Make(FolderPart(file.item.path));
+    open = file.folder->Create(file.temporary);
+  };
   try {
-    {
-      const std::unique_ptr<File> file = files_.Open(temporary, OpenMode::kCreate);
-      item.source([&](std::string_view piece) {
-        file->Write(piece);
-        bytes_ += piece.size();
-      });
-    }
-    if (item.finish) item.finish(temporary);
+    file.item.source([&](std::string_view piece) {
+      begin();
+      open->Write(piece);
+      bytes_ += piece.size();
+    });
+    begin();
+    open.reset();
+    if (file.item.dress) DressWritable(*file.folder, file.temporary, *file.item.dress);
   } catch (...) {
-    folder_.clear();
-    IgnoringErrors(discard);
+    open.reset();
+    if (file.folder != nullptr) IgnoringErrors([&] { file.folder->Delete(file.temporary); });
     throw;
   }
-  item.source = nullptr;
-  written_.push_back(std::move(item));
-  temporaries_.push_back(temporary);
-  taken_.insert(ToUpper(temporary));
+  file.item.source = nullptr;
+  written_.push_back(std::move(file));
+  taken_.insert(temporary);
   if (written_.size() >= kMostFiles || bytes_ >= kMostBytes) Settle();
 }
 
-void FileRestorer::Place(const Item& item, const std::string& temporary) {
+void FileRestorer::Place(const Written& file) {
   try {
-    return files_.PutInPlace(temporary, item.path);
+    return file.folder->PutInPlace(file.temporary, file.name);
   } catch (const RuntimeError&) {
     // A read-only file is in the way no longer than the new one takes to come.
-    const auto present = files_.Stat(item.path);
+    const auto present = file.folder->Stat(file.name);
     if (!present || (present->attributes & file_attribute::kReadOnly) == 0) throw;
-    files_.SetAttributes(item.path, present->attributes & ~file_attribute::kReadOnly);
+    file.folder->SetAttributes(file.name, present->attributes & ~file_attribute::kReadOnly);
   }
-  files_.PutInPlace(temporary, item.path);
+  file.folder->PutInPlace(file.temporary, file.name);
 }
 
 void FileRestorer::Settle() {
-  if (written_.empty()) return;
-  const std::vector<Item> items = std::exchange(written_, {});
-  const std::vector<std::string> temporaries = std::exchange(temporaries_, {});
+  const std::vector<Written> files = std::exchange(written_, {});
   taken_.clear();
   bytes_ = 0;
-  const auto unflushed = TroubleOf([&] { files_.FlushAll(temporaries); });
-  std::vector<std::string> paths;
-  std::vector<const Item*> placed;
-  for (size_t i = 0; i < items.size(); ++i) {
-    const auto trouble =
-        unflushed ? unflushed : TroubleOf([&] { Place(items[i], temporaries[i]); });
+  if (!files.empty()) FinishAll(files);
+  folders_.reset();
+}
+
+void FileRestorer::FinishAll(const std::vector<Written>& files) {
+  const auto unflushed = TroubleOf([&] { folders_->Flush(); });
+  std::vector<const Written*> placed;
+  for (const Written& file : files) {
+    const auto trouble = unflushed ? unflushed : TroubleOf([&] { Place(file); });
     if (trouble) {
-      IgnoringErrors([&] { files_.Delete(temporaries[i]); });
-      items[i].failed(*trouble);
+      IgnoringErrors([&] { file.folder->Delete(file.temporary); });
+      file.item.failed(*trouble);
     } else {
-      paths.push_back(items[i].path);
-      placed.push_back(&items[i]);
+      placed.push_back(&file);
     }
   }
-  const auto unnamed = TroubleOf([&] { files_.FlushAll(paths); });
-  for (const Item* item : placed) {
-    const auto trouble = unnamed ? unnamed : TroubleOf(item->placed);
-    if (trouble) item->failed(*trouble);
+  const auto unnamed = TroubleOf([&] { folders_->Flush(); });
+  for (const Written* file : placed) {
+    const auto trouble = unnamed ? unnamed : TroubleOf([&] {
+      if (file->item.dress) MakeReadOnly(*file->folder, file->name, *file->item.dress);
+      file->item.placed();
+    });
+    if (trouble) file->item.failed(*trouble);
   }
 }
 

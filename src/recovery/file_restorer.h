@@ -9,9 +9,17 @@
 #include <vector>
 
 #include "base/runtime_error.h"
+#include "base/text.h"
 #include "platform/files.h"
+#include "platform/held_folders.h"
 
 namespace quarnel {
+
+// What a file has beside its bytes and its name.
+struct FileDress {
+  uint32_t attributes = 0;
+  FileTimes times;
+};
 
 // Puts files back. No folder is entered by way of a link, and a file appears under its name only
 // when it is complete and on the disk. Since a wait for the disk costs about the same for one file
@@ -25,8 +33,7 @@ class FileRestorer {
     std::string path;
     // Hands the file's bytes to its argument, piece by piece; what it raises leaves nothing behind.
     std::function<void(const Pieces& take)> source;
-    // Gives the finished file its times and attributes, before it gets its name; may be empty.
-    std::function<void(const std::string& temporary)> finish;
+    std::optional<FileDress> dress;  // without one the system gives it what a new file has
     // The file has its name.
     std::function<void()> placed;
     // The file could not be given its name, or `placed` raised this.
@@ -42,23 +49,35 @@ class FileRestorer {
   // What stands at a path, counting what is only written yet.
   std::optional<DirectoryEntry> Stat(const std::string& path);
 
+  // Reads a file that stands at a path.
+  std::unique_ptr<File> Open(const std::string& path);
+  // Gives a file that stands at a path its attributes and times.
+  void Dress(const std::string& path, const FileDress& dress);
+
   // Writes a file that is to be made or replaced, with all folders on the way. Raises RuntimeError
-  // when that fails; what happens later is told through the item.
+  // when that fails, with nothing left behind; what happens later is told through the item.
   void Put(Item item);
 
   // Gives all files that were written their names.
   void Settle();
 
-  Files& files() { return files_; }
-
  private:
-  void Place(const Item& item, const std::string& temporary);
+  struct Written {
+    Item item;
+    HeldFolder* folder = nullptr;
+    std::string name;
+    std::string temporary;
+  };
+
+  HeldFolders& Folders();
+  HeldFolder& FolderOf(const std::string& path);
+  static void Place(const Written& file);
+  void FinishAll(const std::vector<Written>& files);
 
   Files& files_;
-  std::vector<Item> written_;
-  std::vector<std::string> temporaries_;  // of written_, in the same order
-  std::set<std::string> taken_;           // the same names
-  std::string folder_;                    // of the last file, which stands
+  std::unique_ptr<HeldFolders> folders_;  // those of written_, and those that were looked into
+  std::vector<Written> written_;
+  std::set<std::string, LessText> taken_;  // the paths of their temporary names
   uint64_t bytes_ = 0;
 };
 

@@ -8,13 +8,6 @@
 #include "recovery/safe_path.h"
 
 namespace quarnel {
-namespace {
-
-constexpr uint32_t kSettable = file_attribute::kReadOnly | file_attribute::kHidden |
-                               file_attribute::kSystem | file_attribute::kArchive |
-                               file_attribute::kTemporary;
-
-}  // namespace
 
 void StrictRestore::Run(const Manifest& manifest) {
   BackupPage& page = u_.page;
@@ -81,7 +74,7 @@ bool StrictRestore::StandsThere(const FileItem& item, FileRestorer& restorer) {
   if (equal) {
     Sha256 hash;
     std::string buffer(size_t{1} << 18, '\0');
-    const auto file = restorer.files().Open(item.path, OpenMode::kRead);
+    const auto file = restorer.Open(item.path);
     while (const size_t count = file->Read({buffer.data(), buffer.size()})) {
       hash.Update({buffer.data(), count});
     }
@@ -97,16 +90,7 @@ bool StrictRestore::StandsThere(const FileItem& item, FileRestorer& restorer) {
 
 void StrictRestore::RestoreFile(const FileItem& item, StoredCopies& copies,
                                 FileRestorer& restorer) {
-  Files& files = restorer.files();
-  const uint32_t attributes = item.attributes & kSettable;
-  const auto finish = [&files, &item, attributes](const std::string& path) {
-    // A file that is read-only already could not be seen onto the disk.
-    files.SetAttributes(path, attributes & ~file_attribute::kReadOnly);
-    files.SetTimes(path, item.times);
-  };
-  const auto makeReadOnly = [&files, &item, attributes] {
-    if ((attributes & file_attribute::kReadOnly) != 0) files.SetAttributes(item.path, attributes);
-  };
+  const FileDress dress{.attributes = item.attributes, .times = item.times};
   const auto failed = [this, &item](const RuntimeError& error) {
     report_.failures.push_back({item.path, error.Description()});
     u_.log.WriteErrorLog("RestoreFiles",
@@ -115,19 +99,14 @@ void StrictRestore::RestoreFile(const FileItem& item, StoredCopies& copies,
   try {
     RequireSafePath(item.path);
     if (StandsThere(item, restorer)) {
-      finish(item.path);
-      makeReadOnly();
+      restorer.Dress(item.path, dress);
       ++report_.present;
       return;
     }
     restorer.Put({.path = item.path,
                   .source = [&](const FileRestorer::Pieces& take) { copies.Read(item, take); },
-                  .finish = finish,
-                  .placed =
-                      [this, makeReadOnly] {
-                        makeReadOnly();
-                        ++report_.files;
-                      },
+                  .dress = dress,
+                  .placed = [this] { ++report_.files; },
                   .failed = failed});
   } catch (const RuntimeError& error) {
     failed(error);

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "platform/held_folders.h"
 #include "support/platform_fixture.h"
 #include "support/test_host.h"
 
@@ -26,6 +27,7 @@ class FailingFiles : public Files {
     Step();
     return std::make_unique<FailingFile>(*this, files_.Open(path, mode));
   }
+  std::unique_ptr<HeldFolders> HoldFolders() override { return files_.HoldFolders(); }
   void Delete(std::string_view path) override { files_.Delete(path); }
   void DeleteFolder(std::string_view path) override { files_.DeleteFolder(path); }
   void CreateFolder(std::string_view path) override { files_.CreateFolder(path); }

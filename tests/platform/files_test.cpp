@@ -2,7 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+
 #include "base/text.h"
+#include "platform/held_folders.h"
 #include "support/platform_fixture.h"
 
 namespace quarnel {
@@ -291,23 +294,71 @@ TEST_F(FilesTest, ReplacesAWholeFileByWayOfAnother) {
   EXPECT_EQ(Read(path), "newer");
 }
 
-TEST_F(FilesTest, PutsManyFilesInPlaceAtOnce) {
+TEST_F(FilesTest, HeldFoldersTakeManyFilesAtOnce) {
+  const auto put = [](HeldFolder& folder, const std::string& name, std::string_view bytes) {
+    folder.Create(name + ".new")->Write(bytes);
+    return [&folder, name] { folder.PutInPlace(name + ".NEW", name); };
+  };
   for (const int count : {3, 30}) {
-    std::vector<std::string> from;
-    std::vector<std::string> to;
+    const std::string base = Path("held" + std::to_string(count));
+    const auto folders = files().WithoutLinks().HoldFolders();
+    EXPECT_EQ(folders->Find(base), nullptr);
+    HeldFolder& top = folders->Make(base);
+    HeldFolder& deep = folders->Make(base + "\\a\\b");
+    EXPECT_EQ(&folders->Make(base), &top);
+    EXPECT_EQ(folders->Find(base + "\\a\\b"), &deep);
+    top.Create("File0")->Write("old");
+    std::vector<std::function<void()>> places;
     for (int i = 0; i < count; ++i) {
-      from.push_back(Make("new" + std::to_string(i), std::to_string(i)));
-      to.push_back(Path("file" + std::to_string(i)));
-      if (i % 2 == 0) WriteWholeFile(files(), to.back(), "old");
+      const std::string name = "file" + std::to_string(i);
+      places.push_back(put(i % 2 == 0 ? top : deep, name, std::to_string(i)));
     }
-    files().FlushAll(from);
-    for (size_t i = 0; i < from.size(); ++i) files().PutInPlace(from[i], to[i]);
-    files().FlushAll(to);
-    for (size_t i = 0; i < to.size(); ++i) EXPECT_EQ(Read(to[i]), std::to_string(i));
-    EXPECT_EQ(Names(Scratch()).size(), to.size());
-    from[1] = Path("missing");
-    EXPECT_EQ(ErrorOf([&] { files().FlushAll(from); }), ErrorNumber::kFileNotFound);
+    folders->Flush();
+    for (const auto& place : places) place();
+    folders->Flush();
+    for (int i = 0; i < count; ++i) {
+      EXPECT_EQ(Read(base + (i % 2 == 0 ? "\\file" : "\\a\\b\\FILE") + std::to_string(i)),
+                std::to_string(i));
+    }
+    EXPECT_EQ(Names(base).size(), 1U + static_cast<size_t>(count + 1) / 2);
+    // What stood there has kept its name.
+    EXPECT_EQ(top.Stat("FILE0")->name, "File0");
+    EXPECT_EQ(top.Stat("file0")->size, 1U);
   }
+}
+
+TEST_F(FilesTest, HeldFolderWorksByNamesAlone) {
+  CreateFolders(files(), Path("held\\sub"));
+  Make("held\\old");
+  files().SetAttributes(Path("held\\old"), file_attribute::kReadOnly);
+  const auto folders = files().WithoutLinks().HoldFolders();
+  HeldFolder& folder = folders->Make(Path("held"));
+  constexpr std::string_view kNoNames[] = {"",      ".",   "..",  "a\\b", "a/b",
+                                           "..\\x", "C:x", "a:b", "a*",   {"a\0b", 3}};
+  for (const std::string_view name : kNoNames) {
+    EXPECT_EQ(ErrorOf([&] { folder.Create(name); }), ErrorNumber::kBadFileName) << name;
+    EXPECT_FALSE(folder.Stat(name)) << name;
+  }
+  EXPECT_EQ(ErrorOf([&] { folder.Delete("none"); }), ErrorNumber::kFileNotFound);
+  EXPECT_EQ(ErrorOf([&] { folder.PutInPlace("none", "x"); }), ErrorNumber::kFileNotFound);
+  folder.Create("new")->Write("1");
+  EXPECT_EQ(ErrorOf([&] { folder.PutInPlace("new", "SUB"); }), ErrorNumber::kPathFileAccess);
+  EXPECT_EQ(ErrorOf([&] { folder.PutInPlace("new", "OLD"); }), ErrorNumber::kPermissionDenied);
+  folder.SetAttributes("OLD", file_attribute::kNormal);
+  folder.PutInPlace("new", "OLD");
+  const FileTime time = FileTime(std::chrono::sys_days(std::chrono::days(12'500)));
+  folder.SetTimes("old", {.modified = time});
+  EXPECT_EQ(files().Stat(Path("held\\old"))->modified, time);
+  EXPECT_EQ(Read(Path("held\\old")), "1");
+  // A file that had the name goes.
+  folder.Create("Old")->Write("22");
+  char buffer[4] = {};
+  EXPECT_EQ(folder.OpenForReading("oLD")->Read(buffer), 2U);
+  folder.Delete("OLD");
+  EXPECT_EQ(Names(Path("held")), std::vector<std::string>{"sub"});
+  Make("file");
+  EXPECT_EQ(folders->Find(Path("file")), nullptr);
+  EXPECT_EQ(ErrorOf([&] { folders->Make(Path("file\\x")); }), ErrorNumber::kFileExists);
 }
 
 TEST_F(FilesTest, KeepsTimes) {

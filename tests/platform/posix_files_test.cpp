@@ -11,6 +11,7 @@
 #include <sstream>
 #include <thread>
 
+#include "platform/held_folders.h"
 #include "platform/machine_folder.h"
 #include "platform/posix/path_map.h"
 #include "platform/posix/unique_fd.h"
@@ -191,6 +192,63 @@ TEST_F(PosixFilesTest, WithoutLinksNothingBehindALinkIsTouched) {
   safe.Delete(Path("moved"));
   safe.DeleteFolder(Path("link"));
   EXPECT_EQ(Names(), (std::vector<std::string>{"mine", "real"}));
+}
+
+TEST_F(PosixFilesTest, AHeldFolderStaysTheSame) {
+  fs::create_directories(Host() / "Way/folder");
+  fs::create_directories(Host() / "other");
+  const auto folders = files().WithoutLinks().HoldFolders();
+  HeldFolder& folder = folders->Make(Path("way\\FOLDER"));
+  folder.Create("begun")->Write("1");
+  fs::rename(Host() / "Way/folder", Host() / "moved");
+  fs::create_directory_symlink("../other", Host() / "Way/folder");
+  folder.PutInPlace("begun", "done");
+  folder.Create("more")->Write("2");
+  folders->Flush();
+  EXPECT_EQ(Read("moved\\done") + Read("moved\\more"), "12");
+  EXPECT_TRUE(fs::is_empty(Host() / "other"));
+  // Who comes now meets the link.
+  const auto later = files().WithoutLinks().HoldFolders();
+  EXPECT_EQ(later->Find(Path("Way\\folder")), nullptr);
+  for (const char* name : {"Way\\folder", "Way\\folder\\new"}) {
+    EXPECT_EQ(ErrorOf([&] { later->Make(Path(name)); }), ErrorNumber::kPermissionDenied);
+  }
+  EXPECT_TRUE(fs::is_empty(Host() / "other"));
+  // A link at the end is neither read, nor written through, nor dressed.
+  fs::create_symlink("done", Host() / "moved/link");
+  EXPECT_EQ(ErrorOf([&] { folder.OpenForReading("link"); }), ErrorNumber::kPermissionDenied);
+  EXPECT_EQ(ErrorOf([&] { folder.SetTimes("link", {}); }), ErrorNumber::kPermissionDenied);
+  folder.Create("link")->Write("mine");
+  EXPECT_EQ(Read("moved\\done") + Read("moved\\link"), "1mine");
+}
+
+TEST_F(PosixFilesTest, HeldFoldersKnowEveryLetterCase) {
+  fs::create_directories(Host() / "Case");
+  Plant(Host() / "Case/Planted", "1");
+  const auto folders = files().WithoutLinks().HoldFolders();
+  HeldFolder& folder = folders->Make(Path("cASE"));
+  EXPECT_EQ(&folders->Make(Path("CASE")), &folder);
+  EXPECT_FALSE(folder.Stat("missing"));
+  EXPECT_EQ(folder.Stat("PLANTED")->name, "Planted");
+  folder.Create("New")->Write("2");
+  EXPECT_EQ(folder.Stat("NEW")->name, "New");
+  // A missing folder is made in the one that stands, however it is written.
+  folders->Make(Path("case\\inner\\Innermost"));
+  EXPECT_TRUE(fs::exists(Host() / "Case/inner/Innermost"));
+  EXPECT_EQ(Names(), std::vector<std::string>{"Case"});
+  // A name that another program makes is seen at once in its own letter case.
+  Plant(Host() / "Case/theirs", "3");
+  EXPECT_TRUE(folder.Stat("theirs"));
+  fs::remove(Host() / "Case/Planted");
+  EXPECT_FALSE(folder.Stat("PLANTED"));
+}
+
+TEST_F(PosixFilesTest, WhatGetsAProgramsNameMayBeRun) {
+  const auto folders = files().HoldFolders();
+  HeldFolder& folder = folders->Make(Scratch());
+  folder.Create("~1.tmp")->Write("x");
+  folder.PutInPlace("~1.tmp", "program.EXE");
+  EXPECT_EQ(access((Host() / "program.EXE").c_str(), X_OK), 0);
 }
 
 TEST_F(PosixFilesTest, SpecialFilesAreNotOpened) {

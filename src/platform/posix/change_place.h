@@ -6,27 +6,26 @@
 #include <string_view>
 
 #include "platform/files.h"
+#include "platform/posix/drive_folder.h"
 #include "platform/posix/path_map.h"
 #include "platform/posix/unique_fd.h"
 
 namespace quarnel {
 
-// A name at which something is about to be changed. Its folder is held open and proven to lie on a
-// drive of the machine, wherever the links on the way led: so no link inside a machine folder can
-// turn a deletion or a write against the host. All operations raise RuntimeError.
+// A name at which something is about to be changed, in an open folder on a drive of the machine.
+// All operations raise RuntimeError.
 class ChangePlace {
  public:
-  // Whether a folder may be entered by way of a link.
-  enum class Links { kFollow, kRefuse };
-
   // The name itself, which may be a link. Raises kPathNotFound when its folder is missing,
   // kPathFileAccess for the root of a drive, kPermissionDenied when the folder lies outside or
   // behind a link that is refused.
   static ChangePlace Of(PathMap& paths, std::string_view windowsPath, Links links);
   // The same, with a link taken to its target, or refused.
   static ChangePlace OfTarget(PathMap& paths, std::string_view windowsPath, Links links);
+  // A host name in a folder that the caller keeps open.
+  static ChangePlace In(int folder, std::string name, std::string_view about);
 
-  int Folder() const { return folder_.Get(); }
+  int Folder() const { return folder_; }
   const char* Name() const { return name_.c_str(); }
   // The same place for calls that have no "at" form.
   std::string ProcPath() const;
@@ -40,17 +39,11 @@ class ChangePlace {
   // Takes the name's letter case from this path instead of what the disk has.
   void TakeNameOf(const PathMap& paths, std::string_view windowsPath);
 
-  // Returns when the folder's names are on the disk.
-  void SyncFolder() const;
-  // Returns when all that was written to the folder's volume is on the disk.
-  void SyncVolume() const;
-
  private:
-  // A place in an open folder.
-  static ChangePlace In(UniqueFd folder, std::string_view name, PathMap& paths,
-                        std::string_view about);
+  static ChangePlace In(UniqueFd folder, std::string name, std::string_view about);
 
-  UniqueFd folder_;
+  UniqueFd holder_;  // of the folder, where it is this place's own
+  int folder_ = -1;
   std::string name_;
   struct stat status_ = {};
   bool exists_ = false;

@@ -10,55 +10,17 @@
 
 #include "base/text.h"
 #include "platform/posix/at_path.h"
-#include "platform/posix/attributes.h"
 #include "platform/posix/backends.h"
 #include "platform/posix/change_place.h"
 #include "platform/posix/directory_stream.h"
+#include "platform/posix/held_folders.h"
+#include "platform/posix/place_operations.h"
 #include "platform/posix/posix_file.h"
 #include "platform/posix/system_error.h"
 #include "platform/posix/unique_fd.h"
 
 namespace quarnel {
 namespace {
-
-using Links = ChangePlace::Links;
-
-FileTime TimeFromSystem(const struct timespec& time) {
-  return FileTime(std::chrono::duration_cast<FileTime::duration>(
-      std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec)));
-}
-
-// One that is not known leaves what the file has.
-struct timespec TimeForSystem(FileTime time) {
-  if (time == FileTime()) return {0, UTIME_OMIT};
-  const auto sinceEpoch = time.time_since_epoch();
-  const auto seconds = std::chrono::floor<std::chrono::seconds>(sinceEpoch);
-  return {seconds.count(), std::chrono::nanoseconds(sinceEpoch - seconds).count()};
-}
-
-bool IsReadOnly(const struct stat& status) {
-  return !S_ISLNK(status.st_mode) && (status.st_mode & S_IWUSR) == 0;
-}
-
-// What stands at a name, as the target of a link shows it; a link to nothing shows itself. False
-// with errno when the name is gone.
-bool ReadEntry(int folder, const char* name, const std::string& path, DirectoryEntry& entry) {
-  struct stat status = {};
-  if (fstatat(folder, name, &status, AT_SYMLINK_NOFOLLOW) != 0) return false;
-  const bool isLink = S_ISLNK(status.st_mode);
-  struct stat target = {};
-  if (isLink && fstatat(folder, name, &target, 0) == 0) status = target;
-  uint32_t attributes = 0;
-  if (S_ISDIR(status.st_mode)) attributes |= file_attribute::kDirectory;
-  if (IsReadOnly(status)) attributes |= file_attribute::kReadOnly;
-  // Only files and folders carry extended attributes.
-  if (S_ISREG(status.st_mode) || S_ISDIR(status.st_mode)) attributes |= StoredAttributes(path);
-  if (isLink) attributes |= file_attribute::kReparsePoint;
-  entry.attributes = attributes == 0 ? file_attribute::kNormal : attributes;
-  entry.size = S_ISREG(status.st_mode) ? static_cast<uint64_t>(status.st_size) : 0;
-  entry.modified = TimeFromSystem(status.st_mtim);
-  return true;
-}
 
 // The way to the folder is looked up once for all its files.
 class OpenedFolder : public ListedFolder {
@@ -130,7 +92,7 @@ class PosixFiles : public Files {
       if (auto file = OpenForReading(location.host, path)) return file;
       RaiseMissing(location, path);
     }
-    ChangePlace place = ChangePlace::OfTarget(paths_, path, links_);
+    ChangePlace place = TargetOf(path);
     return OpenForWriting(place, path, mode);
   }
 
@@ -143,12 +105,9 @@ class PosixFiles : public Files {
     return std::make_unique<OpenedFolder>(std::move(fd));
   }
 
-  void Delete(std::string_view path) override {
-    const ChangePlace place = ExistingPlace(path);
-    if (place.IsFolder()) throw RuntimeError(ErrorNumber::kPathFileAccess, path, EISDIR);
-    RefuseReadOnly(place, path);
-    if (unlinkat(place.Folder(), place.Name(), 0) != 0) RaiseErrno(errno, path);
-  }
+  std::unique_ptr<HeldFolders> HoldFolders() override { return MakeHeldFolders(paths_, links_); }
+
+  void Delete(std::string_view path) override { DeleteAt(PlaceOf(path), path); }
 
   void DeleteFolder(std::string_view path) override {
     const ChangePlace place = ExistingPlace(path);
@@ -160,14 +119,14 @@ class PosixFiles : public Files {
   }
 
   void CreateFolder(std::string_view path) override {
-    const ChangePlace place = ChangePlace::Of(paths_, path, links_);
+    const ChangePlace place = PlaceOf(path);
     if (place.Exists()) throw RuntimeError(ErrorNumber::kFileExists, path, EEXIST);
     if (mkdirat(place.Folder(), place.Name(), 0777) != 0) RaiseErrno(errno, path);
   }
 
   void Move(std::string_view from, std::string_view to) override {
     const ChangePlace source = ExistingPlace(from);
-    ChangePlace target = ChangePlace::Of(paths_, to, links_);
+    ChangePlace target = PlaceOf(to);
     if (target.Exists()) {
       // A change of letter case finds the file itself.
       if (!target.IsSameEntry(source)) throw RuntimeError(ErrorNumber::kFileExists, to, EEXIST);
@@ -184,73 +143,40 @@ class PosixFiles : public Files {
   }
 
   void ReplaceFile(std::string_view from, std::string_view to) override {
-    Replace(from, to, [&](const ChangePlace& source) { SyncFile(source, from); }).SyncFolder();
-  }
-
-  void PutInPlace(std::string_view from, std::string_view to) override {
-    Replace(from, to, [](const ChangePlace&) {});
-  }
-
-  void FlushAll(std::span<const std::string> paths) override {
-    // For some files the disk is not asked to take all that other programs wrote.
-    constexpr size_t kSome = 8;
-    std::vector<dev_t> done;
-    for (const std::string& path : paths) {
-      const ChangePlace place = ExistingPlace(path);
-      if (paths.size() <= kSome) {
-        if (!place.IsFolder()) SyncFile(place, path);
-        place.SyncFolder();
-      } else if (std::find(done.begin(), done.end(), place.Status().st_dev) == done.end()) {
-        done.push_back(place.Status().st_dev);
-        place.SyncVolume();
-      }
-    }
+    const ChangePlace source = ExistingPlace(from);
+    const ChangePlace target = PlaceOf(to);
+    RequireReplaceable(source, target, to);
+    SyncFile(source, from);
+    RenameAt(source, target, to);
+    SyncFolder(target.Folder(), to);
   }
 
   void Copy(std::string_view from, std::string_view to) override {
     if (links_ == Links::kRefuse) {
       const ChangePlace source = ExistingPlace(from);
-      const ChangePlace target = ChangePlace::OfTarget(paths_, to, links_);
+      const ChangePlace target = TargetOf(to);
       if (target.IsFolder()) throw RuntimeError(ErrorNumber::kPathFileAccess, to, EISDIR);
       return CopyFile(source, from, target, to);
     }
     const PathMap::Location source = paths_.Locate(from);
     if (!source.exists) RaiseMissing(source, from);
-    ChangePlace target = ChangePlace::OfTarget(paths_, to, links_);
+    ChangePlace target = TargetOf(to);
     if (target.IsFolder()) throw RuntimeError(ErrorNumber::kPathFileAccess, to, EISDIR);
     CopyFile(source.host, from, target, to);
   }
 
   void SetAttributes(std::string_view path, uint32_t attributes) override {
-    const ChangePlace place = ChangePlace::OfTarget(paths_, path, links_);
-    if (!place.Exists()) throw RuntimeError(ErrorNumber::kFileNotFound, path, ENOENT);
-    const mode_t mode = place.Status().st_mode & 07777;
-    const bool readOnly = (attributes & file_attribute::kReadOnly) != 0;
-    const auto setMode = [&](mode_t value) {
-      if (fchmodat(place.Folder(), place.Name(), value, AT_SYMLINK_NOFOLLOW) != 0) {
-        RaiseErrno(errno, path);
-      }
-    };
-    // The extended attribute of a file that may not be written cannot be set.
-    setMode(mode | S_IWUSR);
-    StoreAttributes(place.ProcPath(), attributes);
-    if (readOnly) setMode(mode & ~mode_t{0222});
+    SetAttributesAt(TargetOf(path), attributes, path);
   }
 
   FileTimes Times(std::string_view path) override {
-    const ChangePlace place = ChangePlace::OfTarget(paths_, path, links_);
-    if (!place.Exists()) throw RuntimeError(ErrorNumber::kFileNotFound, path, ENOENT);
-    return {.accessed = TimeFromSystem(place.Status().st_atim),
-            .modified = TimeFromSystem(place.Status().st_mtim)};
+    const ChangePlace place = TargetOf(path);
+    RequireExists(place, path);
+    return TimesAt(place);
   }
 
   void SetTimes(std::string_view path, const FileTimes& times) override {
-    const ChangePlace place = ChangePlace::OfTarget(paths_, path, links_);
-    if (!place.Exists()) throw RuntimeError(ErrorNumber::kFileNotFound, path, ENOENT);
-    const struct timespec both[] = {TimeForSystem(times.accessed), TimeForSystem(times.modified)};
-    if (utimensat(place.Folder(), place.Name(), both, AT_SYMLINK_NOFOLLOW) != 0) {
-      RaiseErrno(errno, path);
-    }
+    SetTimesAt(TargetOf(path), times, path);
   }
 
  private:
@@ -261,7 +187,7 @@ class PosixFiles : public Files {
     // Holds the way to the folder open while it is read by its place below that.
     std::optional<ChangePlace> held;
     if (links_ == Links::kRefuse && !paths_.Exact(folder).IsDriveRoot()) {
-      held = ChangePlace::OfTarget(paths_, folder, links_);
+      held = TargetOf(folder);
       host = held->ProcPath();
     }
     std::optional<DirectoryStream> stream(std::in_place, host);
@@ -300,33 +226,16 @@ class PosixFiles : public Files {
                        path, ENOENT);
   }
 
-  // Puts a file in the place of another; `before` sees it first. The place it has then.
-  template <typename Before>
-  ChangePlace Replace(std::string_view from, std::string_view to, Before&& before) {
-    const ChangePlace source = ExistingPlace(from);
-    ChangePlace target = ChangePlace::Of(paths_, to, links_);
-    if (source.IsFolder() || target.IsFolder()) {
-      throw RuntimeError(ErrorNumber::kPathFileAccess, to, EISDIR);
-    }
-    RefuseReadOnly(target, to);
-    before(source);
-    if (renameat(source.Folder(), source.Name(), target.Folder(), target.Name()) != 0) {
-      RaiseErrno(errno, to);
-    }
-    return target;
+  ChangePlace PlaceOf(std::string_view path) { return ChangePlace::Of(paths_, path, links_); }
+  ChangePlace TargetOf(std::string_view path) {
+    return ChangePlace::OfTarget(paths_, path, links_);
   }
 
   // The place of a name that must stand there already.
   ChangePlace ExistingPlace(std::string_view path) {
-    ChangePlace place = ChangePlace::Of(paths_, path, links_);
-    if (!place.Exists()) throw RuntimeError(ErrorNumber::kFileNotFound, path, ENOENT);
+    ChangePlace place = PlaceOf(path);
+    RequireExists(place, path);
     return place;
-  }
-
-  static void RefuseReadOnly(const ChangePlace& place, std::string_view path) {
-    if (place.Exists() && IsReadOnly(place.Status())) {
-      throw RuntimeError(ErrorNumber::kPermissionDenied, path, EACCES);
-    }
   }
 
   bool ReadEntryAt(const PathMap::Location& location, std::string_view path,
@@ -337,7 +246,7 @@ class PosixFiles : public Files {
     }
     bool found = false;
     IgnoringErrors([&] {
-      const ChangePlace place = ChangePlace::Of(paths_, path, links_);
+      const ChangePlace place = PlaceOf(path);
       found = ReadEntry(place.Folder(), place.Name(), place.ProcPath(), entry);
     });
     return found;

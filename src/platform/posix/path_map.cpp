@@ -158,8 +158,13 @@ PathMap::Location PathMap::Locate(std::string_view windowsPath) {
       location.exists = location.hasFolder = LStat(location.host, status);
       if (location.exists) return location;
     }
-    folder = FolderBelow(nearest, exactFolder);
-    if (folder) lookup = Find(*folder, name);
+    Known reached = FolderBelow(nearest, exactFolder);
+    if (reached.length < exactFolder.size()) {
+      location.host = reached.host + location.host.substr(reached.length);
+      return location;
+    }
+    folder = std::move(reached.host);
+    lookup = Find(*folder, name);
   }
   if (!lookup) return location;
   location.hasFolder = true;
@@ -189,19 +194,18 @@ PathMap::Known PathMap::NearestKnown(const std::string& exact, size_t driveLengt
   return {exact.substr(0, driveLength), driveLength};
 }
 
-// Goes down from a known folder to the one whose path in the letter case given is `exact`. What is
-// missing is found missing with one look.
-std::optional<std::string> PathMap::FolderBelow(const Known& known, const std::string& exact) {
-  std::string folder = known.host;
-  for (size_t length = known.length; length < exact.size();) {
-    const size_t end = std::min(exact.find('/', length + 1), exact.size());
-    const auto lookup = Find(folder, exact.substr(length + 1, end - length - 1));
-    if (!lookup || !lookup->found) return std::nullopt;
-    folder.append("/").append(lookup->name);
-    length = end;
-    Remember(exact.substr(0, length), folder);
+// Goes down from a known folder towards the one whose path in the letter case given is `exact`, as
+// far as there are folders. What is missing is found missing with one look.
+PathMap::Known PathMap::FolderBelow(Known known, const std::string& exact) {
+  while (known.length < exact.size()) {
+    const size_t end = std::min(exact.find('/', known.length + 1), exact.size());
+    const auto lookup = Find(known.host, exact.substr(known.length + 1, end - known.length - 1));
+    if (!lookup || !lookup->found) break;
+    known.host.append("/").append(lookup->name);
+    known.length = end;
+    Remember(exact.substr(0, known.length), known.host);
   }
-  return folder;
+  return known;
 }
 
 void PathMap::Remember(const std::string& exact, const std::string& host) {

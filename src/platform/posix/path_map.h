@@ -88,7 +88,7 @@ class PathMap {
 
   std::optional<std::string> KnownFolder(const std::string& exact);
   Known NearestKnown(const std::string& exact, size_t driveLength);
-  std::optional<std::string> FolderBelow(const Known& known, const std::string& exact);
+  Known FolderBelow(Known known, const std::string& exact);
   void Remember(const std::string& exact, const std::string& host);
   static void Read(const std::string& folder, Listing& listing);
   std::optional<Lookup> Find(const std::string& folder, const std::string& name);

@@ -126,8 +126,7 @@ UniqueFd OpenTarget(const ChangePlace& place, std::string_view about, int flags)
     throw RuntimeError(ErrorNumber::kPermissionDenied, about, EACCES);
   }
   constexpr int kAlways = O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
-  // Windows knows no right to run a file: what is called a program may be run.
-  const mode_t mode = EndsWithText(place.Name(), ".exe") ? 0777 : 0666;
+  const mode_t mode = IsProgramName(place.Name()) ? 0777 : 0666;
   UniqueFd fd(openat(place.Folder(), place.Name(), flags | kAlways, mode));
   StatusOfPlainFile(fd, about);
   return fd;
@@ -183,6 +182,8 @@ void CopyFile(const Source& from, std::string_view about, const ChangePlace& tar
 }
 
 }  // namespace
+
+bool IsProgramName(std::string_view name) { return EndsWithText(name, ".exe"); }
 
 std::unique_ptr<File> OpenForReading(const std::string& host, std::string_view about) {
   const AtPath at(host);

@@ -11,6 +11,9 @@
 // the program up. `about` is the path for the text of an error.
 namespace quarnel {
 
+// Windows knows no right to run a file: what is called a program may be run.
+bool IsProgramName(std::string_view name);
+
 // Null when nothing stands there.
 std::unique_ptr<File> OpenForReading(const std::string& host, std::string_view about);
 // The same for the name itself, which must be no link.

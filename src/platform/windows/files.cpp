@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "base/text.h"
+#include "platform/held_folders.h"
 #include "platform/windows/backends.h"
 #include "platform/windows/held_way.h"
 #include "platform/windows/system_error.h"
@@ -79,7 +80,9 @@ SearchHandle BeginSearch(const std::wstring& pattern, WIN32_FIND_DATAW& found) {
 
 class WindowsFiles : public Files {
  public:
-  enum class Links { kFollow, kRefuse };
+  // Whether folders may be entered by way of a link; where the way is held already, only what bears
+  // a path's name may not be one.
+  enum class Links { kFollow, kRefuse, kWayIsHeld };
   explicit WindowsFiles(Links links = Links::kFollow) : links_(links) {}
 
   Files& WithoutLinks() override {
@@ -149,7 +152,7 @@ class WindowsFiles : public Files {
   std::unique_ptr<File> Open(std::string_view path, OpenMode mode) override {
     const std::wstring place = SystemPath(path);
     const HeldWay way = WayTo(place, path);
-    return OpenWindowsFile(place, path, mode, links_ == Links::kRefuse);
+    return OpenWindowsFile(place, path, mode, links_ != Links::kFollow);
   }
 
   void Delete(std::string_view path) override {
@@ -190,7 +193,7 @@ class WindowsFiles : public Files {
       throw RuntimeError(ErrorNumber::kPermissionDenied, from, static_cast<long>(code));
     }
     if (isFolder || code != ERROR_NOT_SAME_DEVICE) RaiseSystemError(code, from);
-    if (links_ == Links::kRefuse && IsLinkAt(source)) RaiseSystemError(ERROR_ACCESS_DENIED, from);
+    if (links_ != Links::kFollow && IsLinkAt(source)) RaiseSystemError(ERROR_ACCESS_DENIED, from);
     // Not left to the system, which calls it a success when the source stays.
     if (!CopyFileW(source.c_str(), target.c_str(), TRUE)) RaiseSystemError(GetLastError(), from);
     SetFileAttributesW(source.c_str(), FILE_ATTRIBUTE_NORMAL);
@@ -202,14 +205,17 @@ class WindowsFiles : public Files {
     Replace(from, to, MOVEFILE_WRITE_THROUGH);
   }
 
-  void PutInPlace(std::string_view from, std::string_view to) override { Replace(from, to, 0); }
+  std::unique_ptr<HeldFolders> HoldFolders() override;
+
+  // As ReplaceFile, without a wait for the disk.
+  void PutInPlace(std::string_view from, std::string_view to) { Replace(from, to, 0); }
 
   void Copy(std::string_view from, std::string_view to) override {
     const std::wstring source = SystemPath(from);
     const std::wstring target = SystemPath(to);
     const HeldWay wayFrom = WayTo(source, from, HeldWay::End::kItself);
     const HeldWay wayTo = WayTo(target, to);
-    if (links_ == Links::kRefuse && IsLinkAt(target)) RaiseSystemError(ERROR_ACCESS_DENIED, to);
+    if (links_ != Links::kFollow && IsLinkAt(target)) RaiseSystemError(ERROR_ACCESS_DENIED, to);
     if (IsFolderAt(source)) throw RuntimeError(ErrorNumber::kPathFileAccess, from);
     if (IsFolderAt(target)) throw RuntimeError(ErrorNumber::kPathFileAccess, to);
     const DWORD before = RefuseReadOnly(target, to);
@@ -289,12 +295,43 @@ class WindowsFiles : public Files {
   // What has to be held while something is done at a place; nothing where links are followed.
   HeldWay WayTo(const std::wstring& place, std::string_view about,
                 HeldWay::End end = HeldWay::End::kFolder) const {
-    return links_ == Links::kFollow ? HeldWay() : HeldWay(place, end, about);
+    if (links_ == Links::kRefuse) return HeldWay(place, end, about);
+    if (links_ == Links::kWayIsHeld && end == HeldWay::End::kItself && IsLinkAt(place)) {
+      throw RuntimeError(ErrorNumber::kPermissionDenied, about, ERROR_ACCESS_DENIED);
+    }
+    return {};
   }
 
   Links links_;
   std::unique_ptr<WindowsFiles> withoutLinks_;
+  std::unique_ptr<WindowsFiles> wayIsHeld_;
 };
+
+// The way is held once for all files of a folder.
+class WindowsHeldFolder : public HeldFolderByPath {
+ public:
+  WindowsHeldFolder(WindowsFiles& files, const std::string& path, WindowsFiles::Links links)
+      : HeldFolderByPath(files, path), files_(files) {
+    if (links == WindowsFiles::Links::kRefuse) {
+      way_ = HeldWay(SystemPath(path), HeldWay::End::kItself, path);
+    }
+  }
+
+ private:
+  void Replace(const std::string& from, const std::string& to) override {
+    files_.PutInPlace(from, to);
+  }
+
+  WindowsFiles& files_;
+  HeldWay way_;
+};
+
+std::unique_ptr<HeldFolders> WindowsFiles::HoldFolders() {
+  if (!wayIsHeld_) wayIsHeld_ = std::make_unique<WindowsFiles>(Links::kWayIsHeld);
+  return std::make_unique<HeldFoldersByPath>(*this, [this](const std::string& path) {
+    return std::make_unique<WindowsHeldFolder>(*wayIsHeld_, path, links_);
+  });
+}
 
 }  // namespace
 

@@ -6,6 +6,7 @@
 
 #include "base/runtime_error.h"
 #include "base/text.h"
+#include "platform/held_folders.h"
 #include "support/platform_fixture.h"
 
 namespace quarnel {
@@ -68,12 +69,11 @@ class UndoneFiles : public Files {
     Keep(to);
     files_.ReplaceFile(from, to);
   }
-  void PutInPlace(std::string_view from, std::string_view to) override {
-    Keep(from);
-    Keep(to);
-    files_.PutInPlace(from, to);
+  std::unique_ptr<HeldFolders> HoldFolders() override {
+    return std::make_unique<HeldFoldersByPath>(*this, [this](const std::string& path) {
+      return std::make_unique<HeldFolderByPath>(*this, path);
+    });
   }
-  void FlushAll(std::span<const std::string> paths) override { files_.FlushAll(paths); }
   void Copy(std::string_view from, std::string_view to) override {
     Keep(to);
     files_.Copy(from, to);
