@@ -22,18 +22,13 @@
 
 // How the index is made. A search for a hash finds something only where 32 hexadecimal digits stand
 // in a row. So each worker deciphers its part of the file and looks for such rows while the text is
-// still in the cache. Then each worker fills one table: it goes through the places of all parts,
-// from the first on, and enters those whose value belongs to its table. That needs no lock, and of
-// equal hashes the first one is entered.
+// still in the cache; it sorts their places by the table that their value belongs to. Then each
+// worker fills one table with its places of all parts, from the first part on. That needs no lock,
+// and of equal hashes the first one is entered.
 namespace quarnel {
 namespace {
 
 constexpr size_t kPiece = size_t{256} * 1024;
-
-// The number of the table to which a value belongs. It takes the high bits, and slots the low ones.
-size_t PartOf(uint32_t value, size_t parts) {
-  return static_cast<size_t>(uint64_t{value} * parts >> 32);
-}
 
 // The first position from `position` on at which a line begins. `end` when there is none near: a
 // file with such lines is not read in parts.
@@ -127,8 +122,7 @@ class HashIndex::Data {
   using Slots = std::vector<uint32_t>;
 
   void Index(std::span<const HashPlaces> found, Progress& progress);
-  void FillTable(std::span<const HashPlaces> found, Slots& table, size_t part,
-                 Progress& progress) const;
+  void FillTable(std::span<const HashPlaces> found, size_t number, Progress& progress);
   void Enter(const HashPlaces::Place& place, Slots& table) const;
   // The position of the hash in the table, or the slot where it would be entered.
   std::optional<size_t> Lookup(const Slots& table, uint32_t value, const char* hash,
@@ -143,13 +137,14 @@ class HashIndex::Data {
 };
 
 bool HashIndex::Data::Load(std::span<FilePart> parts, Progress& progress) {
-  std::vector<HashPlaces> found(parts.size());
+  std::vector<HashPlaces> found(parts.size(), HashPlaces(parts.size()));
   std::vector<std::optional<size_t>> ends(parts.size());
   RunParallel(parts.size(), [&](size_t i) {
-    // Half of what the densest text would need; what is not used costs nothing.
-    auto& hashes = found[i].hashes;
-    hashes.reserve((parts[i].end - parts[i].begin) / (2 * kHashDigits));
-    PreferLargePages(hashes.data(), hashes.capacity() * sizeof(HashPlaces::Place));
+    for (auto& hashes : found[i].hashes) {
+      // Half of what the densest text would need; what is not used costs nothing.
+      hashes.reserve((parts[i].end - parts[i].begin) / (2 * kHashDigits * parts.size()));
+      PreferLargePages(hashes.data(), hashes.capacity() * sizeof(HashPlaces::Place));
+    }
     ends[i] = DecipherPart(parts[i], text_.get(), found[i], [&, i] { return progress.GoesOn(i); });
   });
   for (size_t i = 0; i < parts.size(); ++i) {
@@ -167,7 +162,7 @@ void HashIndex::Data::Take(std::string_view text) {
   }
   text.copy(text_.get(), text.size());
   size_ = text.size();
-  HashPlaces places;
+  HashPlaces places(1);
   places.Collect(text_.get(), 0, size_);
   const std::function<bool()> always;
   Progress progress(always);
@@ -181,33 +176,29 @@ void HashIndex::Data::Index(std::span<const HashPlaces> found, Progress& progres
     if (!blanks_) blanks_ = places.blanks;
   }
   tables_.resize(found.size());
-  RunParallel(tables_.size(),
-              [&](size_t part) { FillTable(found, tables_[part], part, progress); });
+  RunParallel(tables_.size(), [&](size_t number) { FillTable(found, number, progress); });
 }
 
-void HashIndex::Data::FillTable(std::span<const HashPlaces> found, Slots& table, size_t part,
-                                Progress& progress) const {
-  const auto isOurs = [&](const HashPlaces::Place& place) {
-    return PartOf(place.value, tables_.size()) == part;
-  };
+void HashIndex::Data::FillTable(std::span<const HashPlaces> found, size_t number,
+                                Progress& progress) {
   size_t count = 0;
-  for (const HashPlaces& places : found) {
-    count += static_cast<size_t>(std::count_if(places.hashes.begin(), places.hashes.end(), isOurs));
-  }
+  for (const HashPlaces& places : found) count += places.hashes[number].size();
   const size_t slots = std::bit_ceil(2 * count + 1);
+  Slots& table = tables_[number];
   table.reserve(slots);
   PreferLargePages(table.data(), slots * sizeof(Slots::value_type));
   table.resize(slots);
   for (const HashPlaces& places : found) {
-    for (size_t i = 0; i < places.hashes.size(); ++i) {
+    const auto& hashes = places.hashes[number];
+    for (size_t i = 0; i < hashes.size(); ++i) {
       // Slots lie anywhere in memory: they are asked for before they are needed.
       constexpr size_t kAhead = 16;
-      constexpr size_t kAtATime = 1 << 15;
-      if (i % kAtATime == kAtATime - 1 && !progress.GoesOn(part)) return;
-      if (i + kAhead < places.hashes.size()) {
-        __builtin_prefetch(&table[places.hashes[i + kAhead].value & (table.size() - 1)], 1);
+      constexpr size_t kAtATime = 1 << 14;
+      if (i % kAtATime == kAtATime - 1 && !progress.GoesOn(number)) return;
+      if (i + kAhead < hashes.size()) {
+        __builtin_prefetch(&table[hashes[i + kAhead].value & (slots - 1)], 1);
       }
-      if (isOurs(places.hashes[i])) Enter(places.hashes[i], table);
+      Enter(hashes[i], table);
     }
   }
 }
@@ -239,7 +230,7 @@ std::optional<size_t> HashIndex::Data::Find(std::string_view hash) const {
   if (!tables_.empty()) {
     const uint32_t value = HashValue(hash.data());
     size_t slot = 0;
-    found = Lookup(tables_[PartOf(value, tables_.size())], value, hash.data(), slot);
+    found = Lookup(tables_[TableOf(value, tables_.size())], value, hash.data(), slot);
   }
   for (const HashPlaces::LongRow& row : longRows_) {
     if (found && *found < row.begin) break;

@@ -15,6 +15,10 @@ inline constexpr size_t kHashDigits = 32;
 // so that nobody can make a file whose hashes all have the same one.
 uint32_t HashValue(const char* digits);
 
+// The number of the table, of so many, that a value belongs to. It goes by the high bits, which
+// leaves the low ones for the place in the table.
+size_t TableOf(uint32_t value, size_t tables);
+
 // Whether the 32 digits at both places are the same, letter case folded.
 bool SameHash(const char* left, const char* right);
 
@@ -33,7 +37,11 @@ struct HashPlaces {
     size_t size;
   };
 
-  std::vector<Place> hashes;  // rows of exactly 32 digits, in ascending order
+  // Sorts the hashes for so many tables.
+  explicit HashPlaces(size_t tables) : hashes(tables) {}
+
+  // Rows of exactly 32 digits, for each table in ascending order.
+  std::vector<std::vector<Place>> hashes;
   std::vector<LongRow> longRows;
   std::optional<size_t> blanks;  // the first row of 32 blanks
 
