@@ -58,6 +58,12 @@ std::string TemporaryName(std::string_view path) {
   return std::string(path.substr(0, begin)) + name;
 }
 
+bool IsTemporaryName(std::string_view name) {
+  constexpr std::string_view kForm = "~00000000.tmp";
+  return name.size() == kForm.size() && name.front() == '~' && name.ends_with(".tmp") &&
+         name.substr(1, 8).find_first_not_of("0123456789abcdef") == std::string_view::npos;
+}
+
 void ReplaceWholeFile(Files& files, std::string_view path, std::string_view bytes) {
   const auto present = files.Stat(path);
   if (present && (present->attributes & file_attribute::kReadOnly) != 0) {

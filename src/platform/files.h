@@ -138,6 +138,8 @@ std::string ReadWholeFile(Files& files, std::string_view path, uint64_t limit = 
 // A name in the folder of `path` for what is to take its place; the same at every call, so that
 // what a killed program left behind is found again.
 std::string TemporaryName(std::string_view path);
+// Whether a name is such a one.
+bool IsTemporaryName(std::string_view name);
 
 // Makes or replaces a file in one step: whoever reads it, also after a crash, finds all of the old
 // content or all of the new. A file that is read-only is refused.

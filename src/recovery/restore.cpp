@@ -10,6 +10,7 @@
 #include "core/paths.h"
 #include "recovery/archive.h"
 #include "recovery/file_restorer.h"
+#include "recovery/restore_note.h"
 #include "recovery/restore_point.h"
 #include "recovery/stored_copies.h"
 #include "recovery/strict_restore.h"
@@ -60,6 +61,7 @@ RestoreReport Restore::RestoreSpyware(std::string_view stem) {
   report_ = {};
   bool tellFailures = false;
   Reporting(u_.log, "RestoreSpyware", [&] {
+    const RestoreNote note(u_.files, u_.machine, stem);
     const std::string manifestPath = RestorePointFile(u_.machine, stem, restore_point::kManifest);
     if (!FileExists(u_.files, manifestPath)) return RestoreAsDescribed(stem, nullptr);
     tellFailures = true;

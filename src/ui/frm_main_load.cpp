@@ -5,6 +5,7 @@
 #include "core/product.h"
 #include "core/startup.h"
 #include "platform/shell.h"
+#include "recovery/restore_note.h"
 #include "scan/hard_drives.h"
 #include "scan/signature_totals.h"
 #include "signatures/signature_files.h"
@@ -25,7 +26,7 @@ std::span<const frmMain::LoadStep> frmMain::LoadSteps() {
       {"splash", &frmMain::ShowSplash},
       {"tray icon of an earlier run", &frmMain::RemoveTrayIcon},
       {"connection timers at rest", &frmMain::RestConnectionTimers},
-      {"old executable, first page, drives", &frmMain::LoadFirstPage},
+      {"what earlier runs left, first page, drives", &frmMain::LoadFirstPage},
       {"schedule", &frmMain::LoadSchedule},
       {"options", &frmMain::GetSettingOfFormMain},
       {"signature totals", &frmMain::ShowSignatureTotals},
@@ -117,6 +118,7 @@ void frmMain::RestConnectionTimers() {
 
 void frmMain::LoadFirstPage() {
   DeleteOldExe(s_.platform.files(), s_.platform.machine());
+  ClearLeftovers(s_.platform.files(), s_.platform.machine());
   ChangePicOnTabClicked({.scan = true});
   GetAllHardDrives(scan, flags_, s_.platform.machine(), s_.log);
 }

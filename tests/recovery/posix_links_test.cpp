@@ -4,6 +4,7 @@
 
 #include "core/paths.h"
 #include "platform/machine_folder.h"
+#include "recovery/backup_fixture.h"
 #include "recovery/file_removal.h"
 #include "support/platform_fixture.h"
 #include "support/test_host.h"
@@ -66,6 +67,59 @@ TEST_F(LinksTest, AQuarantineThatIsALinkTakesNothing) {
   EXPECT_NE(outcome.obstacle, "");
   EXPECT_TRUE(files().Stat(Path("a.txt")));
   EXPECT_TRUE(files().List(Path("elsewhere")).empty());
+}
+
+class SwapTest : public BackupTest {
+ protected:
+  fs::path HostOf(std::string_view path) { return HostPathOf(machineFolder(), path); }
+};
+
+// At each moment of a restore at which something else can happen, the folder is moved away and a
+// link is put in its place.
+TEST_F(SwapTest, NothingIsRestoredThroughALinkThatComesMeanwhile) {
+  std::vector<std::string> paths;
+  for (const char* name : {"first\\1", "swapped\\2", "swapped\\3", "last\\4"}) {
+    paths.push_back(Plant(Path(name), name));
+  }
+  const BackupReport report = backup.BackupSpyware();
+  files().CreateFolder(Path("elsewhere"));
+  const fs::path folder = HostOf(Path("swapped"));
+  const fs::path aside = HostOf(Path("aside"));
+  for (const char* strict : {"0", "1"}) {
+    settings.Save(setting::kStrict, strict);
+    for (int moment = 1; moment <= 6; ++moment) {
+      SCOPED_TRACE(std::string("strict ") + strict + ", moment " + std::to_string(moment));
+      for (const std::string& path : paths) IgnoringErrors([&] { files().Delete(path); });
+      int turn = 0;
+      bool swapped = false;
+      host.onEvents = [&] {
+        if (++turn != moment) return;
+        fs::rename(folder, aside);
+        fs::create_directory_symlink("elsewhere", folder);
+        swapped = true;
+      };
+      const RestoreReport restored = restore.RestoreSpyware(report.stem);
+      host.onEvents = nullptr;
+      EXPECT_TRUE(files().List(Path("elsewhere")).empty());
+      EXPECT_EQ(Read(paths[0]) + Read(paths[3]), "first\\1last\\4");
+      // Either in the folder that was meant, or named as not restored.
+      size_t back = 0;
+      if (swapped) {
+        for (const char* name : {"2", "3"}) back += fs::exists(aside / name) ? 1U : 0U;
+        fs::remove(folder);
+        fs::rename(aside, folder);
+        EXPECT_EQ(back + restored.failures.size(), 2U);
+      } else {
+        EXPECT_EQ(restored.files, 4U);
+      }
+      EXPECT_TRUE(swapped || moment > 4);
+      for (const fs::path& place : {HostOf(Path("first")), folder, HostOf(Path("last"))}) {
+        for (const auto& entry : fs::directory_iterator(place)) {
+          EXPECT_NE(entry.path().extension(), ".tmp") << entry.path();
+        }
+      }
+    }
+  }
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 
 #include "recovery/archive.h"
 #include "recovery/backup_fixture.h"
+#include "recovery/restore_note.h"
 
 namespace quarnel {
 namespace {
@@ -371,6 +372,34 @@ TEST_F(RestoreTest, NeverLeavesTheRoot) {
   const std::string logged = LogText();
   EXPECT_NE(logged.find("outside.exe"), std::string::npos);
   EXPECT_NE(logged.find("RestoreFiles"), std::string::npos);
+}
+
+TEST_F(RestoreTest, WhatAKilledProgramLeftGoesAtTheNextStart) {
+  for (const bool withManifest : {true, false}) {
+    const std::string path = Plant(Path("x\\begun.exe"), "x");
+    const BackupReport report = backup.BackupSpyware();
+    if (!withManifest) ForgetManifest(report);
+    const std::string backups = BackupFolder(program) + "\\";
+    const std::string left[] = {TemporaryName(path), backups + "~0123abcd.tmp"};
+    const std::string others[] = {Path("x\\~0123abcd.tmp"), backups + "~0123ABCX.tmp", path};
+    for (const std::string& file : left) WriteWholeFile(files(), file, "half");
+    for (const std::string& file : others) WriteWholeFile(files(), file, "theirs");
+    ClearLeftovers(files(), program);
+    EXPECT_TRUE(Exists(left[0]));  // no restore was cut off
+    EXPECT_FALSE(Exists(left[1]));
+    WriteWholeFile(files(), backups + "Restoring.txt", report.stem);
+    ClearLeftovers(files(), program);
+    EXPECT_FALSE(Exists(left[0])) << withManifest;
+    for (const std::string& file : others) EXPECT_TRUE(Exists(file)) << file;
+    EXPECT_FALSE(Exists(backups + "Restoring.txt"));
+    bool noted = false;
+    host.onEvents = [&] { noted |= Exists(backups + "Restoring.txt"); };
+    restore.RestoreSpyware(report.stem);
+    EXPECT_TRUE(noted);
+    host.onEvents = nullptr;
+    EXPECT_FALSE(Exists(backups + "Restoring.txt"));
+    host.virtualClock().Pass(std::chrono::seconds(1));
+  }
 }
 
 // Damage at any place of an archive without a manifest costs entries, and never more.
