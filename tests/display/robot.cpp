@@ -29,7 +29,7 @@ void Robot::Then(std::string what, std::function<bool()> when, std::function<voi
   steps_.push_back({std::move(what), std::move(when), std::move(act)});
 }
 
-void Robot::Click(std::string what, std::function<wxWindow*()> find) {
+void Robot::Click(std::string what, const std::function<wxWindow*()>& find) {
   // A window that has just been opened is still moved about.
   constexpr int kTurnsAtRest = 4;
   const auto ready = [find, place = wxPoint(-1, -1), turns = 0]() mutable {
@@ -43,7 +43,7 @@ void Robot::Click(std::string what, std::function<wxWindow*()> find) {
   Then(std::move(what), ready, [find] { ClickAt(MiddleOf(*find())); });
 }
 
-void Robot::AnswerBox(std::string button) {
+void Robot::AnswerBox(const std::string& button) {
   Click("the box's button " + button, [button]() -> wxWindow* {
     wxWindow* box = Shown("MessageBox");
     return box == nullptr ? nullptr : wxWindow::FindWindowByName(button, box);

@@ -18,9 +18,9 @@ class Robot {
   // Does `act` as soon as `when` holds.
   void Then(std::string what, std::function<bool()> when, std::function<void()> act);
   // Clicks the widget that `find` gives, as soon as it can be clicked.
-  void Click(std::string what, std::function<wxWindow*()> find);
+  void Click(std::string what, const std::function<wxWindow*()>& find);
   // Clicks a button of the message box that shows.
-  void AnswerBox(std::string button);
+  void AnswerBox(const std::string& button);
 
   // Runs a message loop until all is done; false, with what was waited for in Waiting(), when that
   // takes more than `seconds`.

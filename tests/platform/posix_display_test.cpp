@@ -34,7 +34,9 @@ class DisplayServer {
     }
     close(ready[1]);
     char number[16] = {};
-    if (read(ready[0], number, sizeof number - 1) > 0) name_ = ":" + std::to_string(atoi(number));
+    if (read(ready[0], number, sizeof number - 1) > 0) {
+      name_ = ":" + std::to_string(std::strtol(number, nullptr, 10));
+    }
     close(ready[0]);
     if (!name_.empty()) setenv("DISPLAY", name_.c_str(), 1);
   }

@@ -12,7 +12,6 @@ using ::testing::ElementsAre;
 using ::testing::EndsWith;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
-using ::testing::SizeIs;
 using ::testing::StartsWith;
 using ::testing::UnorderedElementsAre;
 
@@ -47,7 +46,7 @@ class RemovalTest : public ScanTest {
 
   // A file trace in the results, with its file unless it is to be missing.
   std::string AddFile(const std::string& name, bool makeFile = true) {
-    const std::string path = name.find('\\') == std::string::npos ? Path(name) : name;
+    std::string path = name.find('\\') == std::string::npos ? Path(name) : name;
     if (makeFile) WriteWholeFile(files(), path, "x");
     results.AddFileTrace({.path = path,
                           .company = "Company",
@@ -331,10 +330,7 @@ TEST_F(RemovalTest, AsksAboutBrowsersByTheSettings) {
 
 TEST_F(RemovalTest, LevelsAboveFiveEndTheCount) {
   TreeView& tree = resultsPage.vbatvwResults;
-  for (const char* level : {"1 ",
-                            "\x14"
-                            "3 ",
-                            "0 ", "none", "5 "}) {
+  for (const char* level : {"1 ", "\0243 ", "0 ", "none", "5 "}) {
     tree.SetColumn(*tree.AddRoot(level, level), 2, level);
   }
   removal.CountThreatLevels();

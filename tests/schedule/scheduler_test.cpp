@@ -9,7 +9,6 @@ namespace quarnel {
 namespace {
 
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 
 constexpr std::string_view kSection = "OptionAndSettings";
 

@@ -9,7 +9,6 @@ namespace quarnel {
 namespace {
 
 using ::testing::ElementsAre;
-using ::testing::HasSubstr;
 
 class WizardTest : public ApplicationTest {
  protected:
