@@ -1,6 +1,7 @@
 #include "core/inifile.h"
 
 #include <algorithm>
+#include <array>
 #include <memory>
 #include <utility>
 
@@ -64,8 +65,9 @@ void cInifile::Rewrite(Edit&& edit) {
   if (!ini) return;
   const std::string before = ini->Text();
   if (!edit(*ini)) return;
-  const bool done = ini->Text() == before ||
-                    IgnoringErrors([&] { ReplaceWholeFile(files_, path_, ini->Text()); });
+  const bool done = ini->Text() == before || IgnoringErrors([&] {
+                      ReplaceWholeFiles(files_, std::array{WholeFile{path_, ini->Text()}});
+                    });
   lastReturnCode_ = done ? 1 : 0;
 }
 

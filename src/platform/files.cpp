@@ -4,6 +4,7 @@
 
 #include "base/runtime_error.h"
 #include "base/text.h"
+#include "platform/held_folders.h"
 
 namespace quarnel {
 namespace {
@@ -19,6 +20,19 @@ class FolderByPath : public ListedFolder {
   Files& files_;
   std::string folder_;
 };
+
+struct PathParts {
+  std::string folder;
+  std::string name;
+};
+
+PathParts PartsOf(const std::string& path) {
+  const size_t slash = path.find_last_of("\\/");
+  if (slash == std::string::npos) return {".", path};
+  // A drive's root keeps its backslash.
+  const bool isRoot = slash > 0 && path[slash - 1] == ':';
+  return {path.substr(0, isRoot ? slash + 1 : slash), path.substr(slash + 1)};
+}
 
 }  // namespace
 
@@ -78,6 +92,36 @@ void ReplaceWholeFile(Files& files, std::string_view path, std::string_view byte
     files.ReplaceFile(temporary, path);
   } catch (const RuntimeError&) {
     IgnoringErrors(discard);
+    throw;
+  }
+}
+
+void ReplaceWholeFiles(Files& files, std::span<const WholeFile> wanted) {
+  struct Place {
+    HeldFolder* folder;
+    std::string temporary;
+    std::string name;
+  };
+  const auto folders = files.HoldFolders();
+  std::vector<Place> places;
+  size_t placed = 0;
+  try {
+    for (const WholeFile& file : wanted) {
+      const PathParts parts = PartsOf(file.path);
+      HeldFolder* const folder = folders->Find(parts.folder);
+      if (folder == nullptr) throw RuntimeError(ErrorNumber::kPathNotFound, file.path);
+      places.push_back({folder, TemporaryName(parts.name), parts.name});
+      folder->Create(places.back().temporary)->Write(file.bytes);
+    }
+    folders->Flush();
+    for (; placed < places.size(); ++placed) {
+      const Place& place = places[placed];
+      place.folder->PutInPlace(place.temporary, place.name);
+    }
+  } catch (const RuntimeError&) {
+    for (; placed < places.size(); ++placed) {
+      IgnoringErrors([&] { places[placed].folder->Delete(places[placed].temporary); });
+    }
     throw;
   }
 }

@@ -145,6 +145,16 @@ bool IsTemporaryName(std::string_view name);
 // content or all of the new. A file that is read-only is refused.
 void ReplaceWholeFile(Files& files, std::string_view path, std::string_view bytes);
 
+// A file that is to have this content.
+struct WholeFile {
+  std::string path;
+  std::string bytes;
+};
+
+// The same for several files, each in one step of its own and in this order. They wait for the disk
+// together, and only until a crash can tear none of them: after one the old content may be back.
+void ReplaceWholeFiles(Files& files, std::span<const WholeFile> wanted);
+
 // Adds bytes to the end of a file, which is made when absent, in the same way: all of them or none.
 void AppendInOneStep(Files& files, std::string_view path, std::string_view bytes);
 

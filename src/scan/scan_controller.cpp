@@ -97,7 +97,6 @@ void ScanController::ImgStartScanMouseMove_Click() {
     settings_.Save(setting::kScanEnd, GeneralDateText(u_.host.clock().Now()));
     surroundings_.RefreshSystemSummary();
     SaveLastScanResults();
-    IgnoringErrors([&] { SaveUnread(u_.files, u_.machine, u_.unread); });
     EndScan();
   });
 }
@@ -138,7 +137,7 @@ void ScanController::WriteHistory(std::string_view key, std::string_view start) 
                         ";"));
 }
 
-void ScanController::SaveLastScanResults() {
+std::vector<WholeFile> ScanController::LastScanResults() const {
   struct Dump {
     std::string_view file;
     const ListView& list;
@@ -150,6 +149,7 @@ void ScanController::SaveLastScanResults() {
       Dump{"10003.qks", results.lvwRegistryEntriesFound},
       Dump{"10004.qks", results.lvwFilesToBeDeleted},
   };
+  std::vector<WholeFile> files;
   for (const Dump& dump : dumps) {
     std::string text;
     for (const ListRow& row : dump.list.Rows()) {
@@ -159,7 +159,18 @@ void ScanController::SaveLastScanResults() {
       }
       text += "\r\n";
     }
-    ReplaceWholeFile(u_.files, DataFolder(u_.machine) + std::string(dump.file), text);
+    files.push_back({DataFolder(u_.machine) + std::string(dump.file), std::move(text)});
+  }
+  return files;
+}
+
+void ScanController::SaveLastScanResults() {
+  const std::vector<WholeFile> results = LastScanResults();
+  std::vector<WholeFile> all = results;
+  all.push_back(UnreadFile(u_.machine, u_.unread));
+  // What was not read is of less weight: when not all can be saved, the results are.
+  if (!IgnoringErrors([&] { ReplaceWholeFiles(u_.files, all); })) {
+    ReplaceWholeFiles(u_.files, results);
   }
 }
 

@@ -2,6 +2,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "core/settings.h"
 #include "scan/cookie_scan.h"
@@ -51,10 +52,12 @@ class ScanController {
   void imgPause_Click();
   // The phases alone.
   void StartScanning();
-  // Dumps the four lists of results into the data folder, one line a row.
+  // Dumps the four lists of results into the data folder, one line a row, and beside them what
+  // could not be read.
   void SaveLastScanResults();
 
  private:
+  std::vector<WholeFile> LastScanResults() const;
   void ResetPage();
   void ShowRunning(bool running);
   void Congratulate();

@@ -1,5 +1,7 @@
 #include "scan/unread.h"
 
+#include <utility>
+
 #include "base/runtime_error.h"
 #include "base/text.h"
 #include "core/fields.h"
@@ -37,11 +39,11 @@ std::optional<Unread> Read(std::string_view text) {
 
 }  // namespace
 
-void SaveUnread(Files& files, Machine& machine, const Unread& unread) {
+WholeFile UnreadFile(Machine& machine, const Unread& unread) {
   std::string text;
   for (const UnreadItem& item : unread.Items()) text += RecordLine({item.kind, item.name});
   text += RecordLine({std::string(kEnd), std::to_string(unread.Count())});
-  ReplaceWholeFile(files, PathOf(machine), text);
+  return {PathOf(machine), std::move(text)};
 }
 
 std::optional<Unread> LoadUnread(Files& files, Machine& machine) {

@@ -39,9 +39,9 @@ class Unread {
   size_t count_ = 0;
 };
 
-// What the last scan could not read, kept in the program's folder for a later report. Saving
-// raises as ReplaceWholeFile does; loading gives nothing when there is no whole file.
-void SaveUnread(Files& files, Machine& machine, const Unread& unread);
+// What the last scan could not read, kept in the program's folder for a later report: the file that
+// is to be saved. Loading gives nothing when there is no whole file.
+WholeFile UnreadFile(Machine& machine, const Unread& unread);
 std::optional<Unread> LoadUnread(Files& files, Machine& machine);
 
 }  // namespace quarnel

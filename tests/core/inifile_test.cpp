@@ -27,7 +27,11 @@ class FailingFiles : public Files {
     Step();
     return std::make_unique<FailingFile>(*this, files_.Open(path, mode));
   }
-  std::unique_ptr<HeldFolders> HoldFolders() override { return files_.HoldFolders(); }
+  std::unique_ptr<HeldFolders> HoldFolders() override {
+    return std::make_unique<HeldFoldersByPath>(*this, [this](const std::string& folder) {
+      return std::make_unique<HeldFolderByPath>(*this, folder);
+    });
+  }
   void Delete(std::string_view path) override { files_.Delete(path); }
   void DeleteFolder(std::string_view path) override { files_.DeleteFolder(path); }
   void CreateFolder(std::string_view path) override { files_.CreateFolder(path); }
@@ -150,7 +154,7 @@ TEST_F(Inifile, WritesAreWhole) {
     ini.SetValue("new");
     EXPECT_EQ(files().List(Scratch()).size(), 1u);
     if (ini.Success()) {
-      EXPECT_EQ(step, 4);  // open, write and replace, which flushes, have failed in their turns
+      EXPECT_EQ(step, 6);  // open, write, open and flush, and replace have failed in their turns
       break;
     }
     EXPECT_EQ(Content(), old) << step;

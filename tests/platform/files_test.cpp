@@ -1,6 +1,7 @@
 #include "platform/files.h"
 
 #include <gtest/gtest.h>
+#include <array>
 
 #include <functional>
 
@@ -275,23 +276,44 @@ TEST_F(FilesTest, ReplacesAWholeFileByWayOfAnother) {
   EXPECT_EQ(temporary.substr(0, temporary.rfind('\\')), Scratch());
   EXPECT_EQ(temporary, TemporaryName(Path("LIST.txt")));
   EXPECT_NE(temporary, TemporaryName(Path("list2.txt")));
-  // What a killed program left there is in nobody's way.
-  WriteWholeFile(files(), temporary, "half");
-  ReplaceWholeFile(files(), path, "new");
-  ReplaceWholeFile(files(), Path("LIST.TXT"), "new");
-  AppendInOneStep(files(), path, "er");
-  EXPECT_EQ(Read(path), "newer");
-  EXPECT_EQ(Names(Scratch()), std::vector<std::string>{"list.txt"});
-  files().SetAttributes(path, file_attribute::kReadOnly);
-  EXPECT_EQ(ErrorOf([&] { ReplaceWholeFile(files(), path, "x"); }), ErrorNumber::kPermissionDenied);
-  EXPECT_EQ(ErrorOf([&] { ReplaceWholeFile(files(), Path("no\\x"), "x"); }),
-            ErrorNumber::kPathNotFound);
-  // A failure at the last step leaves the old file and nothing beside it.
-  files().CreateFolder(Path("folder"));
-  EXPECT_EQ(ErrorOf([&] { ReplaceWholeFile(files(), Path("folder"), "x"); }),
-            ErrorNumber::kPathFileAccess);
-  EXPECT_EQ(Names(Scratch()), (std::vector<std::string>{"folder", "list.txt"}));
-  EXPECT_EQ(Read(path), "newer");
+  using Replace = std::function<void(const std::string& path, const std::string& bytes)>;
+  for (const Replace& replace :
+       {Replace([&](const auto&to, const auto&bytes) { ReplaceWholeFile(files(), to, bytes); }),
+        Replace([&](const auto&to, const auto&bytes) {
+          ReplaceWholeFiles(files(), std::array{WholeFile{to, bytes}});
+        })}) {
+    // What a killed program left there is in nobody's way.
+    WriteWholeFile(files(), temporary, "half");
+    replace(path, "new");
+    replace(Path("LIST.TXT"), "new");
+    AppendInOneStep(files(), path, "er");
+    EXPECT_EQ(Read(path), "newer");
+    EXPECT_EQ(Names(Scratch()), std::vector<std::string>{"list.txt"});
+    files().SetAttributes(path, file_attribute::kReadOnly);
+    EXPECT_EQ(ErrorOf([&] { replace(path, "x"); }), ErrorNumber::kPermissionDenied);
+    EXPECT_EQ(ErrorOf([&] { replace(Path("no\\x"), "x"); }), ErrorNumber::kPathNotFound);
+    // A failure at the last step leaves the old file and nothing beside it.
+    files().CreateFolder(Path("folder"));
+    EXPECT_EQ(ErrorOf([&] { replace(Path("folder"), "x"); }), ErrorNumber::kPathFileAccess);
+    EXPECT_EQ(Names(Scratch()), (std::vector<std::string>{"folder", "list.txt"}));
+    EXPECT_EQ(Read(path), "newer");
+    files().DeleteFolder(Path("folder"));
+    files().SetAttributes(path, file_attribute::kNormal);
+  }
+}
+
+TEST_F(FilesTest, ReplacesSeveralFilesInTheirOrder) {
+  files().CreateFolder(Path("a"));
+  files().CreateFolder(Path("a\\folder"));
+  const std::array wanted = {WholeFile{Path("1.txt"), "one"}, WholeFile{Path("A\\2.txt"), ""},
+                             WholeFile{Path("a\\folder"), "x"}, WholeFile{Path("3.txt"), "three"}};
+  ReplaceWholeFiles(files(), std::span(wanted).first(2));
+  EXPECT_EQ(Read(Path("1.txt")), "one");
+  EXPECT_EQ(Read(Path("a\\2.txt")), "");
+  // The third cannot be replaced, and the fourth is not.
+  EXPECT_EQ(ErrorOf([&] { ReplaceWholeFiles(files(), wanted); }), ErrorNumber::kPathFileAccess);
+  EXPECT_EQ(Names(Scratch()), (std::vector<std::string>{"1.txt", "a"}));
+  EXPECT_EQ(Names(Path("a")), (std::vector<std::string>{"2.txt", "folder"}));
 }
 
 TEST_F(FilesTest, HeldFoldersTakeManyFilesAtOnce) {

@@ -122,6 +122,9 @@ class PosixHeldFolder : public HeldFolder {
   void FlushEach() {
     if (!changed_) return;
     for (const std::string& name : unflushed_) {
+      BeginSync(ChangePlace::In(folder_.Get(), name, path_));
+    }
+    for (const std::string& name : unflushed_) {
       const std::string about = path_ + "\\" + ShownName(name);
       const ChangePlace place = ChangePlace::In(folder_.Get(), name, about);
       RequireExists(place, about);

@@ -31,6 +31,10 @@ void CopyFile(const std::string& host, std::string_view about, const ChangePlace
 void CopyFile(const ChangePlace& source, std::string_view about, const ChangePlace& target,
               std::string_view aboutTarget);
 
+// Lets the system begin to write the file's content to the disk: where several are to be waited
+// for, they then go there together.
+void BeginSync(const ChangePlace& place);
+
 // Returns when the file's content is on the disk.
 void SyncFile(const ChangePlace& place, std::string_view about);
 
