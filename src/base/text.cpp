@@ -159,8 +159,11 @@ bool EqualText(std::string_view left, std::string_view right) {
 }
 
 bool LessText::operator()(std::string_view left, std::string_view right) const {
+  // Names of one folder often begin alike.
+  const auto [leftRest, rightRest] =
+      std::mismatch(left.begin(), left.end(), right.begin(), right.end());
   return std::lexicographical_compare(
-      left.begin(), left.end(), right.begin(), right.end(), [](char a, char b) {
+      leftRest, left.end(), rightRest, right.end(), [](char a, char b) {
         return static_cast<unsigned char>(Upper(a)) < static_cast<unsigned char>(Upper(b));
       });
 }

@@ -14,7 +14,10 @@ namespace {
 constexpr size_t kMostPending = 4096;
 constexpr size_t kFewPending = kMostPending / 2;
 
-constexpr size_t kTogether = 64;
+// So many are handed to the threads in one go, and so many are awaited where they end soon: each
+// costs the threads an interruption.
+constexpr size_t kHandedOver = 64;
+constexpr size_t kAwaited = 256;
 
 constexpr auto kPatience = std::chrono::milliseconds(5);
 
@@ -126,7 +129,7 @@ HashQueue::~HashQueue() {
 void HashQueue::Add(std::shared_ptr<const std::string> folder, std::string name) {
   added_.push_back(
       std::make_shared<HashPool::Job>(pool_, files_, std::move(folder), std::move(name)));
-  if (added_.size() == kTogether) Flush();
+  if (added_.size() == kHandedOver) Flush();
 }
 
 void HashQueue::Flush() {
@@ -143,7 +146,7 @@ bool HashQueue::RunsLow() const { return pool_.Unfinished() < kFewPending; }
 std::string HashQueue::Next(const std::function<bool()>& whileWaiting) {
   const std::shared_ptr<HashPool::Job> job = underWay_.front();
   // Short jobs end close together. Sleeping until some more are done saves waking for each.
-  const std::shared_ptr<HashPool::Job> later = underWay_[std::min(kTogether, underWay_.size()) - 1];
+  const std::shared_ptr<HashPool::Job> later = underWay_[std::min(kAwaited, underWay_.size()) - 1];
   if (!pool_.Wait(*job, *later, whileWaiting)) return std::string(kNoHash);
   underWay_.pop_front();
   return job->Hash();

@@ -112,7 +112,11 @@ bool SameHash(const char* left, const char* right) {
 }
 
 bool IsHash(std::string_view text) {
-  return text.size() == kHashDigits && std::all_of(text.begin(), text.end(), HexDigits::Fits);
+  if (text.size() != kHashDigits) return false;
+  uint64_t digits = kTopBits;
+  for (size_t i = 0; i < kHashDigits; i += kWord)
+    digits &= HexDigits::Mark(WordAt(text.data() + i));
+  return digits == kTopBits;
 }
 
 // A row of 32 covers one of the positions that are looked at, wherever it begins.
