@@ -23,7 +23,7 @@ struct CountingHost : IdleHost {
   std::function<void()> inEvents;
 
  protected:
-  void ProcessFrontEvents() override {
+  void ProcessFrontEvents(Milliseconds /*now*/) override {
     ++turns;
     if (inEvents) inEvents();
   }

@@ -7,7 +7,7 @@ namespace quarnel {
 void Host::DoEvents() {
   const Milliseconds now = clock_->Ticks();
   if (now >= earliest_) FireDue(now);
-  ProcessFrontEvents();
+  ProcessFrontEvents(now);
 }
 
 std::optional<Milliseconds> Host::NextDue() const {

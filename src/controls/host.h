@@ -76,8 +76,9 @@ class Host {
   const std::vector<Form*>& LoadedForms() const { return forms_; }
 
  protected:
-  // The front's own pending events; called in every DoEvents, so it has to be cheap.
-  virtual void ProcessFrontEvents() {}
+  // The front's own pending events; called in every DoEvents, with the clock's ticks since even
+  // reading that takes its time, so it has to be cheap.
+  virtual void ProcessFrontEvents(Milliseconds /*now*/) {}
   // Runs the handlers of all due timers, as DoEvents does.
   void FireDueTimers() { FireDue(clock_->Ticks()); }
   // The form was unloaded or has ended; nothing but its address may be used.

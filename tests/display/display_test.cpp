@@ -26,10 +26,10 @@ class SlowHost : public WxHost {
   bool slow = false;
 
  protected:
-  void ProcessFrontEvents() override {
+  void ProcessFrontEvents(Milliseconds now) override {
     constexpr unsigned long kMicroseconds = 200;
     if (slow) wxMicroSleep(kMicroseconds);
-    WxHost::ProcessFrontEvents();
+    WxHost::ProcessFrontEvents(now);
   }
 };
 

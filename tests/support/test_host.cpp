@@ -48,7 +48,7 @@ void TestHost::RunModal(Form& form) {
   throw ProcessEnded();
 }
 
-void TestHost::ProcessFrontEvents() {
+void TestHost::ProcessFrontEvents(Milliseconds /*now*/) {
   ++eventTurns;
   if (!onEvents || inEvents_) return;
   inEvents_ = true;

@@ -48,7 +48,7 @@ class TestHost : public Host {
   [[noreturn]] void EndProcess() override;
 
  protected:
-  void ProcessFrontEvents() override;
+  void ProcessFrontEvents(Milliseconds now) override;
 
  private:
   VirtualClock clock_;

@@ -118,7 +118,7 @@ class ConsoleHost : public Host {
   };
 
  protected:
-  void ProcessFrontEvents() override {
+  void ProcessFrontEvents(Milliseconds /*now*/) override {
     if (listens_) Listen();
   }
 

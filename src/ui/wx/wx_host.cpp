@@ -15,11 +15,11 @@ namespace {
 constexpr Milliseconds kFrame(33);
 // While a handler works, input is looked for at least this often: an answer to a click within a
 // tenth of a second.
-constexpr Milliseconds kPumpPause(50);
+constexpr Milliseconds kPumpPause(30);
 // Showing changes takes at most one part in this many of a working handler's time, as long as the
 // window does not stand still for longer than this.
 constexpr int kShowShare = 20;
-constexpr Milliseconds kLongestShowPause(400);
+constexpr Milliseconds kLongestShowPause(500);
 constexpr Milliseconds kWatchPause(500);
 // Of the next pump: events are being processed.
 constexpr Milliseconds kNoPump = Milliseconds::max();
@@ -55,7 +55,9 @@ void WxHost::Act(const Handler& action) {
     const Depth depth(depth_);
     // A handler that was called by event processing may itself need some.
     const Milliseconds outerPump = nextPump_;
-    if (nextPump_ == kNoPump) nextPump_ = Now() + kPumpPause;
+    const Milliseconds outerStill = stillSince_;
+    nextPump_ = Now() + kPumpPause;
+    stillSince_ = Now();
     try {
       action();
     } catch (const ProcessEnded&) {
@@ -64,6 +66,7 @@ void WxHost::Act(const Handler& action) {
       failure = error.Description();
     }
     nextPump_ = outerPump;
+    stillSince_ = outerStill;
   }
   if (!failure.empty()) {
     Act([&] { MsgBox({.text = failure, .icon = MessageIcon::kCritical}); });
@@ -107,8 +110,8 @@ void WxHost::Arm() {
 
 // ---- events inside a working handler -----------------------------------------------------------
 
-void WxHost::ProcessFrontEvents() {
-  if (Now() >= nextPump_) Pump();
+void WxHost::ProcessFrontEvents(Milliseconds now) {
+  if (now >= nextPump_) Pump();
   if (ended_) throw ProcessEnded();
 }
 
@@ -118,18 +121,28 @@ void WxHost::Pump() {
   // Events that come meanwhile must not start another round.
   nextPump_ = kNoPump;
   const Milliseconds start = Now();
-  const bool shows = start >= nextShow_;
-  if (shows) Sync();
+  const bool shows = start >= nextShow_ && start - stillSince_ >= StillPause();
+  if (shows) {
+    Sync();
+    showCost_ = Milliseconds(0);
+  }
   loop->YieldFor(wxEVT_CATEGORY_ALL);
   const Milliseconds end = Now();
-  if (shows) nextShow_ = end + std::clamp((end - start) * kShowShare, kFrame, kLongestShowPause);
+  // What was shown may be painted in a later turn only.
+  showCost_ += end - start;
+  if (shows) stillSince_ = end;
   nextPump_ = end + kPumpPause;
+}
+
+Milliseconds WxHost::StillPause() const {
+  return std::clamp(showCost_ * kShowShare, kFrame, kLongestShowPause);
 }
 
 // ---- windows -----------------------------------------------------------------------------------
 
 void WxHost::SyncIfDue() {
-  if (Now() >= nextShow_) Sync();
+  // A working handler's event processing shows changes in its own time.
+  if (nextPump_ != kNoPump && Now() >= nextShow_) Sync();
 }
 
 void WxHost::Sync() {

@@ -47,7 +47,7 @@ class WxHost : public Host {
   Handler watch;
 
  protected:
-  void ProcessFrontEvents() override;
+  void ProcessFrontEvents(Milliseconds now) override;
   void FormForgotten(Form& form) override;
 
  private:
@@ -57,6 +57,8 @@ class WxHost : public Host {
   void Settle();
   void Pump();
   void SyncIfDue();
+  // How long windows stand still inside a working handler.
+  Milliseconds StillPause() const;
   void OnTimer();
   void Arm();
   void ShowPointer();
@@ -80,6 +82,10 @@ class WxHost : public Host {
   std::vector<ModalLoop> modal_;
   Milliseconds nextPump_{0};
   Milliseconds nextShow_{0};
+  // Since when the windows stand still inside the working handler.
+  Milliseconds stillSince_{0};
+  // Of showing changes the last time, with the painting that followed; at first that of a page.
+  Milliseconds showCost_{25};
   Milliseconds lastWatch_{0};
   int depth_ = 0;
   bool syncing_ = false;
