@@ -143,10 +143,12 @@ std::string LoadSignatures(Files& files, Machine& machine, std::string_view sFil
   return text;
 }
 
-void LoadSpywareList(Files& files, Machine& machine, const std::function<void()>& onLine) {
+// Nothing looks at the lines, so where they end is not looked for.
+void LoadSpywareList(Files& files, Machine& machine, const std::function<void()>& onLines) {
   if (!SignaturePresent(files, machine, signature_file::kList)) return;
-  LineFile lines(files.Open(SignaturePath(machine, signature_file::kList), OpenMode::kRead));
-  while (lines.Next()) onLine();
+  const auto file = files.Open(SignaturePath(machine, signature_file::kList), OpenMode::kRead);
+  std::vector<char> buffer(size_t{32} * 1024);
+  while (file->Read(buffer) > 0) onLines();
 }
 
 SignatureFields::SignatureFields(std::string_view line, char separator) {

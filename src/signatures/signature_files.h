@@ -113,9 +113,9 @@ inline constexpr uint64_t kLargestSignatureText = uint64_t{512} << 20;
 std::string LoadSignatures(Files& files, Machine& machine, std::string_view sFileName,
                            const std::function<void()>& onLine = {});
 
-// Reads QNLList.dll to its end when it is there, calling `onLine` after each line, and keeps
+// Reads QNLList.dll to its end when it is there, calling `onLines` after every few lines, and keeps
 // nothing.
-void LoadSpywareList(Files& files, Machine& machine, const std::function<void()>& onLine);
+void LoadSpywareList(Files& files, Machine& machine, const std::function<void()>& onLines);
 
 // The fields of one line of a seven-field file, cut at each separator; nothing is trimmed and
 // nothing copied. A field that the line does not have raises kSubscriptOutOfRange when it is asked

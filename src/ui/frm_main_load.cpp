@@ -213,11 +213,7 @@ void frmMain::Form_Activate() {
     }
     if (bSummaryLoaded_) return;
     bSummaryLoaded_ = true;
-    // A line takes less time than a look at the clock.
-    constexpr int kLinesATurn = 64;
-    LoadSpywareList(s_.platform.files(), s_.platform.machine(), [this, line = 0]() mutable {
-      if (++line % kLinesATurn == 0) host().DoEvents();
-    });
+    LoadSpywareList(s_.platform.files(), s_.platform.machine(), [this] { host().DoEvents(); });
     RefreshSystemSummary();
   });
 }
