@@ -28,4 +28,8 @@ void ErrorLog::WriteErrorLog(std::string_view label, const RuntimeError& error) 
   AppendToFile(files_, Path(), entry);
 }
 
+void ErrorLog::NoteInPassing(std::string_view label, const RuntimeError& error) {
+  IgnoringErrors([&] { WriteErrorLog(label, error); });
+}
+
 }  // namespace quarnel

@@ -20,6 +20,10 @@ class ErrorLog {
   // up to the caller.
   void WriteErrorLog(std::string_view label, const RuntimeError& error);
 
+  // The same for one item of many, whose failure its caller tells of by other means: the rest is
+  // not given up when the log cannot be written, as on a full disk.
+  void NoteInPassing(std::string_view label, const RuntimeError& error);
+
   std::string Path() const;
 
  private:

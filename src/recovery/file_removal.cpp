@@ -46,7 +46,7 @@ bool FileRemoval::DeleteByExtension(std::string_view path, FileOutcome& outcome)
   if (path.find('\\') != std::string_view::npos) outcome.obstacle = WhyRefused(path);
   if (!outcome.obstacle.empty()) {
     outcome.refused = true;
-    u_.log.WriteErrorLog(
+    u_.log.NoteInPassing(
         "cmdRemoveSpywares_Click in frmMain",
         RuntimeError(ErrorNumber::kPermissionDenied, outcome.obstacle + ": " + std::string(path)));
     return true;
@@ -138,8 +138,9 @@ std::string FileRemoval::QuarantineName(std::string_view path) {
 
 void FileRemoval::MoveThisFile(std::string_view path, FileOutcome& outcome) {
   try {
+    if (!files_.Stat(path)) return;
     if (!IsListed(path)) {
-      if (files_.Stat(path)) outcome.obstacle = "a hidden file is left alone";
+      outcome.obstacle = "a hidden file is left alone";
       return;
     }
     const std::string target = QuarantineName(path);
@@ -147,7 +148,7 @@ void FileRemoval::MoveThisFile(std::string_view path, FileOutcome& outcome) {
     outcome.quarantine = target;
   } catch (const RuntimeError& error) {
     outcome.obstacle = error.Description();
-    u_.log.WriteErrorLog("MoveThisFile", error);
+    u_.log.NoteInPassing("MoveThisFile", error);
   }
 }
 

@@ -272,7 +272,7 @@ void Removal::Keep(RemovalReport report) {
   try {
     SaveRemovalReport(u_.files, u_.machine, *lastReport_);
   } catch (const RuntimeError& error) {
-    u_.log.WriteErrorLog("SaveRemovalReport", error);
+    u_.log.NoteInPassing("SaveRemovalReport", error);
   }
 }
 

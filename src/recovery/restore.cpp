@@ -51,6 +51,10 @@ class IntactLines {
 
 }  // namespace
 
+std::string RefusalText(RegistryStatus status) {
+  return "the registry refuses it (" + std::to_string(static_cast<long>(status)) + ")";
+}
+
 std::string Restore::Root() const { return u_.machine.ProgramFolder().substr(0, 3); }
 
 void Restore::Fail(std::string_view what, std::string_view reason) {
@@ -143,7 +147,17 @@ void Restore::RestoreLine(std::string_view line) {
   const auto type = static_cast<ValueType>(ValLong(fields[5]));
   const RegistryStatus status = SetKeyValue(u_.registry, static_cast<uint32_t>(ValLong(fields[1])),
                                             fields[2], fields[3], fields[4], type);
-  if (status == RegistryStatus::kSuccess) ++report_.registryItems;
+  switch (status) {
+    case RegistryStatus::kSuccess:
+      ++report_.registryItems;
+      break;
+    case RegistryStatus::kInvalidHandle:     // the first value of a key that was gone
+    case RegistryStatus::kInvalidParameter:  // a number that the text's form cannot give back
+      break;
+    default:
+      Fail(ItemText(static_cast<uint32_t>(ValLong(fields[1])), fields[2], fields[3]),
+           RefusalText(status));
+  }
 }
 
 void Restore::ExtractAll(const std::string& archivePath, ArchiveKind kind) {
@@ -176,7 +190,7 @@ void Restore::PutBelowRoot(const std::string& entry, ArchiveKind kind, FileResto
   const std::string path = Root() + Replace(entry, "/", "\\");
   const auto failed = [this, path, kind](const RuntimeError& error) {
     Fail(path, error.Description());
-    u_.log.WriteErrorLog(LabelOf(kind), RuntimeError(error.Number(), path, error.SystemCode()));
+    u_.log.NoteInPassing(LabelOf(kind), RuntimeError(error.Number(), path, error.SystemCode()));
   };
   try {
     RequireBelow(Root(), path);

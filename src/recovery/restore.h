@@ -30,6 +30,9 @@ struct RestoreReport {
   std::vector<RestoreFailure> failures;
 };
 
+// Why the registry did not take an item.
+std::string RefusalText(RegistryStatus status);
+
 // Puts back what a restore point holds.
 class Restore {
  public:

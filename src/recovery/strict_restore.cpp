@@ -50,8 +50,7 @@ void StrictRestore::Note(const std::string& what, RegistryStatus status) {
     ++report_.registryItems;
     return;
   }
-  report_.failures.push_back(
-      {what, "the registry refuses it (" + std::to_string(static_cast<long>(status)) + ")"});
+  report_.failures.push_back({what, RefusalText(status)});
 }
 
 void StrictRestore::RestoreKey(const KeyItem& item) {
@@ -93,7 +92,7 @@ void StrictRestore::RestoreFile(const FileItem& item, StoredCopies& copies,
   const FileDress dress{.attributes = item.attributes, .times = item.times};
   const auto failed = [this, &item](const RuntimeError& error) {
     report_.failures.push_back({item.path, error.Description()});
-    u_.log.WriteErrorLog("RestoreFiles",
+    u_.log.NoteInPassing("RestoreFiles",
                          RuntimeError(error.Number(), item.path, error.SystemCode()));
   };
   try {

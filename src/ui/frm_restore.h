@@ -16,8 +16,8 @@ class frmRestore : public Form {
   // `chosenStem` is emptied when the form loads, and empty after it unless a point was chosen.
   frmRestore(Services services, std::string& chosenStem);
 
-  // The stem, and a date text built from it.
-  ListView lvwBackups{*this, "lvwBackups", {"Backup Name"}};
+  // The stem, and in a column without a title a date text built from it.
+  ListView lvwBackups{*this, "lvwBackups", {"Backup Name", ""}};
   Label lblExplanation{*this, "lblExplanation"};
   Button cmdOK{*this, "cmdOK", "Restore Removed Items"};
   Button cmdDeleteBackup{*this, "cmdDeleteBackup", "Delete Restore Point"};
