@@ -9,46 +9,56 @@
 
 #include "signatures/md5.h"
 
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
 namespace quarnel {
 namespace {
 
-constexpr size_t kWord = 8;
-constexpr uint64_t kEach = 0x0101010101010101U;
-constexpr uint64_t kTopBits = kEach * 0x80;
+// So many characters are told apart at a time.
+constexpr size_t kPiece = 16;
+constexpr unsigned kWholePiece = 0xFFFF;
 
-// Eight characters, the first one in the lowest byte.
-uint64_t WordAt(const char* text) {
-  uint64_t word;
-  std::memcpy(&word, text, sizeof word);
-  if constexpr (std::endian::native == std::endian::big) word = __builtin_bswap64(word);
-  return word;
-}
-
-// What tells the characters of a row from others. `Mark` sets the top bits of the bytes of a word
-// that belong to the row, and no other bits.
-struct HexDigits {
-  static bool Fits(char c) {
-    return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
-  }
-  static uint64_t Mark(uint64_t word) {
-    // Without the top bits, sums stay within their bytes.
-    const uint64_t low = word & ~kTopBits;
-    const uint64_t folded = low | kEach * 0x20;
-    const auto atLeast = [](uint64_t bytes, char c) {
-      return bytes + kEach * (0x80 - static_cast<uint64_t>(c));
-    };
-    const uint64_t digits = atLeast(low, '0') & ~atLeast(low, '9' + 1);
-    const uint64_t letters = atLeast(folded, 'a') & ~atLeast(folded, 'f' + 1);
-    return (digits | letters) & ~word & kTopBits;
+// What tells the characters of a row from others. `Mark` has a bit for each character of a piece,
+// the lowest one for the first, which is set when it belongs to the row.
+template <typename Kind>
+struct Row {
+  static unsigned Mark(const char* text) {
+    unsigned mark = 0;
+    for (size_t i = 0; i < kPiece; ++i) mark |= unsigned{Kind::Fits(text[i])} << i;
+    return mark;
   }
 };
 
-struct Blanks {
-  static bool Fits(char c) { return c == ' '; }
-  static uint64_t Mark(uint64_t word) {
-    const uint64_t other = word ^ kEach * ' ';
-    return ~(((other & ~kTopBits) + ~kTopBits) | other) & kTopBits;
+#if defined(__SSE2__)
+__m128i PieceAt(const char* text) {
+  return _mm_loadu_si128(reinterpret_cast<const __m128i*>(text));
+}
+unsigned MaskOf(__m128i bytes) { return static_cast<unsigned>(_mm_movemask_epi8(bytes)); }
+// Which bytes lie between two characters, both included.
+__m128i Between(__m128i bytes, char first, char last) {
+  const __m128i distance = _mm_sub_epi8(bytes, _mm_set1_epi8(first));
+  const __m128i longest = _mm_set1_epi8(static_cast<char>(last - first));
+  return _mm_cmpeq_epi8(_mm_min_epu8(distance, longest), distance);
+}
+#endif
+
+struct HexDigits : Row<HexDigits> {
+  static bool Fits(char c) {
+    return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
   }
+#if defined(__SSE2__)
+  static unsigned Mark(const char* text) {
+    const __m128i bytes = PieceAt(text);
+    const __m128i folded = _mm_or_si128(bytes, _mm_set1_epi8(0x20));
+    return MaskOf(_mm_or_si128(Between(bytes, '0', '9'), Between(folded, 'a', 'f')));
+  }
+#endif
+};
+
+struct Blanks : Row<Blanks> {
+  static bool Fits(char c) { return c == ' '; }
 };
 
 // Eight digits with letter case folded: of the digits' codes only those of capitals lack this bit.
@@ -65,25 +75,25 @@ const std::array<uint64_t, 4> kFactors = [] {
   return factors;
 }();
 
-// Both ends of the row of like characters around a position, not beyond `begin` and `end`. Words
-// are looked at first: most rows are as long as four of them.
+// Both ends of the row of like characters around a position, not beyond `begin` and `end`.
 template <typename Kind>
 std::pair<size_t, size_t> RowAround(const char* text, size_t position, size_t begin, size_t end) {
+  constexpr size_t kLowBits = 8 * sizeof(unsigned) - kPiece;
   size_t first = position + 1;
-  while (first - begin >= kWord) {
-    const uint64_t others = Kind::Mark(WordAt(text + first - kWord)) ^ kTopBits;
+  while (first - begin >= kPiece) {
+    const unsigned others = Kind::Mark(text + first - kPiece) ^ kWholePiece;
     if (others != 0) {
-      first -= static_cast<size_t>(std::countl_zero(others)) / 8;
+      first -= static_cast<size_t>(std::countl_zero(others << kLowBits));
       break;
     }
-    first -= kWord;
+    first -= kPiece;
   }
   while (first > begin && Kind::Fits(text[first - 1])) --first;
   size_t last = position + 1;
-  while (end - last >= kWord) {
-    const uint64_t others = Kind::Mark(WordAt(text + last)) ^ kTopBits;
-    if (others != 0) return {first, last + static_cast<size_t>(std::countr_zero(others)) / 8};
-    last += kWord;
+  while (end - last >= kPiece) {
+    const unsigned others = Kind::Mark(text + last) ^ kWholePiece;
+    if (others != 0) return {first, last + static_cast<size_t>(std::countr_zero(others))};
+    last += kPiece;
   }
   while (last < end && Kind::Fits(text[last])) ++last;
   return {first, last};
@@ -113,10 +123,8 @@ bool SameHash(const char* left, const char* right) {
 
 bool IsHash(std::string_view text) {
   if (text.size() != kHashDigits) return false;
-  uint64_t digits = kTopBits;
-  for (size_t i = 0; i < kHashDigits; i += kWord)
-    digits &= HexDigits::Mark(WordAt(text.data() + i));
-  return digits == kTopBits;
+  const char* const digits = text.data();
+  return (HexDigits::Mark(digits) & HexDigits::Mark(digits + kPiece)) == kWholePiece;
 }
 
 // A row of 32 covers one of the positions that are looked at, wherever it begins.
