@@ -61,16 +61,33 @@ void Restore::Fail(std::string_view what, std::string_view reason) {
   report_.failures.push_back({std::string(what), std::string(reason)});
 }
 
+// As Reporting, and what was given up stands in the report.
+void Restore::Naming(std::string_view what, std::string_view label, const Handler& procedure) {
+  Reporting(u_.log, label, [&] {
+    try {
+      procedure();
+    } catch (const RuntimeError& error) {
+      Fail(what, error.Description());
+      throw;
+    }
+  });
+}
+
 RestoreReport Restore::RestoreSpyware(std::string_view stem) {
   report_ = {};
   bool tellFailures = false;
-  Reporting(u_.log, "RestoreSpyware", [&] {
+  const std::string manifestPath = RestorePointFile(u_.machine, stem, restore_point::kManifest);
+  Naming(manifestPath, "RestoreSpyware", [&] {
     const RestoreNote note(u_.files, u_.machine, stem);
-    const std::string manifestPath = RestorePointFile(u_.machine, stem, restore_point::kManifest);
-    if (!FileExists(u_.files, manifestPath)) return RestoreAsDescribed(stem, nullptr);
-    tellFailures = true;
+    const bool strict = u_.settings.Get(setting::kStrict) == "1";
+    const bool hasManifest = FileExists(u_.files, manifestPath);
+    tellFailures = strict || hasManifest;
+    if (!hasManifest) {
+      if (strict) Fail(manifestPath, "it is missing: nothing could be checked or restored exactly");
+      return RestoreAsDescribed(stem, nullptr);
+    }
     const ManifestReading reading = ReadManifest(ReadWholeFile(u_.files, manifestPath), stem);
-    if (u_.settings.Get(setting::kStrict) == "1") {
+    if (strict) {
       StrictRestore({.page = u_.page,
                      .files = u_.files,
                      .registry = u_.registry,
@@ -101,7 +118,7 @@ void Restore::RestoreAsDescribed(std::string_view stem, const ManifestReading* m
   for (const ArchiveKind kind : {ArchiveKind::kFiles, ArchiveKind::kCookies}) {
     const std::string archive = RestorePointFile(u_.machine, stem, EndingOf(kind));
     if (manifest == nullptr && !FileExists(u_.files, archive)) continue;
-    Reporting(u_.log, LabelOf(kind), [&] {
+    Naming(archive, LabelOf(kind), [&] {
       manifest != nullptr ? ExtractByManifest(archive, kind, manifest->manifest)
                           : ExtractAll(archive, kind);
     });
@@ -110,7 +127,7 @@ void Restore::RestoreAsDescribed(std::string_view stem, const ManifestReading* m
 }
 
 void Restore::RestoreRegistry(const std::string& path, const ManifestReading* manifest) {
-  Reporting(u_.log, "RestoreRegistry", [&] {
+  Naming(path, "RestoreRegistry", [&] {
     BackupPage& page = u_.page;
     page.picBackupProgress.SetVisible(true);
     page.lblBackupProgress.SetCaption("Please wait while initializing restore process...");

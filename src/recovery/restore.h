@@ -54,6 +54,7 @@ class Restore {
   RestoreReport RestoreSpyware(std::string_view stem);
 
  private:
+  void Naming(std::string_view what, std::string_view label, const Handler& procedure);
   void RestoreAsDescribed(std::string_view stem, const ManifestReading* manifest);
   void RestoreRegistry(const std::string& path, const ManifestReading* manifest);
   void RestoreLine(std::string_view line);

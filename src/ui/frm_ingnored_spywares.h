@@ -15,8 +15,7 @@ class frmIngnoredSpywares : public Form {
   frmIngnoredSpywares(const Services& services, ResultsPage& results);
 
   Label lblHeading{*this, "lblHeading", "List of Ignored Threat Signatures"};
-  ListView lvwIgnoredSpywares{
-      *this, "lvwIgnoredSpywares", {"Name of Spyware", "Company Name", "Company Name"}};
+  ListView lvwIgnoredSpywares{*this, "lvwIgnoredSpywares", {"Name of Spyware", "Company Name"}};
   CheckBox chkSelectAll{*this, "chkSelectAll", "Select All"};
   Label lblCount{*this, "lblCount"};
   Button ImgRemoveMouseMove{*this, "ImgRemoveMouseMove", "Remove from Safe List"};

@@ -9,6 +9,7 @@
 
 #include "base/text.h"
 #include "proof/posix_proof_machine.h"
+#include "recovery/restore_note.h"
 
 namespace quarnel {
 namespace {
@@ -52,6 +53,8 @@ class RestoreProof : public ::testing::Test {
   void CheckItCanBeRepeated() {
     const auto platform = OpenPlatform(machine.Path());
     EXPECT_EQ(TornStateFiles(*platform), "");
+    ClearLeftovers(platform->files(), platform->machine());
+    EXPECT_EQ(Leftovers(machine.Path()), std::vector<std::string>());
     for (const RestoreFailure& failure : RestoreStrictly(*platform, stem).failures) {
       ADD_FAILURE() << failure.what << ": " << failure.reason;
     }

@@ -74,6 +74,27 @@ class SwapTest : public BackupTest {
   fs::path HostOf(std::string_view path) { return HostPathOf(machineFolder(), path); }
 };
 
+// A link to itself stands for any file that is there and cannot be read.
+TEST_F(SwapTest, APartOfThePointThatCannotBeReadIsNamed) {
+  const std::string gone = Plant(Path("gone.exe"), "x");
+  SetValue("Key", "one", RawFromValue(std::string("1")));
+  AddTrace("Key", "one");
+  const BackupReport report = backup.BackupSpyware();
+  files().Delete(gone);
+  for (const std::string_view ending :
+       {restore_point::kManifest, restore_point::kRegistry, restore_point::kFiles}) {
+    const fs::path part = HostOf(PointFile(report, ending));
+    fs::rename(part, part.string() + ".aside");
+    fs::create_symlink(part.filename(), part);
+    EXPECT_FALSE(restore.RestoreSpyware(report.stem).failures.empty()) << ending;
+    EXPECT_NE(host.messages.back().text, "Restore process completed successfully.") << ending;
+    fs::remove(part);
+    fs::rename(part.string() + ".aside", part);
+    IgnoringErrors([&] { files().Delete(gone); });
+  }
+  EXPECT_TRUE(restore.RestoreSpyware(report.stem).failures.empty());
+}
+
 // At each moment of a restore at which something else can happen, the folder is moved away and a
 // link is put in its place.
 TEST_F(SwapTest, NothingIsRestoredThroughALinkThatComesMeanwhile) {

@@ -98,6 +98,10 @@ TEST_F(RestoreTest, GoesOnWithoutAFileOfThePoint) {
   EXPECT_FALSE(Exists(cookie));
   EXPECT_EQ(host.messages.size(), 2U);
   EXPECT_EQ(Told(), kDone);
+  // Who asked for exactness hears that there is nothing to go by.
+  BeStrict();
+  restore.RestoreSpyware(report.stem);
+  EXPECT_NE(Told().find("_MANIFEST.bkp - it is missing"), std::string::npos) << Told();
 }
 
 TEST_F(RestoreTest, SkipsLinesThatAreNoValue) {
