@@ -105,7 +105,7 @@ void DeepScan::TakeAhead(Walk& walk, HashQueue* queue) {
   // In one go from few to full: the pool's lock is taken once for many files.
   // So many entries are worked on while one large file, which takes a thread as long as anything
   // its size, is awaited.
-  constexpr size_t kMostAhead = 73728;
+  constexpr size_t kMostAhead = 65536;
   if (!walk.ahead.empty() &&
       (!queue || !queue->RunsLow() || walk.ahead.size() > kMostAhead / 8 * 7)) {
     return;
@@ -113,13 +113,11 @@ void DeepScan::TakeAhead(Walk& walk, HashQueue* queue) {
   while (walk.ahead.size() < kMostAhead && (queue ? !queue->Full() : walk.ahead.empty())) {
     auto entry = walk.tree.Next();
     if (!entry) break;
-    const bool hashed = IsHashed(entry->found);
-    if (hashed && queue) {
+    if (queue && IsHashed(entry->found)) {
       queue->Add(std::move(entry->folder), std::move(entry->found.name));
-      walk.ahead.push_back({.entry = nullptr, .hashed = true});
+      walk.ahead.push_back(nullptr);
     } else {
-      walk.ahead.push_back(
-          {.entry = std::make_unique<TreeWalk::Entry>(std::move(*entry)), .hashed = hashed});
+      walk.ahead.push_back(std::make_unique<TreeWalk::Entry>(std::move(*entry)));
     }
   }
   if (queue) queue->Flush();
@@ -136,16 +134,16 @@ void DeepScan::FindFilesAPI(std::string_view path) {
     if (walk.ahead.empty()) return;
     const Step step = std::move(walk.ahead.front());
     walk.ahead.pop_front();
-    const auto job = step.entry ? nullptr : queue->First();
-    const Place place = job ? Place{job->Folder(), job->Name()}
-                            : Place{*step.entry->folder, step.entry->found.name};
+    const auto job = step ? nullptr : queue->First();
+    const Place place =
+        job ? Place{job->Folder(), job->Name()} : Place{*step->folder, step->found.name};
     if (!walk.skipped.empty() && place.folder.starts_with(walk.skipped)) {
-      if (step.hashed && ahead) ahead->Next([this] { return GoesOn(); });
+      if (job) ahead->Next([this] { return GoesOn(); });
       continue;
     }
+    const bool hashed = job || IsHashed(step->found);
     // An error ends the work on the folder and on all below it.
-    if (!Reporting(u_.log, "FindFilesAPI",
-                   [&] { InspectEntry(place, step.hashed, walk, ahead); })) {
+    if (!Reporting(u_.log, "FindFilesAPI", [&] { InspectEntry(place, hashed, walk, ahead); })) {
       walk.skipped = place.folder;
     }
   }

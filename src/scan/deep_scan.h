@@ -34,11 +34,8 @@ class DeepScan {
 
  private:
   // An entry of the walk that was taken ahead. Tens of thousands of them may wait: a file that is
-  // being hashed is known to the queue, in the same order, and has nothing here.
-  struct Step {
-    std::unique_ptr<TreeWalk::Entry> entry;
-    bool hashed = false;
-  };
+  // being hashed is known to the queue, in the same order, and is null here.
+  using Step = std::unique_ptr<TreeWalk::Entry>;
   // Where the present entry stands.
   struct Place {
     const std::string& folder;
