@@ -57,6 +57,8 @@ TEST_F(RemovalFormsTest, RestoresWhatWasRemovedPlainlyOrStrictly) {
            .files = "Any,Threat,1,31,Planted.txt,,7\n"});
   const FileTime time = FileTime(std::chrono::sys_days(std::chrono::days(12'500)));
   for (const bool strict : {false, true}) {
+    // On a running system the tests may lie on another drive, to which all would plainly come back.
+    if (!strict && planted[0] != machine().ProgramFolder()[0]) continue;
     WriteWholeFile(files(), planted, "x");
     files().SetModified(planted, time);
     std::unique_ptr<RegistryKey> open;
@@ -156,7 +158,7 @@ TEST_F(RemovalFormsTest, SafeListHoldsATraceBackUntilItIsTakenOut) {
             "Added selected spyware successfully to [Ignored Spyware] List.");
   Remove(main);
   EXPECT_TRUE(Exists(planted));
-  const auto open = [&](std::function<void(frmIngnoredSpywares&)> user) {
+  const auto open = [&](const std::function<void(frmIngnoredSpywares&)>& user) {
     Play<frmIngnoredSpywares>("frmIngnoredSpywares", [user](frmIngnoredSpywares& form) {
       EXPECT_EQ(form.Caption(), "Quarnel - Safe List");
       user(form);
