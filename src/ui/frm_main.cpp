@@ -107,7 +107,7 @@ frmMain::frmMain(Services services, Forms& forms, StartOptions startOptions)
 }
 
 void frmMain::WireScan() {
-  scan.ImgStartScanMouseMove.Click = [this] { controller_.ImgStartScanMouseMove_Click(); };
+  scan.ImgStartScanMouseMove.Click = [this] { StartScan(); };
   scan.ImgStartScanMouseMove.MouseDown = [this] { ForgetScheduledScan(); };
   scan.ImgStopScanMouseMove.Click = [this] { controller_.ImgStopScanMouseMove_Click(); };
   // A user's press takes the mark away, so that the click which follows asks.
@@ -134,7 +134,7 @@ void frmMain::WireResults() {
   };
   results.cmdViewSpywareDetail.Click = [this] { cmdViewSpywareDetail_Click(); };
   results.Command1.Click = [this] { Command1_Click(); };
-  backup.cmdRestore.Click = [this] { cmdRestore_Click(); };
+  backup.cmdRestore.Click = [this] { RunAlone([this] { cmdRestore_Click(); }); };
   results.ImgAddToIgnoredListNormal.Click = [this] { ImgAddToIgnoredListNormal_Click(); };
   results.imgNext0.Click = [this] { imgNext_Click(0); };
   results.imgNext1.Click = [this] { imgNext_Click(1); };
@@ -212,7 +212,9 @@ void frmMain::imgNext_Click(int index) {
   });
 }
 
-void frmMain::StartScan() { controller_.ImgStartScanMouseMove_Click(); }
+void frmMain::StartScan() {
+  if (!recoveryRuns_) controller_.ImgStartScanMouseMove_Click();
+}
 
 void frmMain::cmdViewSpywareDetail_Click() {
   Reporting(s_.log, "cmdViewSpywareDetail_Click in frmMain", [&] {

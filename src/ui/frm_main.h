@@ -172,6 +172,9 @@ class frmMain : public Form, private ScanSurroundings, private ScheduleSurroundi
   void WireScan();
   void WireResults();
   void WireRemoval();
+  // Runs a removal or a restore. A second click, another of these jobs and a scan are left undone
+  // until it has ended: they would work on the same lists and files in the middle of it.
+  void RunAlone(const Handler& job);
   RemovalSurroundings SurroundingsOfRemoval();
   void WireMenu();
   void WireTimers();
@@ -193,7 +196,7 @@ class frmMain : public Form, private ScanSurroundings, private ScheduleSurroundi
   Answer Inform(std::string_view text);
 
   // ScheduleSurroundings
-  bool ScanIsRunning() const override { return ScanRuns(scan); }
+  bool ScanIsRunning() const override { return ScanRuns(scan) || recoveryRuns_; }
   void ShowFirstPage() override { ChangePicOnTabClicked({.scan = true}); }
 
   // ScanSurroundings
@@ -228,6 +231,7 @@ class frmMain : public Form, private ScanSurroundings, private ScheduleSurroundi
   Summary summaryLogic_;
 
   std::string justAfterInstallation_ = "TRUE";
+  bool recoveryRuns_ = false;
   int mCurrentTab_ = 0;
   bool bMainWindowShowing_ = false;
   bool bSummaryLoaded_ = false;

@@ -15,13 +15,25 @@ void frmMain::WireRemoval() {
   removal.picRemoveSummary.SetVisible(false);
   removal.pbrRemoveSpyware.SetVisible(false);
   for (Button* remove : {&results.cmdRemoveSpywares, &removal.cmdRemoveSpyware2}) {
-    remove->Click = [this] { removalLogic_.cmdRemoveSpywares_Click(); };
+    remove->Click = [this] { RunAlone([this] { removalLogic_.cmdRemoveSpywares_Click(); }); };
   }
   removal.cmdFinish.Click = [this] { removalLogic_.cmdFinish_Click(); };
   // The second button opens the same list: the one of programs has no way to it.
   for (Button* safeList : {&results.cmdIgnoredSpyware, &results.cmdIgnoredProcesses}) {
     safeList->Click = [this] { forms_.ingnoredSpywares.Touch().ShowModal(); };
   }
+}
+
+void frmMain::RunAlone(const Handler& job) {
+  if (recoveryRuns_) return;
+  recoveryRuns_ = true;
+  try {
+    job();
+  } catch (...) {
+    recoveryRuns_ = false;
+    throw;
+  }
+  recoveryRuns_ = false;
 }
 
 RemovalSurroundings frmMain::SurroundingsOfRemoval() {

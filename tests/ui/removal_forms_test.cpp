@@ -98,6 +98,34 @@ TEST_F(RemovalFormsTest, RestoresWhatWasRemovedPlainlyOrStrictly) {
   }
 }
 
+// A second click comes as an event of the first one's work.
+TEST_F(RemovalFormsTest, ClicksInTheMiddleOfARemovalOrARestoreStartNothing) {
+  frmMain& main = ScanAndTick();
+  main.results.chkCreateRestore.SetValue(1);
+  const auto clickAll = [&] {
+    main.results.cmdRemoveSpywares.ClickByUser();
+    main.removal.cmdRemoveSpyware2.ClickByUser();
+    main.scan.ImgStartScanMouseMove.ClickByUser();
+    main.backup.cmdRestore.ClickByUser();
+  };
+  host.onEvents = clickAll;
+  Remove(main);
+  EXPECT_THAT(seen, ElementsAre("frmReBootMachine"));
+  EXPECT_FALSE(Exists(planted));
+  seen.clear();
+  Play<frmRestore>("frmRestore", [this](frmRestore& form) {
+    ASSERT_EQ(form.lvwBackups.Count(), 1U);
+    form.lvwBackups.SelectByUser(0);
+    host.answers = {Answer::kYes};
+    form.cmdOK.ClickByUser();
+  });
+  main.backup.cmdRestore.ClickByUser();
+  host.onEvents = nullptr;
+  EXPECT_THAT(seen, ElementsAre("frmRestore"));
+  EXPECT_EQ(host.messages.size(), 2U);
+  EXPECT_EQ(ReadWholeFile(files(), planted), "x");
+}
+
 TEST_F(RemovalFormsTest, BrowserPromptSettlesTheQuestionAsItsBoxSays) {
   struct Case {
     bool yes;
