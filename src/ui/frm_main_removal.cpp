@@ -42,7 +42,12 @@ RemovalSurroundings frmMain::SurroundingsOfRemoval() {
           .askToRestart = [this] { forms_.reBootMachine.Touch().ShowModal(); },
           .showResultsTab = [this] { SelectScanTab(); },
           .saveLastScanResults = [this] { controller_.SaveLastScanResults(); },
-          .done = [this] { cmdDone_Click(); }};
+          // Nothing is left to see of the results: back to where a scan begins.
+          .done =
+              [this] {
+                cmdDone_Click();
+                SwitchSummary(true);
+              }};
 }
 
 void frmMain::cmdDone_Click() {

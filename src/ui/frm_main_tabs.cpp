@@ -54,11 +54,14 @@ bool frmMain::AskToCloseResults() {
 
 void frmMain::imgMainTab_Click(int index) {
   Reporting(s_.log, "imgMainTab_Click in frmMain", [&] {
+    const bool again = index == 0 && mCurrentTab_ == 0 && !ScanRuns(scan);
     if (ScanRuns(scan) && !InterruptScan()) return Form_Activate();
     results.imgNext1.SetVisible(false);
     StopScanUnasked();
     if (!AskToCloseResults()) return Form_Activate();
     SelectTab(index);
+    // The way back from results that nobody wants to deal with.
+    if (again) SwitchSummary(true);
   });
 }
 

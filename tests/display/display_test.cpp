@@ -10,6 +10,7 @@
 
 #include "core/paths.h"
 #include "display/robot.h"
+#include "recovery/restore_point.h"
 #include "scan/folders.h"
 #include "signatures/compiler.h"
 #include "support/platform_fixture.h"
@@ -24,11 +25,13 @@ class SlowHost : public WxHost {
  public:
   using WxHost::WxHost;
   bool slow = false;
+  Milliseconds pause{0};  // more, for things of which there are few
 
  protected:
   void ProcessFrontEvents(Milliseconds now) override {
     constexpr unsigned long kMicroseconds = 200;
     if (slow) wxMicroSleep(kMicroseconds);
+    if (pause.count() > 0) wxMilliSleep(static_cast<unsigned long>(pause.count()));
     WxHost::ProcessFrontEvents(now);
   }
 };
@@ -122,16 +125,37 @@ class DisplayTest : public PlatformTest {
     }
   }
 
-  void Picture(const Form& form, const std::string& name) {
+  // The form of this name that is on the screen; null when there is none.
+  const Form* Shown(std::string_view name) {
+    for (const Form* form : host->LoadedForms()) {
+      const FormWindow* window = WindowOf(*form);
+      if (form->Name() == name && window != nullptr && window->Window()->IsShown()) return form;
+    }
+    return nullptr;
+  }
+  void ClickIn(const std::string& form, const std::string& control) {
+    robot.Click(form + "." + control, [this, form, control]() -> wxWindow* {
+      const Form* shown = Shown(form);
+      return shown == nullptr ? nullptr : Widget(control, shown);
+    });
+  }
+
+  // Asks for a picture of the window as it is, where somebody wants one: who does takes it from
+  // outside, and deletes the request.
+  void AskForPicture(const Form& form, const std::string& name) {
     const char* folder = std::getenv("QUARNEL_PICTURES");
     if (folder == nullptr || WindowOf(form) == nullptr) return;
-    Settle();
-    // Who asked for pictures takes them from outside, and deletes the request.
-    const std::string request = std::string(folder) + "/" + name + ".request";
+    request_ = std::string(folder) + "/" + name + ".request";
     const wxRect place = WindowOf(form)->Window()->GetScreenRect();
-    std::ofstream(request) << place.width << 'x' << place.height << '+' << place.x << '+' << place.y
-                           << std::endl;
-    Until("the picture", [request] { return !std::ifstream(request).is_open(); });
+    std::ofstream(request_) << place.width << 'x' << place.height << '+' << place.x << '+'
+                            << place.y << std::endl;
+  }
+  bool PictureIsTaken() const { return !std::ifstream(request_).is_open(); }
+  void Picture(const Form& form, const std::string& name) {
+    if (std::getenv("QUARNEL_PICTURES") == nullptr || WindowOf(form) == nullptr) return;
+    Settle();
+    AskForPicture(form, name);
+    Until("the picture", [this] { return PictureIsTaken(); });
     Run();
   }
 
@@ -142,6 +166,9 @@ class DisplayTest : public PlatformTest {
   std::unique_ptr<SlowHost> host;
   std::unique_ptr<Application> application;
   Robot robot;
+
+ private:
+  std::string request_;
 };
 
 TEST_F(DisplayTest, TabsAreClickedAndEachPageShowsItsControls) {
@@ -293,6 +320,83 @@ TEST_F(DisplayTest, TicksOfAThreatReachItsTraces) {
   Until("no tick", [&] { return !tree.At(1)->checked && !tree.At(2)->checked; });
   Run();
   ExpectInStep(main);
+}
+
+TEST_F(DisplayTest, WhatWasFoundIsRemovedAndRestored) {
+  const std::string older =
+      RestorePointFile(machine(), "Older_20200102030405", restore_point::kFiles);
+  CreateFolders(files(), BackupFolder(machine()));
+  WriteWholeFile(files(), older, "");
+  frmMain& main = Start();
+  Click("ImgStartScanMouseMove");
+  Until("the scan's end", [&] { return main.scan.lblStatus.Caption() == "Scanning completed."; });
+  Run();
+
+  // Time to look at the progress.
+  host->pause = Milliseconds(20);
+  Click("cmdRemoveSpywares");
+  robot.Then(
+      "the removal's progress",
+      [&] {
+        const wxWindow* bar = Widget("pbrRemoveSpyware");
+        return bar != nullptr && bar->IsShownOnScreen();
+      },
+      [&] { AskForPicture(main, "removal"); });
+  ClickIn("frmReBootMachine", "cmdClose");
+  Until("the summary", [&] { return main.removal.picRemoveSummary.Visible(); });
+  Run();
+  host->pause = {};
+  ExpectInStep(main);
+  EXPECT_FALSE(files().Stat(planted));
+  Picture(main, "removal-summary");
+
+  Click("cmdFinish");
+  Click("cmdRestore");
+  const auto list = [&]() -> wxListCtrl* {
+    const Form* form = Shown("frmRestore");
+    return form == nullptr ? nullptr : dynamic_cast<wxListCtrl*>(Widget("lvwBackups", form));
+  };
+  const auto clickAt = [&](int row, int column) {
+    wxRect cell;
+    list()->GetSubItemRect(std::max(row, 0), column, cell);
+    const int y = row < 0 ? cell.y / 2 : cell.y + cell.height / 2;
+    Robot::ClickAt(list()->ClientToScreen(wxPoint(cell.x + cell.width / 2, y)));
+  };
+  // By a click on the heads of the columns, and once more the other way round.
+  std::vector<std::string> first;
+  const auto noteFirst = [&] { first.push_back(list()->GetItemText(0).utf8_string()); };
+  constexpr int kHead = -1;
+  // Two clicks at one place that follow too soon are a double click.
+  const auto sorted = [&](int column, bool ascending) {
+    return [&, column, ascending, turns = 0]() mutable {
+      constexpr int kTurnsBetweenClicks = 30;
+      return list()->GetSortIndicator() == column &&
+             list()->IsAscendingSortIndicator() == ascending && ++turns > kTurnsBetweenClicks;
+    };
+  };
+  const auto isAtRest = [&list, turns = 0]() mutable {
+    constexpr int kTurnsAtRest = 20;
+    return list() != nullptr && ++turns > kTurnsAtRest;
+  };
+  robot.Then("the restore points", isAtRest, [&] { clickAt(kHead, 0); });
+  robot.Then("their order", sorted(0, true), [&] { noteFirst(), clickAt(kHead, 0); });
+  robot.Then("their order", sorted(0, false), [&] { noteFirst(), clickAt(kHead, 1); });
+  robot.Then("their order", sorted(1, true), [&] { noteFirst(), clickAt(1, 0); });
+  Until("the chosen one", [&] {
+    const auto* rows = dynamic_cast<const ListView*>(Shown("frmRestore")->Find("lvwBackups"));
+    return rows->SelectedRow() && !rows->At(*rows->SelectedRow()).text.starts_with("Older");
+  });
+  ClickIn("frmRestore", "cmdOK");
+  robot.AnswerBox("Yes");
+  robot.AnswerBox("OK");
+  Run();
+  ASSERT_EQ(first.size(), 3U);
+  EXPECT_THAT(first.at(0), ::testing::Not(::testing::StartsWith("Older")));
+  EXPECT_THAT(first.at(1), ::testing::StartsWith("Older"));
+  EXPECT_THAT(first.at(2), ::testing::StartsWith("Older"));
+  EXPECT_TRUE(files().Stat(planted));
+  EXPECT_EQ(Shown("frmRestore"), nullptr);
+  DeleteTree(files(), BackupFolder(machine()));
 }
 
 TEST_F(DisplayTest, MenuSelectsAPageAndClosingAsks) {

@@ -8,6 +8,7 @@
 #include "ui/wx/boxes.h"
 #include "ui/wx/icons.h"
 #include "ui/wx/metrics.h"
+#include "ui/wx/native.h"
 #include "ui/wx/text.h"
 #include "ui/wx/theme.h"
 
@@ -61,9 +62,11 @@ FormWindow::FormWindow(Form& form, const FormLayout& layout, wxWindow* parent, c
   Fill(page_, *outer, layout_.content);
   page_->SetSizer(outer);
   MakeMenus();
-  Sync();
+  SyncContent();
   FitWindow();
   BindWindow();
+  // Only now: on the screen it would get its first size and place from the toolkit.
+  Sync();
 }
 
 FormWindow::~FormWindow() {
@@ -85,6 +88,7 @@ void FormWindow::MakeWindow(wxWindow* parent) {
   }
   window_->SetName(ToWx(form_->Name()));
   window_->SetIcons(icons::ProgramIcons());
+  native::KeepPlace(*window_);
 }
 
 void FormWindow::FitWindow() {
@@ -330,16 +334,19 @@ void FormWindow::MakeMenus() {
 void FormWindow::Sync() {
   if (form_ == nullptr || syncing_) return;
   syncing_ = true;
+  SyncContent();
+  SyncWindow();
+  syncing_ = false;
+}
+
+void FormWindow::SyncContent() {
   bool moved = SyncConditions();
   for (const auto& binding : bindings_) moved = binding->Sync() || moved;
   SyncMenus();
-  if (moved) {
-    page_->Layout();
-    for (const Condition& condition : conditions_) condition.box->Layout();
-    if (shown_ && layout_.kind == WindowKind::kDialog) window_->Fit();
-  }
-  SyncWindow();
-  syncing_ = false;
+  if (!moved) return;
+  page_->Layout();
+  for (const Condition& condition : conditions_) condition.box->Layout();
+  if (shown_ && layout_.kind == WindowKind::kDialog) window_->Fit();
 }
 
 bool FormWindow::Condition::Holds() const {

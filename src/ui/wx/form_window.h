@@ -67,6 +67,7 @@ class FormWindow {
   // Whether the leaf uses any room that it gets.
   bool IsField(const Layout& layout) const;
   void CollectNames(const Layout& layout);
+  void SyncContent();
   void SyncWindow();
   void SyncMenus();
   bool SyncConditions();

@@ -5,6 +5,7 @@
 #include "ui/wx/boxes.h"
 #include "ui/wx/icons.h"
 #include "ui/wx/metrics.h"
+#include "ui/wx/native.h"
 #include "ui/wx/text.h"
 #include "ui/wx/theme.h"
 
@@ -63,6 +64,7 @@ class MessageWindow : public wxDialog {
       : wxDialog(parent, wxID_ANY, ToWx(box.title), wxDefaultPosition, wxDefaultSize,
                  box.buttons == MessageButtons::kYesNo ? wxCAPTION : wxDEFAULT_DIALOG_STYLE) {
     SetName("MessageBox");
+    native::KeepPlace(*this);
     SetBackgroundColour(theme::Page());
     const auto gap = [this](int length) { return metrics::Scaled(*this, length); };
     auto* message = new GapBox(wxHORIZONTAL, gap(metrics::kWideGap));

@@ -15,6 +15,9 @@ void ShowTab(wxToggleButton& tab, bool selected);
 // Makes a button flat, its text at the left.
 void MakeRow(wxButton& row);
 
+// Lets a window come up where the program has put it, also under a window manager that places none.
+void KeepPlace(wxTopLevelWindow& window);
+
 // What a screen reader says for a widget that shows no caption of its own.
 void SetAccessibleName(wxWindow& widget, const wxString& name);
 

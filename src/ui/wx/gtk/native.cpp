@@ -13,6 +13,13 @@ void AlignLeft(GtkWidget* button) {
   gtk_widget_set_halign(content, GTK_ALIGN_START);
 }
 
+// The window exists but is not yet on the screen. The toolkit makes it at the screen's corner, and
+// leaves it there when it shows it for the first time.
+void PutInPlace(GtkWidget* widget, gpointer data) {
+  const wxPoint place = static_cast<const wxTopLevelWindow*>(data)->GetPosition();
+  gdk_window_move(gtk_widget_get_window(widget), place.x, place.y);
+}
+
 }  // namespace
 
 void MakeTab(wxToggleButton& tab) { AlignLeft(tab.GetHandle()); }
@@ -21,6 +28,10 @@ void MakeTab(wxToggleButton& tab) { AlignLeft(tab.GetHandle()); }
 void ShowTab(wxToggleButton&, bool) {}
 
 void MakeRow(wxButton& row) { AlignLeft(row.GetHandle()); }
+
+void KeepPlace(wxTopLevelWindow& window) {
+  g_signal_connect_after(window.GetHandle(), "realize", G_CALLBACK(PutInPlace), &window);
+}
 
 void SetAccessibleName(wxWindow& widget, const wxString& name) {
   GtkWidget* shown = widget.GetHandle();

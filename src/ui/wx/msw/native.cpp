@@ -33,6 +33,9 @@ void ShowTab(wxToggleButton& tab, bool selected) {
 
 void MakeRow(wxButton& row) { row.SetBackgroundColour(theme::Page()); }
 
+// The system does.
+void KeepPlace(wxTopLevelWindow&) {}
+
 void SetAccessibleName(wxWindow& widget, const wxString& name) {
   widget.SetAccessible(new NamedAccessible(&widget, name));
 }
