@@ -6,7 +6,8 @@
 namespace quarnel {
 
 // A file that the build put into the program byte for byte, so that it needs no other file to make
-// a sample: the sources of samples/signatures by their names, and "quarnel-sample-program".
+// a sample: the sources of samples/signatures and the pages of help by their names, and
+// "quarnel-sample-program".
 struct EmbeddedFile {
   std::string_view name;
   std::string_view bytes;

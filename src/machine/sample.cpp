@@ -67,6 +67,7 @@ class Planter {
     for (const SampleCookie& cookie : SampleCookies()) PlantCookie(cookie);
     for (const SampleEntry& entry : SampleEntries()) PlantEntry(entry);
     PlantSignatures();
+    PlantHelp();
     return std::move(sample_);
   }
 
@@ -153,6 +154,14 @@ class Planter {
     AddTrace(entry.threat, PlantedKind::kRegistry,
              std::string(HiveName(entry.hive)) + "\\" + (keepsKey ? *key : ToUpper(*key)) +
                  " -> Value Name: " + (keepsValue ? *value : ToUpper(*value)));
+  }
+
+  // Where the program looks for them: in its own folder.
+  void PlantHelp() {
+    const std::string folder = GetPathWithSlash(platform_.machine().ProgramFolder());
+    for (const std::string_view page : {"sd.html", "ag.html", "lorrigrid.html"}) {
+      WriteWhereDifferent(platform_.files(), folder + std::string(page), EmbeddedBytes(page));
+    }
   }
 
   void PlantSignatures() {

@@ -26,12 +26,13 @@ HtmlPage::HtmlPage(wxWindow* parent, Reader read, LinkHandler follow)
       follow_(std::move(follow)) {
   SetBorders(FromDIP(8));
   SetStandardFonts(parent->GetFont().GetPointSize());
+  Paint({});
 }
 
 void HtmlPage::Paint(const wxString& body) {
   const auto hex = [](const wxColour& colour) { return colour.GetAsString(wxC2S_HTML_SYNTAX); };
   SetPage("<html><body bgcolor=\"" + hex(theme::Surface()) + "\" text=\"" + hex(theme::Text()) +
-          "\" link=\"" + hex(theme::Accent()) + "\">" + body + "</body></html>");
+          "\" link=\"" + hex(theme::AccentLine()) + "\">" + body + "</body></html>");
 }
 
 void HtmlPage::Open(const std::string& location, const std::string& localPage) {

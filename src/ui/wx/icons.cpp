@@ -19,7 +19,7 @@ wxBitmapBundle Get(std::string_view name, int size, const wxColour& colour) {
   for (const IconFile& file : IconFiles()) {
     if (file.name != name) continue;
     std::string svg = Replace(file.svg, "currentColor", Hex(colour));
-    svg = Replace(svg, "#00f", Hex(theme::Accent()));
+    svg = Replace(svg, "#00f", Hex(theme::AccentLine()));
     svg = Replace(svg, "#0f0", Hex(theme::Good()));
     svg = Replace(svg, "#f00", Hex(theme::Attention()));
     return wxBitmapBundle::FromSVG(svg.c_str(), {size, size});

@@ -39,6 +39,7 @@ wxColour Text() { return System(wxSYS_COLOUR_WINDOWTEXT); }
 wxColour MutedText() { return Blend(Surface(), Text(), 68); }
 wxColour Accent() { return System(wxSYS_COLOUR_HIGHLIGHT); }
 wxColour AccentText() { return System(wxSYS_COLOUR_HIGHLIGHTTEXT); }
+wxColour AccentLine() { return Signal(Accent()); }
 wxColour SelectedTab() { return Blend(Page(), Accent(), 22); }
 wxColour HoveredTab() { return Blend(Page(), Text(), 8); }
 wxColour Good() { return Signal(wxColour(0x1A, 0x7F, 0x37)); }

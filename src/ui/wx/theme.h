@@ -17,6 +17,8 @@ wxColour Text();
 wxColour MutedText();
 wxColour Accent();
 wxColour AccentText();
+// The accent as a line or a text on the page.
+wxColour AccentLine();
 wxColour SelectedTab();
 wxColour HoveredTab();
 // Signals that keep their meaning in every theme, at a strength that is readable on Surface.

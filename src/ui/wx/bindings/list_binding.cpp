@@ -74,6 +74,7 @@ class ListBinding : public Binding {
     Sort();
     const auto count = static_cast<long>(order_.size());
     if (widget_->GetItemCount() != count) widget_->SetItemCount(count);
+    FitColumns();
     ShowSelection();
     widget_->Refresh();
     return false;
@@ -114,15 +115,35 @@ class ListBinding : public Binding {
     }
     selecting_ = false;
   }
-  // The columns share the width, the first taking twice as much.
+  // What a column needs for its title and for the first of its texts.
+  int WidthOf(int column) const {
+    constexpr size_t kRowsLookedAt = 30;
+    const auto place = static_cast<size_t>(column);
+    int width = widget_->GetTextExtent(ToWx(list_.ColumnHeaders().at(place))).x;
+    for (size_t row = 0; row < std::min(list_.Count(), kRowsLookedAt); ++row) {
+      const ListRow& shown = list_.At(row);
+      const std::string text(column == 0 ? std::string_view(shown.text) : shown.SubItem(place));
+      width = std::max(width, widget_->GetTextExtent(ToWxLine(text)).x);
+    }
+    return std::min(width + metrics::Scaled(*widget_, metrics::kColumnPadding),
+                    metrics::Scaled(*widget_, metrics::kNameColumn));
+  }
+  // Each column gets its share of the room; where there is too little, the list scrolls.
   void FitColumns() {
     const int count = widget_->GetColumnCount();
-    const int width = widget_->GetClientSize().x;
-    if (count == 0 || width == fittedWidth_) return;
-    fittedWidth_ = width;
-    const int share = std::max(width / (count + 1), metrics::Scaled(*widget_, metrics::kWideGap));
-    for (int i = 1; i < count; ++i) widget_->SetColumnWidth(i, share);
-    widget_->SetColumnWidth(0, std::max(width - share * (count - 1), share));
+    const int room = widget_->GetClientSize().x;
+    if (count == 0 || (room == fittedWidth_ && fittedToRows_ == !list_.Empty())) return;
+    fittedWidth_ = room;
+    fittedToRows_ = !list_.Empty();
+    std::vector<int> widths;
+    for (int i = 0; i < count; ++i) widths.push_back(WidthOf(i));
+    const int needed = std::accumulate(widths.begin(), widths.end(), 0);
+    int left = std::max(room, needed);
+    for (int i = 0; i < count; ++i) {
+      const int share = widths[static_cast<size_t>(i)] * std::max(room, needed) / needed;
+      widget_->SetColumnWidth(i, i + 1 < count ? share : left);
+      left -= share;
+    }
   }
 
   ListView& list_;
@@ -130,6 +151,7 @@ class ListBinding : public Binding {
   std::vector<size_t> order_;
   int column_ = -1;
   int fittedWidth_ = 0;
+  bool fittedToRows_ = false;
   bool ascending_ = false;
   bool selecting_ = false;
 };
