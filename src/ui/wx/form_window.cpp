@@ -282,6 +282,8 @@ wxWindow* FormWindow::BuildLeaf(wxWindow* parent, const Layout& layout) {
   wxWindow* widget = binding->Widget();
   if (layout_.defaultButton == layout.name) {
     if (auto* button = dynamic_cast<wxButton*>(widget)) button->SetDefault();
+    // Enter presses the button that has the keyboard, before any default.
+    if (layout_.kind == WindowKind::kDialog) widget->SetFocus();
   }
   bindings_.push_back(std::move(binding));
   return widget;

@@ -13,11 +13,13 @@ void AlignLeft(GtkWidget* button) {
   gtk_widget_set_halign(content, GTK_ALIGN_START);
 }
 
-// The window exists but is not yet on the screen. The toolkit makes it at the screen's corner, and
-// leaves it there when it shows it for the first time.
+// The window exists but is not yet on the screen. The toolkit makes it at the screen's corner with
+// next to no size, and leaves it there when it shows it for the first time.
 void PutInPlace(GtkWidget* widget, gpointer data) {
   const wxPoint place = static_cast<const wxTopLevelWindow*>(data)->GetPosition();
-  gdk_window_move(gtk_widget_get_window(widget), place.x, place.y);
+  wxSize size;
+  gtk_window_get_size(GTK_WINDOW(widget), &size.x, &size.y);
+  gdk_window_move_resize(gtk_widget_get_window(widget), place.x, place.y, size.x, size.y);
 }
 
 }  // namespace

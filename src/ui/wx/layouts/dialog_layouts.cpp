@@ -42,7 +42,8 @@ FormLayout SplashLayout() {
 }
 
 // A page of the wizard: its text above, its answers in the middle, its buttons at the bottom.
-FormLayout WizardLayout(std::string_view form, std::vector<Layout> answers) {
+FormLayout WizardLayout(std::string_view form, std::vector<Layout> answers,
+                        std::string_view defaultButton = "cmdNext") {
   std::vector<Layout> text;
   text.push_back(Put("Label1").As(Role::kTitle));
   text.push_back(Put("Label2").As(Role::kWrapped).Wide(kMessageWidth));
@@ -61,7 +62,7 @@ FormLayout WizardLayout(std::string_view form, std::vector<Layout> answers) {
                             })
                          .Gap(kWideGap)
                          .Padding(kDialogPadding),
-          .defaultButton = "cmdNext"};
+          .defaultButton = defaultButton};
 }
 
 FormLayout QuestionLayout(std::string_view form) {
@@ -237,8 +238,9 @@ std::vector<FormLayout> DialogLayouts() {
   for (const std::string_view form : {"frmWizard2", "frmWizard3", "frmWizard7"}) {
     layouts.push_back(QuestionLayout(form));
   }
-  layouts.push_back(WizardLayout(
-      "frmWizard4", {Put("lblRecommended").As(Role::kHeading), Put("chkScanSchedule")}));
+  layouts.push_back(WizardLayout("frmWizard4",
+                                 {Put("lblRecommended").As(Role::kHeading), Put("chkScanSchedule")},
+                                 "cmdEnterapplicationNow"));
   layouts.push_back(MenuLayoutOfTray());
   layouts.push_back(DefinitionsLayout());
   layouts.push_back(ApproveLayout());
