@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "base/runtime_error.h"
 #include "base/text.h"
 #include "platform/held_folders.h"
 
@@ -20,19 +19,6 @@ class FolderByPath : public ListedFolder {
   Files& files_;
   std::string folder_;
 };
-
-struct PathParts {
-  std::string folder;
-  std::string name;
-};
-
-PathParts PartsOf(const std::string& path) {
-  const size_t slash = path.find_last_of("\\/");
-  if (slash == std::string::npos) return {".", path};
-  // A drive's root keeps its backslash.
-  const bool isRoot = slash > 0 && path[slash - 1] == ':';
-  return {path.substr(0, isRoot ? slash + 1 : slash), path.substr(slash + 1)};
-}
 
 }  // namespace
 
@@ -78,6 +64,11 @@ bool IsTemporaryName(std::string_view name) {
          name.substr(1, 8).find_first_not_of("0123456789abcdef") == std::string_view::npos;
 }
 
+RuntimeError ToldOfTarget(const RuntimeError& error, std::string_view path) {
+  if (!error.Description().ends_with(TemporaryName(path))) return error;
+  return {error.Number(), path, error.SystemCode()};
+}
+
 void ReplaceWholeFile(Files& files, std::string_view path, std::string_view bytes) {
   const auto present = files.Stat(path);
   if (present && (present->attributes & file_attribute::kReadOnly) != 0) {
@@ -90,9 +81,9 @@ void ReplaceWholeFile(Files& files, std::string_view path, std::string_view byte
   try {
     files.Open(temporary, OpenMode::kCreate)->Write(bytes);
     files.ReplaceFile(temporary, path);
-  } catch (const RuntimeError&) {
+  } catch (const RuntimeError& error) {
     IgnoringErrors(discard);
-    throw;
+    throw ToldOfTarget(error, path);
   }
 }
 
@@ -118,10 +109,11 @@ void ReplaceWholeFiles(Files& files, std::span<const WholeFile> wanted) {
       const Place& place = places[placed];
       place.folder->PutInPlace(place.temporary, place.name);
     }
-  } catch (const RuntimeError&) {
+  } catch (RuntimeError& error) {
     for (; placed < places.size(); ++placed) {
       IgnoringErrors([&] { places[placed].folder->Delete(places[placed].temporary); });
     }
+    for (const WholeFile& file : wanted) error = ToldOfTarget(error, file.path);
     throw;
   }
 }

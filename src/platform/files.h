@@ -10,6 +10,8 @@
 #include <string_view>
 #include <vector>
 
+#include "base/runtime_error.h"
+
 namespace quarnel {
 
 // File attribute bits, as the system numbers them.
@@ -140,6 +142,8 @@ std::string ReadWholeFile(Files& files, std::string_view path, uint64_t limit = 
 std::string TemporaryName(std::string_view path);
 // Whether a name is such a one.
 bool IsTemporaryName(std::string_view name);
+// A failure at the temporary name of `path`, told of the file that it stands for.
+RuntimeError ToldOfTarget(const RuntimeError& error, std::string_view path);
 
 // Makes or replaces a file in one step: whoever reads it, also after a crash, finds all of the old
 // content or all of the new. A file that is read-only is refused.

@@ -7,6 +7,13 @@
 
 namespace quarnel {
 
+PathParts PartsOf(const std::string& path) {
+  const size_t slash = path.find_last_of("\\/");
+  if (slash == std::string::npos) return {".", path};
+  const bool isRoot = slash > 0 && path[slash - 1] == ':';
+  return {path.substr(0, isRoot ? slash + 1 : slash), path.substr(slash + 1)};
+}
+
 void RequireName(std::string_view name) {
   constexpr std::string_view kForbidden("\\/:*?\"<>|\0", 10);
   if (name.empty() || name == "." || name == ".." ||

@@ -48,6 +48,14 @@ class HeldFolders {
   virtual void Flush() = 0;
 };
 
+// A path as folders that are held take it: a drive's root keeps its backslash, and a bare name lies
+// in the program's folder.
+struct PathParts {
+  std::string folder;
+  std::string name;
+};
+PathParts PartsOf(const std::string& path);
+
 // Raises kBadFileName for what is not the name of a file in a folder.
 void RequireName(std::string_view name);
 

@@ -373,6 +373,9 @@ ArchiveWriter::Result ArchiveWriter::Finish() {
     while (!WriteAll(result)) {
     }
     files_.ReplaceFile(temporary_, path_);
+  } catch (const RuntimeError& error) {
+    IgnoringErrors([&] { files_.Delete(temporary_); });
+    throw ToldOfTarget(error, path_);
   } catch (...) {
     IgnoringErrors([&] { files_.Delete(temporary_); });
     throw;

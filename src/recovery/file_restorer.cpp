@@ -18,14 +18,6 @@ constexpr uint32_t kSettable = file_attribute::kReadOnly | file_attribute::kHidd
                                file_attribute::kSystem | file_attribute::kArchive |
                                file_attribute::kTemporary;
 
-std::string NamePart(const std::string& path) { return path.substr(path.rfind('\\') + 1); }
-// A drive's root keeps its backslash.
-std::string FolderPart(const std::string& path) {
-  constexpr size_t kRoot = 2;
-  const size_t slash = path.rfind('\\');
-  return path.substr(0, slash == kRoot ? kRoot + 1 : slash);
-}
-
 // A file that is read-only already could not be seen onto the disk.
 void DressWritable(HeldFolder& folder, const std::string& name, const FileDress& dress) {
   folder.SetAttributes(name, dress.attributes & kSettable & ~file_attribute::kReadOnly);
@@ -68,23 +60,24 @@ HeldFolders& FileRestorer::Folders() {
 }
 
 HeldFolder& FileRestorer::FolderOf(const std::string& path) {
-  if (HeldFolder* folder = Folders().Find(FolderPart(path))) return *folder;
+  if (HeldFolder* folder = Folders().Find(PartsOf(path).folder)) return *folder;
   throw RuntimeError(ErrorNumber::kPathNotFound, path);
 }
 
 std::optional<DirectoryEntry> FileRestorer::Stat(const std::string& path) {
   if (taken_.contains(TemporaryName(path))) Settle();
-  HeldFolder* folder = Folders().Find(FolderPart(path));
-  return folder == nullptr ? std::nullopt : folder->Stat(NamePart(path));
+  const PathParts parts = PartsOf(path);
+  HeldFolder* folder = Folders().Find(parts.folder);
+  return folder == nullptr ? std::nullopt : folder->Stat(parts.name);
 }
 
 std::unique_ptr<File> FileRestorer::Open(const std::string& path) {
-  return FolderOf(path).OpenForReading(NamePart(path));
+  return FolderOf(path).OpenForReading(PartsOf(path).name);
 }
 
 void FileRestorer::Dress(const std::string& path, const FileDress& dress) {
   HeldFolder& folder = FolderOf(path);
-  const std::string name = NamePart(path);
+  const std::string name = PartsOf(path).name;
   DressWritable(folder, name, dress);
   MakeReadOnly(folder, name, dress);
 }
@@ -93,13 +86,13 @@ void FileRestorer::Put(Item item) {
   const std::string temporary = TemporaryName(item.path);
   // Two names may come to the same one.
   if (taken_.contains(temporary)) Settle();
-  Written file{.item = std::move(item), .temporary = NamePart(temporary)};
-  file.name = NamePart(file.item.path);
+  const PathParts parts = PartsOf(item.path);
+  Written file{.item = std::move(item), .name = parts.name, .temporary = PartsOf(temporary).name};
   std::unique_ptr<File> open;
   // Nothing is made for what turns out to be damaged before its first bytes.
   const auto begin = [&] {
     if (open) return;
-    file.folder = &Folders().Make(FolderPart(file.item.path));
+    file.folder = &Folders().Make(parts.folder);
     open = file.folder->Create(file.temporary);
   };
   try {
@@ -111,10 +104,10 @@ void FileRestorer::Put(Item item) {
     begin();
     open.reset();
     if (file.item.dress) DressWritable(*file.folder, file.temporary, *file.item.dress);
-  } catch (...) {
+  } catch (const RuntimeError& error) {
     open.reset();
     if (file.folder != nullptr) IgnoringErrors([&] { file.folder->Delete(file.temporary); });
-    throw;
+    throw ToldOfTarget(error, file.item.path);
   }
   file.item.source = nullptr;
   written_.push_back(std::move(file));

@@ -292,6 +292,12 @@ TEST_F(FilesTest, ReplacesAWholeFileByWayOfAnother) {
     files().SetAttributes(path, file_attribute::kReadOnly);
     EXPECT_EQ(ErrorOf([&] { replace(path, "x"); }), ErrorNumber::kPermissionDenied);
     EXPECT_EQ(ErrorOf([&] { replace(Path("no\\x"), "x"); }), ErrorNumber::kPathNotFound);
+    // Whoever reads the error knows no temporary name.
+    try {
+      replace(Path("no\\x"), "x");
+    } catch (const RuntimeError& error) {
+      EXPECT_TRUE(error.Description().ends_with("\\no\\x")) << error.Description();
+    }
     // A failure at the last step leaves the old file and nothing beside it.
     files().CreateFolder(Path("folder"));
     EXPECT_EQ(ErrorOf([&] { replace(Path("folder"), "x"); }), ErrorNumber::kPathFileAccess);
