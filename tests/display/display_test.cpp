@@ -211,6 +211,12 @@ TEST_F(DisplayTest, EachFormOpensAndPlacesItsControls) {
     const FormWindow* window = WindowOf(*form);
     ASSERT_NE(window, nullptr);
     ExpectInStep(*form);
+    for (const auto& binding : window->Bindings()) {
+      SCOPED_TRACE(binding->control().Name());
+      if (binding->Widget()->AcceptsFocus()) {
+        EXPECT_NE(binding->AccessibleName(), "");
+      }
+    }
     std::string nowhere;
     for (const Control* control : form->Controls()) {
       const std::string_view type = control->Type();

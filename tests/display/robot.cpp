@@ -50,7 +50,13 @@ void Robot::AnswerBox(const std::string& button) {
   });
   // Until it has gone the windows behind it take no click.
   Then(
-      "the box's end", [] { return Shown("MessageBox") == nullptr; }, [] {});
+      "the box's end",
+      [button] {
+        // Another one may follow at once.
+        wxWindow* box = Shown("MessageBox");
+        return box == nullptr || wxWindow::FindWindowByName(button, box) == nullptr;
+      },
+      [] {});
 }
 
 bool Robot::Run(int seconds) {

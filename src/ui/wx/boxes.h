@@ -28,4 +28,12 @@ class CardPanel : public wxPanel {
   void Paint();
 };
 
+// A window that the keyboard passes over.
+class StillWindow : public wxWindow {
+ public:
+  explicit StillWindow(wxWindow* parent) : wxWindow(parent, wxID_ANY) { SetCanFocus(false); }
+  bool AcceptsFocus() const override { return false; }
+  bool AcceptsFocusFromKeyboard() const override { return false; }
+};
+
 }  // namespace quarnel

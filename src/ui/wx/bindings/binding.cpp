@@ -58,7 +58,13 @@ void Binding::Attach(wxWindow* widget, const std::string& accessibleName) {
   widget_ = widget;
   WatchMouse(*widget_);
   widget_->SetName(ToWx(control_.Name()));
-  if (!accessibleName.empty()) native::SetAccessibleName(*widget_, ToWx(accessibleName));
+  if (accessibleName.empty()) return;
+  accessibleName_ = FromWx(wxControl::RemoveMnemonics(ToWx(accessibleName)));
+  native::SetAccessibleName(*widget_, ToWx(accessibleName_));
+}
+
+std::string Binding::AccessibleName() const {
+  return accessibleName_.empty() ? FromWx(widget_->GetLabel()) : accessibleName_;
 }
 
 void Binding::Act(const Handler& action) {

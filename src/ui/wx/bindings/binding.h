@@ -36,6 +36,8 @@ class Binding {
   // Lets the next Sync look at everything, as after a change of the system's colours.
   void Forget() { known_ = false; }
 
+  // What a screen reader says for the widget.
+  std::string AccessibleName() const;
   // What the widget shows, read back from it, in the form of the control's ValueText.
   virtual std::string Shown() const = 0;
 
@@ -60,6 +62,7 @@ class Binding {
   Control& control_;
   const Front& front_;
   wxWindow* widget_ = nullptr;
+  std::string accessibleName_;  // of a widget without a caption
   uint64_t revision_ = 0;
   bool known_ = false;
   wxString toolTip_;

@@ -3,6 +3,7 @@
 #include "controls/date_picker.h"
 #include "ui/wx/bindings/binding.h"
 #include "ui/wx/metrics.h"
+#include "ui/wx/native.h"
 #include "ui/wx/text.h"
 
 namespace quarnel {
@@ -39,6 +40,8 @@ class DateBinding : public Binding {
     row->Add(Field(), 1, wxALIGN_CENTRE_VERTICAL);
     both->SetSizer(row);
     both->SetMinSize(metrics::Scaled(*both, wxSize(metrics::kFieldWidth, -1)));
+    native::SetAccessibleName(*has_, ToWx(name));
+    native::SetAccessibleName(*Field(), ToWx(name));
     Attach(both, name);
   }
 

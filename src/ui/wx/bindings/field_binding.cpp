@@ -126,9 +126,9 @@ class BrowserBinding : public Binding {
         if (const auto follow = browser_.LinkClick) follow(address);
       });
     });
-    page_->SetMinSize(metrics::Scaled(
-        *page_,
-        wxSize(layout.width > 0 ? layout.width : metrics::kFieldWidth, metrics::kHtmlHeight)));
+    page_->SetMinSize(
+        metrics::Scaled(*page_, wxSize(layout.width > 0 ? layout.width : metrics::kFieldWidth,
+                                       layout.height > 0 ? layout.height : metrics::kHtmlHeight)));
     Attach(page_, NameInWords(browser, layout));
   }
   std::string Shown() const override { return page_->Location(); }

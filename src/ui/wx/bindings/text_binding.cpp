@@ -4,6 +4,7 @@
 
 #include "controls/simple_controls.h"
 #include "ui/wx/bindings/binding.h"
+#include "ui/wx/boxes.h"
 #include "ui/wx/icons.h"
 #include "ui/wx/metrics.h"
 #include "ui/wx/text.h"
@@ -23,7 +24,7 @@ class LabelBinding : public Binding {
     wxWindow* around = parent;
     const bool mouse = label.Click || label.MouseMove || label.Balloon() != nullptr;
     if (mouse) {
-      around = new wxPanel(parent);
+      around = new StillWindow(parent);
       around->SetBackgroundColour(parent->GetBackgroundColour());
     }
     text_ = new wxStaticText(around, wxID_ANY, "", wxDefaultPosition, wxDefaultSize, style);
@@ -177,7 +178,7 @@ class PictureBinding : public Binding {
 class ShapeBinding : public Binding {
  public:
   ShapeBinding(wxWindow* parent, Panel& panel, const Front& front) : Binding(panel, front) {
-    shape_ = new wxWindow(parent, wxID_ANY);
+    shape_ = new StillWindow(parent);
     shape_->SetMinSize(metrics::Scaled(*parent, wxSize(metrics::kGap * 3, metrics::kTightGap)));
     Attach(shape_);
   }

@@ -107,15 +107,17 @@ FormLayout MenuLayoutOfTray() {
 }
 
 FormLayout DefinitionsLayout() {
-  return {.form = "frmSpywareDefinitions",
-          .kind = WindowKind::kSheet,
-          .content = Column({
-                                Put("WebBrowser1").Called("Help").Wide(kSheetWidth).Grow(),
-                                Row({Spring(), Put("imgClose").Called("&Close")}),
-                            })
-                         .Padding(kDialogPadding),
-          .cancelButton = "imgClose",
-          .behind = {"imgMove"}};
+  return {
+      .form = "frmSpywareDefinitions",
+      .kind = WindowKind::kSheet,
+      .content =
+          Column({
+                     Put("WebBrowser1").Called("Help").Wide(kSheetWidth).High(kHelpHeight).Grow(),
+                     Row({Spring(), Put("imgClose").Called("&Close")}),
+                 })
+              .Padding(kDialogPadding),
+      .cancelButton = "imgClose",
+      .behind = {"imgMove"}};
 }
 
 FormLayout ApproveLayout() {
