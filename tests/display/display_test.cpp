@@ -10,6 +10,7 @@
 
 #include "core/paths.h"
 #include "display/robot.h"
+#include "machine/sample.h"
 #include "recovery/restore_point.h"
 #include "scan/folders.h"
 #include "signatures/compiler.h"
@@ -290,6 +291,17 @@ TEST_F(DisplayTest, ScanIsPausedAndStoppedByHand) {
   Run();
   ExpectInStep(main);
   EXPECT_EQ(main.results.txtAdwareSpyware.Caption(), "1");
+}
+
+// On a machine with threats of every kind, which would be in the way elsewhere.
+TEST_F(DisplayTest, ResultsOfTheSampleForAPicture) {
+  if (std::getenv("QUARNEL_PICTURES") == nullptr) GTEST_SKIP() << "nobody wants pictures";
+  PlantSample(platform());
+  frmMain& main = Start();
+  Click("ImgStartScanMouseMove");
+  Until("the scan's end", [&] { return main.scan.lblStatus.Caption() == "Scanning completed."; });
+  Run();
+  EXPECT_GT(main.results.vbatvwResults.Count(), 30U);
   Picture(main, "results");
 }
 

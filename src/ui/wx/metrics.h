@@ -39,7 +39,7 @@ inline constexpr int kListHeight = 96;
 inline constexpr int kTreeHeight = 120;
 inline constexpr int kTextHeight = 72;
 inline constexpr int kHtmlHeight = 240;
-inline constexpr int kHelpHeight = 400;
+inline constexpr int kHelpHeight = 430;
 inline constexpr int kScrollStep = 12;
 
 // A line of text longer than this is tiring to read.
