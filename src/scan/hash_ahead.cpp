@@ -23,32 +23,37 @@ constexpr auto kPatience = std::chrono::milliseconds(5);
 
 }  // namespace
 
-std::optional<size_t> HashPool::Job::Next(std::span<char> buffer) {
+void HashPool::Reading::Open(Place& place) {
+  if (!job_->abandoned_) IgnoringErrors([&] { file_ = place.Open(*job_); });
+}
+
+std::optional<size_t> HashPool::Reading::Next(std::span<char> buffer) {
   size_t size = 0;
-  const bool read = file_ && !abandoned_.load(std::memory_order_relaxed) &&
+  const bool read = file_ && !job_->abandoned_.load(std::memory_order_relaxed) &&
                     IgnoringErrors([&] { size = file_->Read(buffer); });
   if (read) return size;
-  Finish();
+  const std::unique_ptr<Reading> self(this);
+  file_.reset();
+  pool_.Finish(*job_);
   return std::nullopt;
 }
 
-void HashPool::Job::Done(const Md5Digest& digest) {
-  digest_ = digest;
-  Finish();
+void HashPool::Reading::Done(const Md5Digest& digest) {
+  const std::unique_ptr<Reading> self(this);
+  file_.reset();
+  job_->digest_ = digest;
+  pool_.Finish(*job_);
 }
 
-void HashPool::Job::Finish() {
-  const std::shared_ptr<Job> self = std::move(self_);
-  file_.reset();
-  HashPool& pool = pool_;
-  const bool low = pool.unfinished_.fetch_sub(1) == kFewPending;
-  done_.store(true);
-  const Job* const awaited = pool.awaited_.load();
+void HashPool::Finish(Job& job) {
+  const bool low = unfinished_.fetch_sub(1) == kFewPending;
+  job.done_.store(true);
+  const Job* const awaited = awaited_.load();
   // Waking the one thread costs more than hashing a small file: only for what it waits for.
-  if (awaited == nullptr || (awaited != this && !low)) return;
+  if (awaited == nullptr || (awaited != &job && !low)) return;
   // The lock keeps the signal from falling between the waiter's look and its sleep.
-  const std::scoped_lock lock(pool.mutex_);
-  pool.jobEnded_.notify_all();
+  const std::scoped_lock lock(mutex_);
+  jobEnded_.notify_all();
 }
 
 HashPool::HashPool(unsigned threads, Md5Level level) {
@@ -93,11 +98,10 @@ void HashPool::Work(const std::stop_token& stop, Md5Level level) {
       if (stop.stop_requested()) return nullptr;
       if (taken.empty()) Take(taken);
       if (taken.empty()) return nullptr;
-      Job* const job = taken.back().get();
-      job->self_ = std::move(taken.back());
+      auto reading = std::make_unique<Reading>(*this, std::move(taken.back()));
       taken.pop_back();
-      if (!job->abandoned_) IgnoringErrors([&] { job->file_ = place.Open(*job); });
-      return job;
+      reading->Open(place);
+      return reading.release();
     });
     place = {};  // by the next time something else may stand there
   }
@@ -127,8 +131,7 @@ HashQueue::~HashQueue() {
 }
 
 void HashQueue::Add(std::shared_ptr<const std::string> folder, std::string name) {
-  added_.push_back(
-      std::make_shared<HashPool::Job>(pool_, files_, std::move(folder), std::move(name)));
+  added_.push_back(std::make_shared<HashPool::Job>(files_, std::move(folder), std::move(name)));
   if (added_.size() == kHandedOver) Flush();
 }
 

@@ -20,11 +20,12 @@ namespace quarnel {
 // Threads that open and hash files. They touch nothing else.
 class HashPool {
  public:
-  // A file on its way through the pool. Its hash may be read once it is done.
-  class Job : public Md5Message {
+  // A file on its way through the pool. Its hash may be read once it is done. Tens of thousands may
+  // wait for their turn, so what only the work on it needs is not here.
+  class Job {
    public:
-    Job(HashPool& pool, Files& files, std::shared_ptr<const std::string> folder, std::string name)
-        : pool_(pool), files_(files), folder_(std::move(folder)), name_(std::move(name)) {}
+    Job(Files& files, std::shared_ptr<const std::string> folder, std::string name)
+        : files_(files), folder_(std::move(folder)), name_(std::move(name)) {}
     // Its folder's path with a backslash at its end, and its name there.
     const std::string& Folder() const { return *folder_; }
     const std::string& Name() const { return name_; }
@@ -36,16 +37,10 @@ class HashPool {
 
    private:
     friend class HashPool;
-    std::optional<size_t> Next(std::span<char> buffer) override;
-    void Done(const Md5Digest& digest) override;
-    void Finish();
 
-    HashPool& pool_;
     Files& files_;
     const std::shared_ptr<const std::string> folder_;
     const std::string name_;
-    std::unique_ptr<File> file_;  // null when it could not be opened
-    std::shared_ptr<Job> self_;   // while a thread works on it
     std::optional<Md5Digest> digest_;
     std::atomic<bool> done_ = false;
     std::atomic<bool> abandoned_ = false;
@@ -71,6 +66,21 @@ class HashPool {
     std::unique_ptr<File> Open(const Job& job);
   };
 
+  // A job that a thread works on. It destroys itself in the end.
+  class Reading : public Md5Message {
+   public:
+    Reading(HashPool& pool, std::shared_ptr<Job> job) : pool_(pool), job_(std::move(job)) {}
+    void Open(Place& place);
+    std::optional<size_t> Next(std::span<char> buffer) override;
+    void Done(const Md5Digest& digest) override;
+
+   private:
+    HashPool& pool_;
+    const std::shared_ptr<Job> job_;
+    std::unique_ptr<File> file_;  // null when it could not be opened
+  };
+
+  void Finish(Job& job);
   void Work(const std::stop_token& stop, Md5Level level);
   void Take(Jobs& jobs);
 

@@ -14,9 +14,9 @@ namespace {
 constexpr size_t kBlock = 64;
 constexpr std::array<uint32_t, 4> kInitialState = {0x67452301, 0xEFCDAB89, 0x98BADCFE, 0x10325476};
 
-// Small enough that all lanes together stay in the processor's cache. Twice as much saves a few of
-// a hundred calls, and takes memory that the signatures need.
-constexpr size_t kBufferSize = size_t{16} * 1024;
+// Large enough that reading takes few calls, and small enough that all lanes together stay near the
+// processor and take little of the memory of a scan.
+constexpr size_t kBufferSize = size_t{32} * 1024;
 static_assert(kBufferSize % kBlock == 0);
 // Behind a message there is room for its padding. The buffers of two lanes do not lie a power of
 // two apart: they are read at the same pace, and would push each other out of the cache.
