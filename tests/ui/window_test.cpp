@@ -93,6 +93,10 @@ TEST_F(WindowTest, ChangeOfTabClosesTheResultsUnasked) {
   EXPECT_EQ(main.results.imgNext0.Tag(), "");
   main.tabs.imgMainTab[0]->ClickByUser();
   EXPECT_TRUE(main.results.imgNext0.Enabled());
+  // The results are still there to look at, until the tab is clicked once more.
+  EXPECT_FALSE(main.summary.picSummary.Visible());
+  main.tabs.imgMainTab[0]->ClickByUser();
+  EXPECT_TRUE(main.summary.picSummary.Visible());
   EXPECT_THAT(host.messages, IsEmpty());
 }
 

@@ -87,9 +87,8 @@ class TabBinding : public Binding {
     tab_->SetBitmapMargins(metrics::Scaled(*tab_, wxSize(metrics::kGap, 0)));
     tab_->SetMinSize(metrics::Scaled(*tab_, wxSize(metrics::kTabWidth, metrics::kTabHeight)));
     tab_->Bind(wxEVT_TOGGLEBUTTON, [this](wxCommandEvent&) {
-      Act([this] {
-        if (this->control().Visible()) this->control().ClickByUser();
-      });
+      // Also the selected one: a click on it takes its page back to the beginning.
+      Act([this] { this->control().ClickByUser(); });
     });
     native::MakeTab(*tab_);
     Attach(tab_);
