@@ -15,7 +15,7 @@ set(runner ${CMAKE_CROSSCOMPILING_EMULATOR})
 # The programs as a user runs them. Last, as what they plant would be found by other tests.
 add_test(NAME programs COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/windows/programs_test.sh ${runner}
                                ${CMAKE_RUNTIME_OUTPUT_DIRECTORY})
-set_tests_properties(programs PROPERTIES DEPENDS "${unitTests}" TIMEOUT 300 SKIP_RETURN_CODE 77)
+set_tests_properties(programs PROPERTIES DEPENDS "${unitTests}" SKIP_RETURN_CODE 77)
 
 # Every test works on the same machine, which is made anew for each run and belongs to this build.
 if(runner)
@@ -23,6 +23,7 @@ if(runner)
   add_test(NAME machine-end COMMAND ${runner} --remove)
   set_tests_properties(machine-begin PROPERTIES FIXTURES_SETUP machine)
   set_tests_properties(machine-end PROPERTIES FIXTURES_CLEANUP machine)
+  set_tests_properties(machine-begin machine-end PROPERTIES TIMEOUT 300)
   set_tests_properties(machine-begin machine-end ${unitTests} programs
                        PROPERTIES ENVIRONMENT QUARNEL_WINEPREFIX=${CMAKE_BINARY_DIR}/wine
                                   SKIP_RETURN_CODE 77)
@@ -32,6 +33,8 @@ set(machineTests ${unitTests} programs)
 # Those that never ask the machine.
 list(REMOVE_ITEM machineTests base controls console)
 set_tests_properties(${machineTests} PROPERTIES RESOURCE_LOCK machine)
+# A program that hangs must not hold up the others: the longest takes some seconds.
+set_tests_properties(${unitTests} programs PROPERTIES TIMEOUT 120)
 
 # Nothing that is built may need more than the oldest system has.
 get_property(built DIRECTORY PROPERTY BUILDSYSTEM_TARGETS)

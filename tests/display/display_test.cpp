@@ -30,11 +30,15 @@ class SlowHost : public WxHost {
 
  protected:
   void ProcessFrontEvents(Milliseconds now) override {
-    constexpr unsigned long kMicroseconds = 200;
-    if (slow) wxMicroSleep(kMicroseconds);
+    // A system may sleep for no less than a millisecond.
+    constexpr int kSteps = 5;
+    if (slow && ++steps_ % kSteps == 0) wxMilliSleep(1);
     if (pause.count() > 0) wxMilliSleep(static_cast<unsigned long>(pause.count()));
     WxHost::ProcessFrontEvents(now);
   }
+
+ private:
+  int steps_ = 0;
 };
 
 class DisplayTest : public PlatformTest {
@@ -267,16 +271,9 @@ TEST_F(DisplayTest, ScanIsPausedAndStoppedByHand) {
   robot.AnswerBox("OK");
   wxLongLong pressed;
   const auto stop = [this] { return Widget("ImgStopScanMouseMove"); };
-  robot.Then(
-      "Stop",
-      [stop] {
-        const wxWindow* button = stop();
-        return button != nullptr && button->IsShownOnScreen() && button->IsEnabled();
-      },
-      [&pressed, stop] {
-        pressed = wxGetUTCTimeMillis();
-        Robot::ClickAt(Robot::MiddleOf(*stop()));
-      });
+  robot.ClickAt(
+      "Stop", Robot::Ready(stop), [stop] { return Robot::MiddleOf(*stop()); },
+      [&pressed] { pressed = wxGetUTCTimeMillis(); });
   Until("the question", [] { return Robot::Shown("MessageBox") != nullptr; });
   robot.Then(
       "its time", [] { return true; },
@@ -319,7 +316,7 @@ TEST_F(DisplayTest, TicksOfAThreatReachItsTraces) {
   };
   // A row that has just come is still moved about.
   constexpr int kTurnsAtRest = 8;
-  robot.Then(
+  robot.ClickAt(
       "the tick",
       [&, last = wxRect(), turns = 0]() mutable {
         const wxRect row = rowOfThreat();
@@ -330,8 +327,8 @@ TEST_F(DisplayTest, TicksOfAThreatReachItsTraces) {
       [&] {
         const wxRect row = rowOfThreat();
         // The box stands at the left of the text.
-        Robot::ClickAt(widget->GetMainWindow()->ClientToScreen(row.GetTopLeft()) +
-                       widget->FromDIP(wxPoint(10, row.height / 2)));
+        return widget->ClientToScreen(row.GetTopLeft()) +
+               widget->FromDIP(wxPoint(10, row.height / 2));
       });
   Until("no tick", [&] { return !tree.At(1)->checked && !tree.At(2)->checked; });
   Run();
@@ -417,12 +414,8 @@ TEST_F(DisplayTest, WhatWasFoundIsRemovedAndRestored) {
 
 TEST_F(DisplayTest, MenuSelectsAPageAndClosingAsks) {
   frmMain& main = Start();
-  robot.Then(
-      "the menu", [] { return true; },
-      [] {
-        wxUIActionSimulator user;
-        user.Char('O', wxMOD_ALT);
-      });
+  const auto window = [this, &main]() -> wxWindow* { return WindowOf(main)->Window(); };
+  robot.Press("the menu", window, 'O', wxMOD_ALT);
   robot.Then(
       "its entry", [] { return true; },
       [] {
@@ -439,12 +432,7 @@ TEST_F(DisplayTest, MenuSelectsAPageAndClosingAsks) {
     return nullptr;
   };
   const auto close = [&](const std::string& answer) {
-    robot.Then(
-        "close", [] { return true; },
-        [] {
-          wxUIActionSimulator user;
-          user.Char(WXK_F4, wxMOD_ALT);
-        });
+    robot.Press("close", window, WXK_F4, wxMOD_ALT);
     robot.Click(answer, [this, question, answer]() -> wxWindow* {
       const Form* form = question();
       return form == nullptr ? nullptr : Widget(answer, form);

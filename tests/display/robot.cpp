@@ -29,18 +29,48 @@ void Robot::Then(std::string what, std::function<bool()> when, std::function<voi
   steps_.push_back({std::move(what), std::move(when), std::move(act)});
 }
 
-void Robot::Click(std::string what, const std::function<wxWindow*()>& find) {
-  // A window that has just been opened is still moved about.
+std::function<bool()> Robot::Ready(const std::function<wxWindow*()>& find) {
+  // A window that has just been opened, or has come back to the front, is still moved about.
   constexpr int kTurnsAtRest = 4;
-  const auto ready = [find, place = wxPoint(-1, -1), turns = 0]() mutable {
-    const wxWindow* widget = find();
+  return [find, place = wxPoint(-1, -1), turns = 0]() mutable {
+    wxWindow* widget = find();
     if (widget == nullptr || !widget->IsShownOnScreen() || !widget->IsEnabled()) return false;
+    auto* window = dynamic_cast<wxTopLevelWindow*>(wxGetTopLevelParent(widget));
     const wxPoint middle = MiddleOf(*widget);
-    turns = middle == place ? turns + 1 : 0;
+    const bool rests = middle == place && (window == nullptr || window->IsActive());
+    turns = rests ? turns + 1 : 0;
     place = middle;
     return turns >= kTurnsAtRest;
   };
-  Then(std::move(what), ready, [find] { ClickAt(MiddleOf(*find())); });
+}
+
+void Robot::Click(std::string what, const std::function<wxWindow*()>& find) {
+  ClickAt(std::move(what), Ready(find), [find] { return MiddleOf(*find()); });
+}
+
+void Robot::ClickAt(std::string what, std::function<bool()> when, std::function<wxPoint()> place,
+                    std::function<void()> pressing) {
+  // The system must have seen the mouse arrive before it knows whose click it is.
+  constexpr int kTurnsAtRest = 3;
+  Then(what, std::move(when), [place = std::move(place)] {
+    wxUIActionSimulator user;
+    user.MouseMove(place());
+  });
+  Then(
+      std::move(what), [turns = 0]() mutable { return ++turns >= kTurnsAtRest; },
+      [pressing = std::move(pressing)] {
+        if (pressing) pressing();
+        wxUIActionSimulator user;
+        user.MouseClick();
+      });
+}
+
+void Robot::Press(std::string what, const std::function<wxWindow*()>& find, int key,
+                  int modifiers) {
+  Then(std::move(what), Ready(find), [key, modifiers] {
+    wxUIActionSimulator user;
+    user.Char(key, modifiers);
+  });
 }
 
 void Robot::AnswerBox(const std::string& button) {
@@ -90,10 +120,10 @@ void Robot::Turn() {
   inTurn_ = false;
 }
 
-void Robot::ClickAt(wxPoint place, int button) {
+void Robot::ClickAt(wxPoint place) {
   wxUIActionSimulator user;
   user.MouseMove(place);
-  user.MouseClick(button);
+  user.MouseClick();
 }
 
 wxPoint Robot::MiddleOf(const wxWindow& widget) {

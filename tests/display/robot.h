@@ -19,6 +19,12 @@ class Robot {
   void Then(std::string what, std::function<bool()> when, std::function<void()> act);
   // Clicks the widget that `find` gives, as soon as it can be clicked.
   void Click(std::string what, const std::function<wxWindow*()>& find);
+  // Clicks a place on the screen, in pixels, as soon as `when` holds. `pressing` is called right
+  // before.
+  void ClickAt(std::string what, std::function<bool()> when, std::function<wxPoint()> place,
+               std::function<void()> pressing = {});
+  // Presses a key as soon as the window that `find` gives can take it.
+  void Press(std::string what, const std::function<wxWindow*()>& find, int key, int modifiers);
   // Clicks a button of the message box that shows.
   void AnswerBox(const std::string& button);
 
@@ -30,8 +36,11 @@ class Robot {
   // Called, perhaps often, when the time is up.
   std::function<void()> onLate;
 
-  // Real events, in pixels of the screen.
-  static void ClickAt(wxPoint place, int button = wxMOUSE_BTN_LEFT);
+  // Whether the widget that `find` gives can be clicked, and its window is at rest and in front.
+  // Asked once a turn.
+  static std::function<bool()> Ready(const std::function<wxWindow*()>& find);
+  // A click at once, where the mouse is already over the window.
+  static void ClickAt(wxPoint place);
   static wxPoint MiddleOf(const wxWindow& widget);
   // The window on the screen with this name; null when there is none.
   static wxWindow* Shown(const wxString& name);

@@ -157,7 +157,10 @@ void WxHost::Sync() {
     }
   }
   for (size_t i = 0; i < windows_.size(); ++i) {
-    if (windows_[i]->form() != nullptr) windows_[i]->Sync();
+    const Form* form = windows_[i]->form();
+    if (form == nullptr) continue;
+    if (!form->Visible()) EnableBehind(*form);
+    windows_[i]->Sync();
   }
   SyncTrays();
   ShowPointer();
@@ -184,6 +187,7 @@ void WxHost::FormForgotten(Form& form) {
   std::erase_if(trays_, [&](const auto& tray) { return tray->form() == &form; });
   for (auto window = windows_.begin(); window != windows_.end(); ++window) {
     if ((*window)->form() != &form) continue;
+    EnableBehind(form);
     (*window)->Release();
     gone_.push_back(std::move(*window));
     windows_.erase(window);
@@ -197,6 +201,14 @@ void WxHost::FormForgotten(Form& form) {
 }
 
 void WxHost::DropGone() { gone_.clear(); }
+
+// The system gives the front to none that is disabled when a modal window leaves the screen, but to
+// another program's.
+void WxHost::EnableBehind(const Form& form) {
+  for (ModalLoop& modal : modal_) {
+    if (modal.form == &form) modal.others.reset();
+  }
+}
 
 FormWindow* WxHost::WindowOf(const Form& form) const {
   for (const auto& window : windows_) {
@@ -240,11 +252,10 @@ void WxHost::RunModal(Form& form) {
   if (window == nullptr) return;
   {
     const Depth depth(depth_);
-    const wxWindowDisabler others(window->Window());
     const Milliseconds pump = nextPump_;
     nextPump_ = Milliseconds(0);
     wxGUIEventLoop loop;
-    modal_.push_back({&form, &loop});
+    modal_.push_back({&form, &loop, std::make_unique<wxWindowDisabler>(window->Window())});
     Arm();
     if (form.Visible()) loop.Run();
     modal_.pop_back();

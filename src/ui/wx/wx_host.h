@@ -65,6 +65,7 @@ class WxHost : public Host {
   void SyncTrays();
   void LeaveLoops();
   void DropGone();
+  void EnableBehind(const Form& form);
   wxWindow* ActiveWindow() const;
   Milliseconds Now() { return realClock_.Ticks(); }
 
@@ -78,6 +79,8 @@ class WxHost : public Host {
   struct ModalLoop {
     const Form* form;
     wxEventLoopBase* loop;
+    // Keeps the windows behind it from the user.
+    std::unique_ptr<wxWindowDisabler> others;
   };
   std::vector<ModalLoop> modal_;
   Milliseconds nextPump_{0};

@@ -39,8 +39,9 @@ void Binding::OnResize(wxWindow& widget, const Handler& fit) {
   widget.Bind(wxEVT_SIZE, [this, fit](wxSizeEvent& event) {
     event.Skip();
     // The toolkit is giving out places, and forgets what asks for a new one meanwhile: it would
-    // never get any. So this waits, in the queue of the widget that ends with this binding.
-    widget_->CallAfter(fit);
+    // never get any. So this waits, in the queue of the widget that ends with this binding. While
+    // that is still being made there is nothing to fit.
+    if (widget_ != nullptr) widget_->CallAfter(fit);
   });
 }
 

@@ -31,7 +31,11 @@ class TextBoxBinding : public Binding {
     });
     Attach(text_, NameInWords(box, layout));
   }
-  std::string Shown() const override { return FromWx(text_->GetValue()); }
+  // The widget ends its lines in its own way.
+  std::string Shown() const override {
+    const wxString shown = text_->GetValue();
+    return shown == ToWx(box_.Text()) ? box_.Text() : FromWx(shown);
+  }
 
  protected:
   bool Update() override {
