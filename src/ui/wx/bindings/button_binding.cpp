@@ -116,7 +116,10 @@ class MenuRowBinding : public Binding {
       : Binding(item, front), item_(item) {
     row_ = new wxButton(parent, wxID_ANY, ToWx(item.Caption()), wxDefaultPosition, wxDefaultSize,
                         wxBORDER_NONE | wxBU_LEFT);
-    if (!layout.icon.empty()) row_->SetBitmap(icons::Get(layout.icon, metrics::kSmallIcon));
+    if (!layout.icon.empty()) {
+      row_->SetBitmap(icons::Get(layout.icon, metrics::kSmallIcon));
+      row_->SetBitmapMargins(metrics::Scaled(*row_, wxSize(metrics::kTightGap, 0)));
+    }
     row_->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { Act([this] { item_.ClickByUser(); }); });
     native::MakeRow(*row_);
     Attach(row_);
