@@ -121,6 +121,7 @@ Cost Scan(Application& application) {
 
 double Median(const std::vector<Cost>& costs, double Cost::*member) {
   std::vector<double> values;
+  values.reserve(costs.size());
   for (const Cost& cost : costs) values.push_back(cost.*member);
   std::sort(values.begin(), values.end());
   return values[values.size() / 2];
