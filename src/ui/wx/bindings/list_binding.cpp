@@ -136,6 +136,7 @@ class ListBinding : public Binding {
     fittedWidth_ = room;
     fittedToRows_ = !list_.Empty();
     std::vector<int> widths;
+    widths.reserve(static_cast<size_t>(count));
     for (int i = 0; i < count; ++i) widths.push_back(WidthOf(i));
     const int needed = std::accumulate(widths.begin(), widths.end(), 0);
     int left = std::max(room, needed);
