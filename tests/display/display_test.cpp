@@ -94,7 +94,7 @@ class DisplayTest : public PlatformTest {
     const Binding* binding = window == nullptr ? nullptr : window->Find(control);
     return binding == nullptr ? nullptr : binding->Widget();
   }
-  void Click(std::string control, const Form* form = nullptr) {
+  void Click(const std::string& control, const Form* form = nullptr) {
     robot.Click(control, [this, control, form] { return Widget(control, form); });
   }
   void Until(std::string what, std::function<bool()> when) {
