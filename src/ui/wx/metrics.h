@@ -59,7 +59,7 @@ inline constexpr float kHeadingFont = 1.12F;
 inline constexpr float kFigureFont = 1.6F;
 inline constexpr float kSmallFont = 0.92F;
 inline constexpr int kNameColumn = 320;
-inline constexpr int kTextColumn = 160;
+inline constexpr int kTextColumn = 190;
 inline constexpr int kListColumn = 180;
 inline constexpr int kColumnPadding = 24;  // beside the text, with room for a check box
 
