@@ -99,6 +99,14 @@ bool RemovalRecord::Runs(std::string_view path) {
   });
 }
 
+// A row that was handled has left its list: of the cookies each removal passes some over.
+bool RemovalRecord::WasReached(const Entry& entry) const {
+  const TraceKind kind = entry.trace.kind;
+  if (kind == TraceKind::kFile) return entry.outcome.has_value();
+  return kind != TraceKind::kCookie ||
+         !u_.results.lvwTrackingCookieObjectrecognized.FindText(entry.trace.trace);
+}
+
 void RemovalRecord::Decide(Entry& entry) {
   ReportedTrace& trace = entry.trace;
   const auto decide = [&trace](Fate fate, std::string_view detail = {}) {
@@ -111,9 +119,9 @@ void RemovalRecord::Decide(Entry& entry) {
   if (outcome.refused) return decide(Fate::kRefused, outcome.obstacle);
   if (Exists(entry)) {
     if (!outcome.obstacle.empty()) return decide(Fate::kFailed, "still there: " + outcome.obstacle);
-    return decide(Fate::kFailed, trace.kind == TraceKind::kFile && !entry.outcome
-                                     ? "still there: not reached"
-                                     : "still there");
+    return decide(Fate::kFailed, WasReached(entry)
+                                     ? "still there"
+                                     : "still there: not reached, remove it once more");
   }
   if (!entry.existed) return decide(Fate::kGone);
   if (Runs(trace.trace)) return decide(Fate::kFailed, "its program still runs");

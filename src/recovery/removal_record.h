@@ -50,6 +50,7 @@ class RemovalRecord {
   void TakeIgnoredNodes();
   bool Exists(const Entry& entry);
   bool ValueExists(const Entry& entry);
+  bool WasReached(const Entry& entry) const;
   void Decide(Entry& entry);
   // Whether a program still runs; one that was ended just now gets a moment for it.
   bool Runs(std::string_view path);
