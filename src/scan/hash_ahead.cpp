@@ -58,8 +58,18 @@ void HashPool::Finish(Job& job) {
 
 HashPool::HashPool(unsigned threads, Md5Level level) {
   for (unsigned i = 0; i < threads; ++i) {
-    threads_.emplace_back([this, level](const std::stop_token& stop) { Work(stop, level); });
+    threads_.emplace_back([this, level] { Work(level); });
   }
+}
+
+// No stop tokens: where threads are built on those of Windows, waiting for one and a condition at
+// once was seen to miss its signal.
+HashPool::~HashPool() {
+  {
+    const std::scoped_lock lock(mutex_);
+    ends_.store(true);
+  }
+  jobsCame_.notify_all();
 }
 
 void HashPool::Submit(const Jobs& jobs) {
@@ -85,17 +95,17 @@ void HashPool::Take(Jobs& jobs) {
   someWait_.store(!waiting_.empty());
 }
 
-void HashPool::Work(const std::stop_token& stop, Md5Level level) {
+void HashPool::Work(Md5Level level) {
   Md5Batch batch(level);
   Jobs taken;
   Place place;
-  while (!stop.stop_requested()) {
+  while (!ends_) {
     {
       std::unique_lock lock(mutex_);
-      if (!jobsCame_.wait(lock, stop, [this] { return !waiting_.empty(); })) return;
+      jobsCame_.wait(lock, [this] { return ends_ || !waiting_.empty(); });
     }
     batch.Run([&]() -> Md5Message* {
-      if (stop.stop_requested()) return nullptr;
+      if (ends_) return nullptr;
       if (taken.empty()) Take(taken);
       if (taken.empty()) return nullptr;
       auto reading = std::make_unique<Reading>(*this, std::move(taken.back()));

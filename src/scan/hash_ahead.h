@@ -7,7 +7,6 @@
 #include <memory>
 #include <mutex>
 #include <optional>
-#include <stop_token>
 #include <string>
 #include <thread>
 #include <vector>
@@ -48,6 +47,10 @@ class HashPool {
   using Jobs = std::vector<std::shared_ptr<Job>>;
 
   explicit HashPool(unsigned threads, Md5Level level = BestMd5Level());
+  // Jobs that are not done then never will be.
+  ~HashPool();
+  HashPool(const HashPool&) = delete;
+  HashPool& operator=(const HashPool&) = delete;
 
   void Submit(const Jobs& jobs);
   // Waits until a job is done, calling `whileWaiting` every few milliseconds and whenever the jobs
@@ -81,14 +84,15 @@ class HashPool {
   };
 
   void Finish(Job& job);
-  void Work(const std::stop_token& stop, Md5Level level);
+  void Work(Md5Level level);
   void Take(Jobs& jobs);
 
   std::mutex mutex_;
-  std::condition_variable_any jobsCame_;
+  std::condition_variable jobsCame_;  // or the end
   std::condition_variable jobEnded_;
   std::deque<std::shared_ptr<Job>> waiting_;
   std::atomic<bool> someWait_ = false;  // whether `waiting_` has jobs, for a look without the lock
+  std::atomic<bool> ends_ = false;
   std::atomic<size_t> unfinished_ = 0;
   std::atomic<const Job*> awaited_ = nullptr;
   std::vector<std::jthread> threads_;

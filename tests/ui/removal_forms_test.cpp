@@ -100,6 +100,8 @@ TEST_F(RemovalFormsTest, RestoresWhatWasRemovedPlainlyOrStrictly) {
 
 // A second click comes as an event of the first one's work.
 TEST_F(RemovalFormsTest, ClicksInTheMiddleOfARemovalOrARestoreStartNothing) {
+  // A strict restore brings the file to its own drive, wherever the program lies.
+  settings.Save(setting::kStrict, "1");
   frmMain& main = ScanAndTick();
   main.results.chkCreateRestore.SetValue(1);
   const auto clickAll = [&] {
