@@ -14,6 +14,12 @@ PathParts PartsOf(const std::string& path) {
   return {path.substr(0, isRoot ? slash + 1 : slash), path.substr(slash + 1)};
 }
 
+std::string PathIn(std::string_view folder, std::string_view name) {
+  std::string path(folder);
+  if (!path.ends_with('\\')) path += '\\';
+  return path.append(name);
+}
+
 void RequireName(std::string_view name) {
   constexpr std::string_view kForbidden("\\/:*?\"<>|\0", 10);
   if (name.empty() || name == "." || name == ".." ||
@@ -24,7 +30,7 @@ void RequireName(std::string_view name) {
 
 std::string HeldFolderByPath::PathOf(std::string_view name) const {
   RequireName(name);
-  return path_ + (path_.ends_with('\\') ? "" : "\\") + std::string(name);
+  return PathIn(path_, name);
 }
 
 std::optional<DirectoryEntry> HeldFolderByPath::Stat(std::string_view name) {

@@ -55,6 +55,8 @@ struct PathParts {
   std::string name;
 };
 PathParts PartsOf(const std::string& path);
+// The path of a name in a folder, which may be a drive's root.
+std::string PathIn(std::string_view folder, std::string_view name);
 
 // Raises kBadFileName for what is not the name of a file in a folder.
 void RequireName(std::string_view name);

@@ -14,10 +14,6 @@
 namespace quarnel {
 namespace {
 
-bool SameFile(const struct stat& left, const struct stat& right) {
-  return left.st_dev == right.st_dev && left.st_ino == right.st_ino;
-}
-
 std::string NameOf(const PathMap::Location& place) {
   return place.host.substr(place.host.rfind('/') + 1);
 }

@@ -20,10 +20,6 @@ namespace {
 
 constexpr int kFolderOnly = O_PATH | O_DIRECTORY | O_CLOEXEC;
 
-bool SameFile(const struct stat& left, const struct stat& right) {
-  return left.st_dev == right.st_dev && left.st_ino == right.st_ino;
-}
-
 // Whether an open folder is the root of a drive or lies below one, told by walking up.
 bool LiesOnDrive(int folder, PathMap& paths) {
   std::vector<struct stat> roots;
@@ -100,6 +96,10 @@ UniqueFd WalkDown(const PathMap::Location& place, Links links, std::string_view 
 }
 
 }  // namespace
+
+bool SameFile(const struct stat& left, const struct stat& right) {
+  return left.st_dev == right.st_dev && left.st_ino == right.st_ino;
+}
 
 PathMap::Location FolderOf(const PathMap::Location& place) {
   return {.host = place.host.substr(0, place.host.rfind('/')), .driveLength = place.driveLength};

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <sys/stat.h>
+
 #include <string>
 #include <string_view>
 #include <vector>
@@ -13,6 +15,9 @@ namespace quarnel {
 
 // Whether a folder may be entered by way of a link.
 enum class Links { kFollow, kRefuse };
+
+// Whether both tell of one thing on the disk, whatever its names.
+bool SameFile(const struct stat& left, const struct stat& right);
 
 // The folder that holds what stands, or would, at a place; not a drive's root.
 PathMap::Location FolderOf(const PathMap::Location& place);

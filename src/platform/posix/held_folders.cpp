@@ -125,7 +125,7 @@ class PosixHeldFolder : public HeldFolder {
       BeginSync(ChangePlace::In(folder_.Get(), name, path_));
     }
     for (const std::string& name : unflushed_) {
-      const std::string about = path_ + "\\" + ShownName(name);
+      const std::string about = About(ShownName(name));
       const ChangePlace place = ChangePlace::In(folder_.Get(), name, about);
       RequireExists(place, about);
       SyncFile(place, about);
@@ -148,7 +148,7 @@ class PosixHeldFolder : public HeldFolder {
   }
 
  private:
-  std::string About(std::string_view name) const { return path_ + "\\" + std::string(name); }
+  std::string About(std::string_view name) const { return PathIn(path_, name); }
 
   // As it was given where it stands so, else in the letter case that the folder has it in.
   ChangePlace PlaceOf(std::string_view name) {
