@@ -55,8 +55,6 @@ std::string RefusalText(RegistryStatus status) {
   return "the registry refuses it (" + std::to_string(static_cast<long>(status)) + ")";
 }
 
-std::string Restore::Root() const { return u_.machine.ProgramFolder().substr(0, 3); }
-
 void Restore::Fail(std::string_view what, std::string_view reason) {
   report_.failures.push_back({std::string(what), std::string(reason)});
 }
@@ -204,13 +202,13 @@ void Restore::ExtractByManifest(const std::string& archivePath, ArchiveKind kind
 // Only what is gone comes back.
 void Restore::PutBelowRoot(const std::string& entry, ArchiveKind kind, FileRestorer& restorer,
                            const std::function<void(const FileRestorer::Pieces& take)>& source) {
-  const std::string path = Root() + Replace(entry, "/", "\\");
+  const std::string path = PlaceBelowRoot(u_.machine, entry);
   const auto failed = [this, path, kind](const RuntimeError& error) {
     Fail(path, error.Description());
     u_.log.NoteInPassing(LabelOf(kind), RuntimeError(error.Number(), path, error.SystemCode()));
   };
   try {
-    RequireBelow(Root(), path);
+    RequireBelow(RestoreRoot(u_.machine), path);
     if (restorer.Stat(path)) {
       ++report_.present;
       return;

@@ -68,7 +68,6 @@ class Restore {
   void TellEnd(bool withFailures);
   void Fail(std::string_view what, std::string_view reason);
   // Of the program's drive.
-  std::string Root() const;
 
   Uses u_;
   RestoreReport report_;

@@ -17,10 +17,9 @@ std::string NotePath(Machine& machine) { return BackupFolder(machine) + "\\Resto
 // Where a restore may have been about to put files: strictly to their own places, else below the
 // root of the program's drive.
 std::set<std::string> TargetsOf(Files& files, Machine& machine, std::string_view stem) {
-  const std::string root = machine.ProgramFolder().substr(0, 3);
   std::set<std::string> targets;
   const auto addEntry = [&](const std::string& entry) {
-    if (!IsSideEntry(entry)) targets.insert(root + Replace(entry, "/", "\\"));
+    if (!IsSideEntry(entry)) targets.insert(PlaceBelowRoot(machine, entry));
   };
   IgnoringErrors([&] {
     const std::string path = RestorePointFile(machine, stem, restore_point::kManifest);

@@ -18,4 +18,10 @@ std::string RestorePointFile(Machine& machine, std::string_view stem, std::strin
   return Join({BackupFolder(machine), "\\", std::string(stem), std::string(ending)}, "");
 }
 
+std::string RestoreRoot(Machine& machine) { return machine.ProgramFolder().substr(0, 3); }
+
+std::string PlaceBelowRoot(Machine& machine, std::string_view entry) {
+  return RestoreRoot(machine) + Replace(entry, "/", "\\");
+}
+
 }  // namespace quarnel

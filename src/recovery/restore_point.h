@@ -31,4 +31,8 @@ std::string StemOf(DateTime moment);
 // The path of one of a restore point's files.
 std::string RestorePointFile(Machine& machine, std::string_view stem, std::string_view ending);
 
+// The root below which a plain restore puts everything, and the place there of an archive's entry.
+std::string RestoreRoot(Machine& machine);
+std::string PlaceBelowRoot(Machine& machine, std::string_view entry);
+
 }  // namespace quarnel
