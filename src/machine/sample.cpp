@@ -159,8 +159,9 @@ class Planter {
   // Where the program looks for them: in its own folder.
   void PlantHelp() {
     const std::string folder = GetPathWithSlash(platform_.machine().ProgramFolder());
-    for (const std::string_view page : {"sd.html", "ag.html", "lorrigrid.html"}) {
-      WriteWhereDifferent(platform_.files(), folder + std::string(page), EmbeddedBytes(page));
+    for (const EmbeddedFile& file : EmbeddedFiles()) {
+      if (!file.name.ends_with(".html")) continue;
+      WriteWhereDifferent(platform_.files(), folder + std::string(file.name), file.bytes);
     }
   }
 
