@@ -1,22 +1,23 @@
 #include "base/host_files.h"
 
-#include <filesystem>
 #include <fstream>
 #include <system_error>
 
 #include "base/runtime_error.h"
 
 namespace quarnel {
-namespace {
 
 namespace fs = std::filesystem;
 
-fs::path PathOf(std::string_view text) { return {std::u8string(text.begin(), text.end())}; }
+fs::path HostPath(std::string_view text) { return {std::u8string(text.begin(), text.end())}; }
 
-}  // namespace
+std::string HostText(const fs::path& path) {
+  const std::u8string text = path.u8string();
+  return {text.begin(), text.end()};
+}
 
 std::string ReadHostFile(const std::string& path, uint64_t limit) {
-  const fs::path host = PathOf(path);
+  const fs::path host = HostPath(path);
   std::error_code error;
   const fs::file_status status = fs::status(host, error);
   if (!fs::exists(status)) throw RuntimeError(ErrorNumber::kFileNotFound, path, error.value());
@@ -33,7 +34,7 @@ std::string ReadHostFile(const std::string& path, uint64_t limit) {
 }
 
 void WriteHostFile(const std::string& path, std::string_view bytes) {
-  std::ofstream stream(PathOf(path), std::ios::binary | std::ios::trunc);
+  std::ofstream stream(HostPath(path), std::ios::binary | std::ios::trunc);
   if (!stream) throw RuntimeError(ErrorNumber::kPathFileAccess, path);
   stream.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
   stream.close();

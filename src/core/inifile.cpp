@@ -57,7 +57,8 @@ std::optional<IniText> cInifile::Read() const {
   }
 }
 
-// Puts the text that `edit` leaves in the place of the file, unless nothing changed.
+// Puts the text that `edit` leaves in the place of the file, unless nothing changed. Settings are
+// saved often: this waits until a crash can tear nothing, not until the new text has its name.
 template <typename Edit>
 void cInifile::Rewrite(Edit&& edit) {
   lastReturnCode_ = 0;

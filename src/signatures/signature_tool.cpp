@@ -21,21 +21,13 @@ constexpr std::string_view kUsage =
     "  quarnel-signatures show FILE\n"
     "      shows a signature file as plain text\n";
 
-// Texts are UTF-8 on every system; a path has its own form on some.
-fs::path PathOf(std::string_view text) { return {std::u8string(text.begin(), text.end())}; }
-
-std::string TextOf(const fs::path& path) {
-  const std::u8string text = path.u8string();
-  return {text.begin(), text.end()};
-}
-
 int Compile(const std::string& sourceFolder, const std::string& outFolder, std::ostream& out,
             std::ostream& errors) {
   SignatureSources sources;
   bool any = false;
   for (const SourceFile& file : SourceFiles()) {
     try {
-      sources.*file.text = ReadHostFile(TextOf(PathOf(sourceFolder) / PathOf(file.name)));
+      sources.*file.text = ReadHostFile(HostText(HostPath(sourceFolder) / HostPath(file.name)));
       any = true;
     } catch (const RuntimeError& error) {
       if (error.Number() != ErrorNumber::kFileNotFound) throw;
@@ -50,16 +42,16 @@ int Compile(const std::string& sourceFolder, const std::string& outFolder, std::
   for (const SourceError& error : set.errors) errors << error.Text() << '\n';
   if (!set.errors.empty()) return 1;
   std::error_code ignored;
-  fs::create_directories(PathOf(outFolder), ignored);
+  fs::create_directories(HostPath(outFolder), ignored);
   for (const CompiledFile& file : set.files) {
-    WriteHostFile(TextOf(PathOf(outFolder) / PathOf(file.name)), file.bytes);
+    WriteHostFile(HostText(HostPath(outFolder) / HostPath(file.name)), file.bytes);
   }
   out << set.files.size() << " files written to " << outFolder << '\n';
   return 0;
 }
 
 int Show(const std::string& file, std::ostream& out, std::ostream& errors) {
-  const auto text = ShowSignatureFile(TextOf(PathOf(file).filename()), ReadHostFile(file));
+  const auto text = ShowSignatureFile(HostText(HostPath(file).filename()), ReadHostFile(file));
   if (!text) {
     errors << file << ": not the name of a signature file\n";
     return 1;

@@ -4,6 +4,7 @@
 #include <fstream>
 #include <sstream>
 
+#include "base/host_files.h"
 #include "base/runtime_error.h"
 #include "ui/console/command_error.h"
 #include "ui/console/console_call.h"
@@ -32,7 +33,7 @@ ConsoleCall Complete(ConsoleCall call, Terminal& terminal) {
 }
 
 bool OpenScript(const std::string& name, std::ifstream& file) {
-  const std::filesystem::path path(std::u8string(name.begin(), name.end()));
+  const std::filesystem::path path = HostPath(name);
   std::error_code ignored;
   if (std::filesystem::is_directory(path, ignored)) return false;
   file.open(path, std::ios::binary);
