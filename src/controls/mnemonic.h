@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace quarnel {
 
@@ -15,5 +16,10 @@ struct CaptionText {
 };
 
 CaptionText ReadCaption(std::string_view caption);
+
+// The captions that are on the screen together, each with a letter of its own where one is left. A
+// caption keeps the letter that it marks unless one before it marks the same; then those without
+// choose, first among the beginnings of their words.
+std::vector<CaptionText> ShareMnemonics(const std::vector<std::string>& captions);
 
 }  // namespace quarnel

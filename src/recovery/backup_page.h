@@ -8,7 +8,7 @@ namespace quarnel {
 // The way to the restore points, and the progress of a backup or restore with its scratch list.
 struct BackupPage {
   Form& form;
-  Button cmdRestore{form, "cmdRestore", "Restore..."};
+  Button cmdRestore{form, "cmdRestore", "&Restore..."};
   Panel picBackupProgress{form, "picBackupProgress"};
   Label lblBackupProgress{form, "lblBackupProgress"};
   ProgressBar pgbBackup{form, "pgbBackup", ProgressBar::Range::kLoose};

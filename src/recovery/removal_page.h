@@ -11,7 +11,7 @@ struct RemovalPage {
   Form& form;
   ProgressBar pbrRemoveSpyware{form, "pbrRemoveSpyware", ProgressBar::Range::kLoose};
   Label lblDeletingCaption{form, "lblDeletingCaption"};
-  Button cmdRemoveSpyware2{form, "cmdRemoveSpyware2", "Remove"};
+  Button cmdRemoveSpyware2{form, "cmdRemoveSpyware2", "&Remove"};
 
   Panel picRemoveSummary{form, "picRemoveSummary"};
   Label lblScanSummary{form, "lblScanSummary"};
@@ -23,7 +23,7 @@ struct RemovalPage {
                                                {form, "lblThreatLevelCount(2)"},
                                                {form, "lblThreatLevelCount(3)"},
                                                {form, "lblThreatLevelCount(4)"}}};
-  Button cmdFinish{form, "cmdFinish", "Finish"};
+  Button cmdFinish{form, "cmdFinish", "F&inish"};
 };
 
 }  // namespace quarnel

@@ -55,15 +55,15 @@ struct ResultsPage {
                                    "Do not show ignored items in the results"};
   CheckBox chkCreateRestore{form, "chkCreateRestore", "Create a restore point before removal"};
 
-  Button cmdCheckUncheckAll{form, "cmdCheckUncheckAll", "Check/Uncheck All"};
+  Button cmdCheckUncheckAll{form, "cmdCheckUncheckAll", "Chec&k/Uncheck All"};
   Button cmdViewSpywareDetail{form, "cmdViewSpywareDetail", "View Detail"};
   Button cmdViewResults{form, "cmdViewResults", "View Results"};
-  Button cmdIgnoredSpyware{form, "cmdIgnoredSpyware", "Safe List"};
+  Button cmdIgnoredSpyware{form, "cmdIgnoredSpyware", "&Safe List"};
   Button cmdIgnoredProcesses{form, "cmdIgnoredProcesses", "Ignored Processes"};
   Image ImgAddToIgnoredListNormal{form, "ImgAddToIgnoredListNormal"};
-  Button Command1{form, "Command1", "Copy Results"};
+  Button Command1{form, "Command1", "Cop&y Results"};
 
-  Button cmdRemoveSpywares{form, "cmdRemoveSpywares", "Remove"};
+  Button cmdRemoveSpywares{form, "cmdRemoveSpywares", "&Remove"};
   Button cmdDone{form, "cmdDone", "Done"};
   Button cmdcancel{form, "cmdcancel", "Cancel"};
   // Index 0 goes on from the results to the removal, index 1 back to the summary.

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "base/runtime_error.h"
+#include "controls/mnemonic.h"
 #include "support/test_host.h"
 
 namespace quarnel {
@@ -40,6 +41,19 @@ TEST_F(SimpleControls, CheckBoxClicksWhenItsValueChanges) {
   box.Click = [&] { box.SetValue(0); };
   box.SetValue(2);
   EXPECT_EQ(box.Value(), 0);
+}
+
+TEST(Mnemonics, EachCaptionHasALetterOfItsOwn) {
+  const std::vector<CaptionText> shared =
+      ShareMnemonics({"&File", "Fish & &chips", "&&& Co", "&Find", "Fin", "First", "IF"});
+  std::string letters;
+  for (const CaptionText& caption : shared) {
+    letters += caption.mnemonic == CaptionText::kNone ? '-' : caption.text.at(caption.mnemonic);
+  }
+  EXPECT_EQ(shared.at(1).text, "Fish & chips");
+  EXPECT_EQ(shared.at(2).text, "&& Co");
+  // The marked ones first; then the beginning of a word, then any letter.
+  EXPECT_EQ(letters, "Fcoinr-");
 }
 
 TEST_F(SimpleControls, OptionsAndCombosClickByUserOnly) {

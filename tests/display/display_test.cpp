@@ -7,6 +7,7 @@
 
 #include <cstdlib>
 #include <fstream>
+#include <map>
 
 #include "core/paths.h"
 #include "display/robot.h"
@@ -116,6 +117,7 @@ class DisplayTest : public PlatformTest {
     FormWindow* window = WindowOf(form);
     ASSERT_NE(window, nullptr) << form.Name();
     EXPECT_EQ(window->Window()->GetTitle().utf8_string(), form.Caption());
+    ExpectOwnLetters(*window);
     for (const auto& binding : window->Bindings()) {
       const Control& control = binding->control();
       const std::string_view type = control.Type();
@@ -127,6 +129,30 @@ class DisplayTest : public PlatformTest {
       if (type != "Panel" && type != "Image" && type != "Button") {
         EXPECT_EQ(binding->Shown(), control.ValueText());
       }
+    }
+  }
+
+  // Each letter reaches one thing that shows, and each button has one.
+  void ExpectOwnLetters(const FormWindow& window) {
+    std::map<wxUniChar, std::string> reached;
+    const auto reach = [&](const wxString& label, const std::string& what) {
+      const int letter = label.find('&') == wxString::npos ? wxNOT_FOUND : label.Find('&') + 1;
+      if (letter == wxNOT_FOUND) return false;
+      const wxUniChar key = wxToupper(label[static_cast<size_t>(letter)]);
+      EXPECT_TRUE(reached.try_emplace(key, what).second) << what << " and " << reached[key];
+      return true;
+    };
+    if (const auto* frame = dynamic_cast<wxFrame*>(window.Window())) {
+      const wxMenuBar* bar = frame->GetMenuBar();
+      for (size_t i = 0; bar != nullptr && i < bar->GetMenuCount(); ++i) {
+        EXPECT_TRUE(reach(bar->GetMenuLabel(i), "menu")) << bar->GetMenuLabel(i);
+      }
+    }
+    for (const auto& binding : window.Bindings()) {
+      if (binding->KeyCaption().empty() || !binding->Widget()->IsShownOnScreen()) continue;
+      const bool keyed = reach(binding->Widget()->GetLabel(), binding->control().Name());
+      const bool button = dynamic_cast<wxAnyButton*>(binding->Widget()) != nullptr;
+      EXPECT_TRUE(keyed || !button) << binding->control().Name();
     }
   }
 

@@ -45,6 +45,13 @@ bool NeedsWindow(const Layout& layout) {
          layout.kind == Kind::kSplit;
 }
 
+// Whether the widget is on the screen when its window is.
+bool ShowsInItsWindow(const wxWindow& widget) {
+  const wxWindow* part = &widget;
+  while (!part->IsTopLevel() && part->IsShown()) part = part->GetParent();
+  return part->IsTopLevel();
+}
+
 }  // namespace
 
 FormWindow::FormWindow(Form& form, const FormLayout& layout, wxWindow* parent, const Front& front)
@@ -312,6 +319,7 @@ void FormWindow::MakeMenus() {
     const auto* title = dynamic_cast<MenuItem*>(form_->Find(layout.title));
     if (title == nullptr) continue;
     auto* menu = new wxMenu;
+    Menu& entries = menus_.emplace_back();
     for (const std::string& entry : layout.entries) {
       if (entry.empty()) {
         menu->AppendSeparator();
@@ -324,8 +332,10 @@ void FormWindow::MakeMenus() {
           wxEVT_MENU,
           [this, control](wxCommandEvent&) { front_.run([control] { control->ClickByUser(); }); },
           item->GetId());
-      menuEntries_.push_back({control, item, ~uint64_t{0}});
+      entries.controls.push_back(control);
+      entries.items.push_back(item);
     }
+    menuTitles_.push_back(title->Caption());
     bar->Append(menu, ToWx(title->Caption()));
   }
   frame->SetMenuBar(bar);
@@ -345,6 +355,7 @@ void FormWindow::SyncContent() {
   bool moved = SyncConditions();
   for (const auto& binding : bindings_) moved = binding->Sync() || moved;
   SyncMenus();
+  ShareKeys();
   if (!moved) return;
   page_->Layout();
   for (const Condition& condition : conditions_) condition.box->Layout();
@@ -369,11 +380,38 @@ bool FormWindow::SyncConditions() {
 }
 
 void FormWindow::SyncMenus() {
-  for (MenuEntry& entry : menuEntries_) {
-    if (entry.revision == entry.control->Revision()) continue;
-    entry.revision = entry.control->Revision();
-    entry.item->SetItemLabel(ToWx(entry.control->Caption()));
-    entry.item->Enable(entry.control->Enabled());
+  for (Menu& menu : menus_) {
+    std::vector<uint64_t> revisions;
+    std::vector<std::string> captions;
+    for (const MenuItem* control : menu.controls) {
+      revisions.push_back(control->Revision());
+      captions.push_back(control->Caption());
+    }
+    if (menu.revisions == revisions) continue;
+    menu.revisions = std::move(revisions);
+    const std::vector<CaptionText> shown = ShareMnemonics(captions);
+    for (size_t i = 0; i < shown.size(); ++i) {
+      menu.items[i]->SetItemLabel(ToWx(shown[i]));
+      menu.items[i]->Enable(menu.controls[i]->Enabled());
+    }
+  }
+}
+
+// No two things that show are reached by the same letter, or none would be.
+void FormWindow::ShareKeys() {
+  std::vector<Keyed> keyed;
+  std::vector<std::string> captions = menuTitles_;
+  for (const auto& binding : bindings_) {
+    const std::string_view caption = binding->KeyCaption();
+    if (caption.empty() || !ShowsInItsWindow(*binding->Widget())) continue;
+    keyed.push_back({binding.get(), std::string(caption)});
+    captions.emplace_back(caption);
+  }
+  if (keyed_ == keyed) return;
+  keyed_ = std::move(keyed);
+  const std::vector<CaptionText> shared = ShareMnemonics(captions);
+  for (size_t i = 0; i < keyed_.size(); ++i) {
+    keyed_[i].binding->SetKey(shared[menuTitles_.size() + i].mnemonic);
   }
 }
 

@@ -48,10 +48,17 @@ class FormWindow {
 
     bool Holds() const;
   };
-  struct MenuEntry {
-    MenuItem* control;
-    wxMenuItem* item;
-    uint64_t revision;
+  // A menu of the menu bar; the revisions are those of its entries as it shows them.
+  struct Menu {
+    std::vector<MenuItem*> controls;
+    std::vector<wxMenuItem*> items;
+    std::vector<uint64_t> revisions;
+  };
+  // A binding with a caption that shows.
+  struct Keyed {
+    Binding* binding;
+    std::string caption;
+    bool operator==(const Keyed&) const = default;
   };
 
   void MakeWindow(wxWindow* parent);
@@ -70,6 +77,7 @@ class FormWindow {
   void SyncContent();
   void SyncWindow();
   void SyncMenus();
+  void ShareKeys();
   bool SyncConditions();
   void SyncState();
   void BindDrag(Control& control, wxWindow& widget);
@@ -81,7 +89,9 @@ class FormWindow {
   wxPanel* page_ = nullptr;
   std::vector<std::unique_ptr<Binding>> bindings_;
   std::vector<Condition> conditions_;
-  std::vector<MenuEntry> menuEntries_;
+  std::vector<Menu> menus_;
+  std::vector<std::string> menuTitles_;
+  std::vector<Keyed> keyed_;
   std::vector<std::string> named_;
   // Of the form as the window shows it.
   uint64_t revision_ = ~uint64_t{0};

@@ -27,6 +27,13 @@ wxString ToWx(std::string_view text) {
   return result;
 }
 
+wxString ToWx(const CaptionText& caption) {
+  const std::string_view text = caption.text;
+  if (caption.mnemonic == CaptionText::kNone) return wxControl::EscapeMnemonics(ToWx(text));
+  return wxControl::EscapeMnemonics(ToWx(text.substr(0, caption.mnemonic))) + '&' +
+         wxControl::EscapeMnemonics(ToWx(text.substr(caption.mnemonic)));
+}
+
 wxString ToWxLine(std::string_view text) { return ToWx(Printable(text)); }
 
 wxString Wrapped(wxWindow& widget, const wxString& text, int width) {

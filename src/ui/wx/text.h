@@ -3,6 +3,7 @@
 #include <string>
 #include <string_view>
 
+#include "controls/mnemonic.h"
 #include "ui/wx/wx.h"
 
 // Text between the program, which keeps bytes, and the toolkit.
@@ -11,6 +12,9 @@ namespace quarnel {
 // A text of the program's own; U+FFFD stands for each byte that is no UTF-8. Line ends are those of
 // the toolkit.
 wxString ToWx(std::string_view text);
+
+// A caption with its letter marked in the way of the toolkit.
+wxString ToWx(const CaptionText& caption);
 
 // A text that may come from strangers, in one line: nothing in it can turn the direction of writing
 // or break the line.

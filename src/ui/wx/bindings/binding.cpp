@@ -64,6 +64,17 @@ void Binding::Attach(wxWindow* widget, const std::string& accessibleName) {
   native::SetAccessibleName(*widget_, ToWx(accessibleName_));
 }
 
+void Binding::SetKey(size_t key) {
+  if (key_ == key) return;
+  key_ = key;
+  Forget();
+  Sync();
+}
+
+wxString Binding::WithKey(std::string_view caption) const {
+  return ToWx(CaptionText{ReadCaption(caption).text, key_});
+}
+
 std::string Binding::AccessibleName() const {
   return accessibleName_.empty() ? FromWx(widget_->GetLabel()) : accessibleName_;
 }

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "controls/control.h"
+#include "controls/mnemonic.h"
 #include "ui/wx/layout.h"
 #include "ui/wx/wx.h"
 
@@ -36,6 +37,11 @@ class Binding {
   // Lets the next Sync look at everything, as after a change of the system's colours.
   void Forget() { known_ = false; }
 
+  // The caption with the letter that reaches the widget by keyboard; empty where none does.
+  virtual std::string_view KeyCaption() const { return {}; }
+  // Gives the caption another letter: its position, or CaptionText::kNone.
+  void SetKey(size_t key);
+
   // What a screen reader says for the widget.
   std::string AccessibleName() const;
   // What the widget shows, read back from it, in the form of the control's ValueText.
@@ -48,6 +54,8 @@ class Binding {
   // Shows the control's present state; true when the widget's size no longer fits.
   virtual bool Update() = 0;
   virtual bool ShownInLayout() const { return control_.Visible(); }
+  // This caption with the letter that it was given.
+  wxString WithKey(std::string_view caption) const;
   // A user's action on the control. The widget may already look as if it had worked, so it is
   // brought up to the control afterwards whatever came of it.
   void Act(const Handler& action);
@@ -65,6 +73,7 @@ class Binding {
   std::string accessibleName_;  // of a widget without a caption
   uint64_t revision_ = 0;
   bool known_ = false;
+  size_t key_ = CaptionText::kNone;
   wxString toolTip_;
 };
 

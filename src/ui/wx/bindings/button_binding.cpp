@@ -12,8 +12,8 @@ namespace quarnel {
 namespace {
 
 // A long caption takes several lines.
-wxString CaptionOf(wxWindow& widget, const Captioned& control) {
-  return Wrapped(widget, ToWx(control.Caption()), metrics::Scaled(widget, metrics::kReadableWidth));
+wxString InLines(wxWindow& widget, const wxString& caption) {
+  return Wrapped(widget, caption, metrics::Scaled(widget, metrics::kReadableWidth));
 }
 
 class ButtonBinding : public Binding {
@@ -22,7 +22,7 @@ class ButtonBinding : public Binding {
       : Binding(control, front), layout_(layout) {
     const long style = layout.role == Role::kQuiet ? wxBORDER_NONE : 0;
     button_ =
-        new wxButton(parent, wxID_ANY, ToWx(Caption()), wxDefaultPosition, wxDefaultSize, style);
+        new wxButton(parent, wxID_ANY, WithKey(Caption()), wxDefaultPosition, wxDefaultSize, style);
     const bool primary = layout.role == Role::kPrimary;
     if (primary) {
       button_->SetBackgroundColour(theme::Accent());
@@ -45,11 +45,12 @@ class ButtonBinding : public Binding {
     Attach(button_);
   }
 
+  std::string_view KeyCaption() const override { return Caption(); }
   std::string Shown() const override { return FromWx(button_->GetLabel()); }
 
  protected:
   bool Update() override {
-    const wxString caption = ToWx(Caption());
+    const wxString caption = WithKey(Caption());
     if (button_->GetLabel() == caption) return false;
     button_->SetLabel(caption);
     Fit();
@@ -80,8 +81,8 @@ class ButtonBinding : public Binding {
 class TabBinding : public Binding {
  public:
   TabBinding(wxWindow* parent, Control& control, const Layout& layout, const Front& front)
-      : Binding(control, front) {
-    tab_ = new wxToggleButton(parent, wxID_ANY, ToWx(layout.text), wxDefaultPosition, wxDefaultSize,
+      : Binding(control, front), caption_(layout.text) {
+    tab_ = new wxToggleButton(parent, wxID_ANY, WithKey(caption_), wxDefaultPosition, wxDefaultSize,
                               wxBORDER_NONE | wxBU_LEFT);
     tab_->SetBitmap(icons::Get(layout.icon, metrics::kTabIcon));
     tab_->SetBitmapMargins(metrics::Scaled(*tab_, wxSize(metrics::kGap, 0)));
@@ -93,10 +94,16 @@ class TabBinding : public Binding {
     native::MakeTab(*tab_);
     Attach(tab_);
   }
+  std::string_view KeyCaption() const override { return caption_; }
   std::string Shown() const override { return {}; }
 
  protected:
   bool Update() override {
+    const wxString caption = WithKey(caption_);
+    if (tab_->GetLabel() != caption) {
+      tab_->SetLabel(caption);
+      native::MakeTab(*tab_);
+    }
     const bool selected = !control().Visible();
     if (tab_->GetValue() != selected) tab_->SetValue(selected);
     native::ShowTab(*tab_, selected);
@@ -105,6 +112,7 @@ class TabBinding : public Binding {
   bool ShownInLayout() const override { return true; }
 
  private:
+  std::string caption_;
   wxToggleButton* tab_;
 };
 
@@ -149,6 +157,7 @@ class CheckBinding : public Binding {
     check_->Bind(wxEVT_CHECKBOX, [this](wxCommandEvent&) { Act([this] { box_.ClickByUser(); }); });
     Attach(check_);
   }
+  std::string_view KeyCaption() const override { return box_.Caption(); }
   std::string Shown() const override {
     return std::to_string(static_cast<int>(check_->Get3StateValue()));
   }
@@ -157,7 +166,7 @@ class CheckBinding : public Binding {
   bool Update() override {
     const auto state = static_cast<wxCheckBoxState>(box_.Value());
     if (check_->Get3StateValue() != state) check_->Set3StateValue(state);
-    const wxString caption = CaptionOf(*check_, box_);
+    const wxString caption = InLines(*check_, WithKey(box_.Caption()));
     if (check_->GetLabel() == caption) return false;
     check_->SetLabel(caption);
     check_->InvalidateBestSize();
@@ -182,12 +191,13 @@ class OptionBinding : public Binding {
                  [this](wxCommandEvent&) { Act([this] { option_.ClickByUser(); }); });
     Attach(radio_);
   }
+  std::string_view KeyCaption() const override { return option_.Caption(); }
   std::string Shown() const override { return FlagText(radio_->GetValue()); }
 
  protected:
   bool Update() override {
     if (radio_->GetValue() != option_.Value()) (option_.Value() ? radio_ : none_)->SetValue(true);
-    const wxString caption = CaptionOf(*radio_, option_);
+    const wxString caption = InLines(*radio_, WithKey(option_.Caption()));
     if (radio_->GetLabel() == caption) return false;
     radio_->SetLabel(caption);
     radio_->InvalidateBestSize();

@@ -19,8 +19,8 @@ Layout Tabs() {
   };
   constexpr Tab kTabs[] = {
       {"S&can", "tab-scan"},         {"&Defender", "tab-defender"},  {"O&ptions", "tab-options"},
-      {"&Schedule", "tab-schedule"}, {"&Live Update", "tab-update"}, {"&Advanced", "tab-advanced"},
-      {"&News", "tab-news"},
+      {"Sch&edule", "tab-schedule"}, {"&Live Update", "tab-update"}, {"Ad&vanced", "tab-advanced"},
+      {"Ne&ws", "tab-news"},
   };
   std::vector<Layout> tabs;
   int index = 0;
@@ -76,8 +76,8 @@ Layout JobCard() {
                                           .Called("Scan &now")
                                           .With("play")
                                           .As(Role::kPrimary),
-                                      Put("imgPause").Called("&Pause").With("pause"),
-                                      Put("ImgStopScanMouseMove").Called("S&top").With("stop"),
+                                      Put("imgPause").Called("Pa&use").With("pause"),
+                                      Put("ImgStopScanMouseMove").Called("&Stop").With("stop"),
                                   })})
                                .On("picSpywareAdwareLeftWindow")
                                .Centred(),
@@ -114,7 +114,6 @@ Layout Summary() {
                     Put("lvwHardDrives").Called("Drives of the deep scan").Ticks().Grow(),
                 })
                 .Gap(kWideGap)}),
-      Row({Put("cmdRestore").With("restore"), Spring()}),
   });
 }
 
@@ -164,7 +163,7 @@ Layout Results() {
           .On("picSearchResultsLeftWindow"),
       Row({
           Put("cmdIgnoredSpyware"),
-          Put("ImgAddToIgnoredListNormal").Called("Add to safe &list").With("safe"),
+          Put("ImgAddToIgnoredListNormal").Called("&Add to safe list").With("safe"),
           Put("Command1").With("copy"),
           Put("cmdViewSpywareDetail"),
           Spring(),
@@ -173,7 +172,7 @@ Layout Results() {
           Put("chkCreateRestore"),
           Spring(),
           Put("imgNext(1)").Called("&Back").With("back"),
-          Put("imgNext(0)").Called("&Next").With("next"),
+          Put("imgNext(0)").Called("Ne&xt").With("next"),
           Put("cmdDone"),
           Put("cmdRemoveSpywares").As(Role::kPrimary).With("remove"),
       }),
@@ -201,7 +200,11 @@ Layout RemovalSummary() {
 Layout ScanPageLayout() {
   return Column({
                     JobCard(),
-                    Column({Scroll({Summary()}).Grow()}).On("picSummary").Grow(),
+                    // Its button is in reach also where the rest must scroll.
+                    Column({Scroll({Summary()}).Grow(),
+                            Row({Put("cmdRestore").With("restore"), Spring()})})
+                        .On("picSummary")
+                        .Grow(),
                     Column({
                                Counters(),
                                Column({RemovalSummary(), Spring()}).On("picRemoveSummary").Grow(),
