@@ -21,7 +21,11 @@ void DatePicker::SetValue(std::optional<DateTime> value) {
   Assign(value_, value);
 }
 
-std::string DatePicker::ValueText() const { return value_ ? FormatDate(*value_, format_) : ""; }
+std::string DatePicker::ValueText() const { return value_ ? TextOf(*value_) : ""; }
+
+std::string DatePicker::TextOf(DateTime moment) const {
+  return kind_ == Kind::kTime ? TimeText(moment) : FormatDate(moment, format_);
+}
 
 std::optional<std::string> DatePicker::Property(std::string_view name) const {
   if (name == "format") return format_;

@@ -36,8 +36,10 @@ class DatePicker : public Control {
   // picker has no check mark.
   void SetValue(std::optional<DateTime> value);
 
-  // The value in the display format; empty when there is none.
+  // The value in the display format; empty when there is none. A time comes with its half of the
+  // day, as the settings keep it: the format leaves that out.
   std::string ValueText() const override;
+  std::string TextOf(DateTime moment) const;
   std::optional<std::string> Property(std::string_view name) const override;
   // Takes a date or a time; an empty text takes the check mark away.
   void SetByUser(std::string_view text) override;

@@ -98,8 +98,11 @@ void Scheduler::LoadAppliedSchedule() {
   } else {
     page.dtpScheduleTime.SetValue(DateFrom(time));
   }
-  page.cmbDays.SetListIndex(ValLong(u_.settings.Get(setting::kDay)));
+  const int day = ValLong(u_.settings.Get(setting::kDay));
+  page.cmbDays.SetListIndex(day);
   page.chkAutomaticScanYesOrNo.SetValue(ValLong(u_.settings.Get(setting::kAutomaticScan)));
+  // A box that has just lost its tick has chosen the first day.
+  page.cmbDays.SetListIndex(day);
 }
 
 void Scheduler::RefreshFields() {
@@ -218,10 +221,18 @@ bool Scheduler::IsDue() const {
   return FormatDate(now, kTimePattern) == Formatted(inForce_.mScheduleTime, kTimePattern);
 }
 
+// The timer ticks many times in the due second, and a scan may be over before its end.
+bool Scheduler::StartedJustNow() const {
+  if (!startedAt_) return false;
+  const Milliseconds since = u_.host.clock().Ticks() - *startedAt_;
+  return since >= Milliseconds(0) && since < std::chrono::seconds(1);
+}
+
 void Scheduler::tmrScheduler_Timer() {
   u_.surroundings.MakeTimersEnabledOrDisableAcordingToSetting(true);
   // A scan that runs already is not entered a second time.
-  if (IsDue() && !u_.surroundings.ScanIsRunning()) {
+  if (IsDue() && !StartedJustNow() && !u_.surroundings.ScanIsRunning()) {
+    startedAt_ = u_.host.clock().Ticks();
     u_.surroundings.ShowFirstPage();
     u_.surroundings.StartScan();
   }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -60,6 +61,7 @@ class Scheduler {
   void PickerCleared(const DatePicker& picker);
   void EnablePickersByDay();
   bool IsDue() const;
+  bool StartedJustNow() const;
 
   void cmdProceed_Click();
   void cmdDefaultSetting_Click();
@@ -73,6 +75,7 @@ class Scheduler {
 
   Uses u_;
   InForce inForce_;
+  std::optional<Milliseconds> startedAt_;  // in the clock's ticks
 };
 
 }  // namespace quarnel

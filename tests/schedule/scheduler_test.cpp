@@ -47,7 +47,7 @@ class SchedulerTest : public PlatformTest, protected ScheduleSurroundings {
     return texts;
   }
 
-  // ScheduleSurroundings: a scan takes two seconds, in which events are processed.
+  // ScheduleSurroundings: a scan processes events for as long as it takes.
   void MakeTimersEnabledOrDisableAcordingToSetting(bool leaveAlone) override {
     if (!leaveAlone) form.tmrScheduler.SetEnabled(page.chkAutomaticScanYesOrNo.Checked());
   }
@@ -56,7 +56,7 @@ class SchedulerTest : public PlatformTest, protected ScheduleSurroundings {
   void StartScan() override {
     ++scans;
     scanRuns = true;
-    host.Advance(Milliseconds(2000));
+    host.Advance(scanTime);
     scanRuns = false;
   }
   void RefreshSystemSummary() override { ++refreshes; }
@@ -76,11 +76,12 @@ class SchedulerTest : public PlatformTest, protected ScheduleSurroundings {
   int firstPages = 0;
   int refreshes = 0;
   bool scanRuns = false;
+  Milliseconds scanTime{2000};
 };
 
 TEST_F(SchedulerTest, FreshStoreShowsDailyAtMidnightAndOff) {
   scheduler.LoadSchedule();
-  EXPECT_EQ(page.dtpScheduleTime.ValueText(), "00:00:00");
+  EXPECT_EQ(page.dtpScheduleTime.ValueText(), "12:00:00 AM");
   EXPECT_EQ(Stored("Time"), "12:00:00 AM");
   EXPECT_EQ(page.cmbDays.Text(), "Daily");
   EXPECT_FALSE(page.chkAutomaticScanYesOrNo.Checked());
@@ -153,6 +154,30 @@ TEST_F(SchedulerTest, MissedAndMeanwhileDueSecondsAreLost) {
   EXPECT_EQ(scans, 1);
 }
 
+TEST_F(SchedulerTest, ShortScanRunsOnceInItsSecond) {
+  scanTime = Milliseconds(50);
+  Store("7", "2:30:02 PM", "Null");
+  scheduler.LoadSchedule();
+  host.Advance(Milliseconds(5000));
+  EXPECT_EQ(scans, 1);
+  host.virtualClock().SetNow(*ParseDate("3/6/2024 2:30:01 PM"));
+  host.Advance(Milliseconds(5000));
+  EXPECT_EQ(scans, 2);
+}
+
+TEST_F(SchedulerTest, ResetBringsBackWhatIsStored) {
+  for (const std::string_view on : {"0", "1"}) {
+    Store("4", "2:30:02 PM", "Null", on);
+    scheduler.LoadSchedule();
+    page.chkAutomaticScanYesOrNo.ClickByUser();
+    page.cmdDefaultSetting.ClickByUser();
+    EXPECT_EQ(page.chkAutomaticScanYesOrNo.ValueText(), on);
+    EXPECT_EQ(page.cmbDays.Text(), "Friday");
+    EXPECT_EQ(form.tmrScheduler.Enabled(), on == "1");
+    EXPECT_FALSE(ButtonsShow());
+  }
+}
+
 TEST_F(SchedulerTest, TimerComparesWithWhatWasAppliedAndNotWithThePage) {
   Store("7", "2:30:02 PM", "Null");
   scheduler.LoadSchedule();
@@ -161,7 +186,7 @@ TEST_F(SchedulerTest, TimerComparesWithWhatWasAppliedAndNotWithThePage) {
   host.Advance(Milliseconds(3000));
   EXPECT_EQ(scans, 1);
   page.cmdDefaultSetting.ClickByUser();
-  EXPECT_EQ(page.dtpScheduleTime.ValueText(), "14:30:02");
+  EXPECT_EQ(page.dtpScheduleTime.ValueText(), "2:30:02 PM");
   EXPECT_FALSE(ButtonsShow());
   page.dtpScheduleTime.SetByUser("2:30:08 PM");
   page.cmdProceed.ClickByUser();
@@ -213,7 +238,7 @@ TEST_F(SchedulerTest, DaysAndBoxSwitchThePickers) {
   page.lblEnableAutoScan.ClickByUser();  // only ever ticks
   EXPECT_TRUE(page.chkAutomaticScanYesOrNo.Checked());
   page.cmbDays.SetByUser("Tuesday");
-  EXPECT_EQ(page.dtpScheduleTime.ValueText(), "14:30:00");
+  EXPECT_EQ(page.dtpScheduleTime.ValueText(), "2:30:00 PM");
 }
 
 TEST_F(SchedulerTest, DateThatThePickerRefusesEndsTheLoad) {

@@ -120,7 +120,7 @@ TEST_F(WizardTest, NightlyScanIsWhatTheScheduleShowsAfterwards) {
   frmMain& main = Start();
   EXPECT_TRUE(main.schedule.chkAutomaticScanYesOrNo.Checked());
   EXPECT_EQ(main.schedule.cmbDays.Text(), "Daily");
-  EXPECT_EQ(main.schedule.dtpScheduleTime.ValueText(), "00:00:00");
+  EXPECT_EQ(main.schedule.dtpScheduleTime.ValueText(), "12:00:00 AM");
   EXPECT_TRUE(main.timers.tmrScheduler.Enabled());
 }
 

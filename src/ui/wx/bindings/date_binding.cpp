@@ -46,7 +46,7 @@ class DateBinding : public Binding {
   }
 
   std::string Shown() const override {
-    return has_->GetValue() ? FormatDate(Picked(), picker_.Format()) : std::string();
+    return has_->GetValue() ? picker_.TextOf(Picked()) : std::string();
   }
 
  protected:
