@@ -6,6 +6,7 @@
 
 #include "base/runtime_error.h"
 #include "base/text.h"
+#include "controls/mnemonic.h"
 
 namespace quarnel {
 namespace {
@@ -32,9 +33,16 @@ std::optional<std::string> Captioned::Property(std::string_view name) const {
   return Control::Property(name);
 }
 
+std::string Keyed::ValueText() const { return ReadCaption(Caption()).text; }
+
+std::optional<std::string> Keyed::Property(std::string_view name) const {
+  if (name == "caption") return ReadCaption(Caption()).text;
+  return Captioned::Property(name);
+}
+
 std::optional<std::string> Image::Property(std::string_view name) const {
   if (name == "picture") return std::to_string(picture_);
-  return Captioned::Property(name);
+  return Keyed::Property(name);
 }
 
 std::optional<std::string> Label::Property(std::string_view name) const {
@@ -59,7 +67,7 @@ void CheckBox::SetValue(int value) {
 
 std::optional<std::string> CheckBox::Property(std::string_view name) const {
   if (name == "checked" || name == "value") return std::to_string(value_);
-  return Captioned::Property(name);
+  return Keyed::Property(name);
 }
 
 void CheckBox::SetByUser(std::string_view text) { SetValue(ToBoolean(text) ? 1 : 0); }
@@ -80,14 +88,14 @@ void OptionGroup::Choose(int index) {
 
 OptionButton::OptionButton(Form& form, std::string name, OptionGroup& group,
                            std::string_view caption)
-    : Captioned(form, std::move(name)), group_(group) {
+    : Keyed(form, std::move(name)), group_(group) {
   SetCaption(caption);
   group_.buttons_.push_back(this);
 }
 
 std::optional<std::string> OptionButton::Property(std::string_view name) const {
   if (name == "checked" || name == "value") return FlagText(value_);
-  return Captioned::Property(name);
+  return Keyed::Property(name);
 }
 
 void OptionButton::SetByUser(std::string_view text) {

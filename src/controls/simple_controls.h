@@ -49,11 +49,20 @@ class Captioned : public Clickable {
   std::string caption_;
 };
 
+// A control that a letter of its caption reaches by keyboard. "&" marks the letter for a front; as
+// a text the caption goes without it.
+class Keyed : public Captioned {
+ public:
+  using Captioned::Captioned;
+  std::string ValueText() const override;
+  std::optional<std::string> Property(std::string_view name) const override;
+};
+
 // A picture. Its caption is not drawn: it names the picture for those who cannot see it.
-class Image : public Captioned {
+class Image : public Keyed {
  public:
   Image(Form& form, std::string name, std::string_view caption = {})
-      : Captioned(form, std::move(name)) {
+      : Keyed(form, std::move(name)) {
     SetCaption(caption);
   }
   std::string_view Type() const override { return "Image"; }
@@ -84,10 +93,10 @@ class Label : public Captioned {
   bool bold_ = false;
 };
 
-class Button : public Captioned {
+class Button : public Keyed {
  public:
   Button(Form& form, std::string name, std::string_view caption = {})
-      : Captioned(form, std::move(name)) {
+      : Keyed(form, std::move(name)) {
     SetCaption(caption);
   }
   std::string_view Type() const override { return "Button"; }
@@ -112,10 +121,10 @@ class MenuItem : public Captioned {
 };
 
 // A check box. Its click handler runs whenever its value changes, by a user or in code.
-class CheckBox : public Captioned {
+class CheckBox : public Keyed {
  public:
   CheckBox(Form& form, std::string name, std::string_view caption = {})
-      : Captioned(form, std::move(name)) {
+      : Keyed(form, std::move(name)) {
     SetCaption(caption);
   }
   std::string_view Type() const override { return "CheckBox"; }
@@ -150,7 +159,7 @@ class OptionGroup {
   std::vector<OptionButton*> buttons_;
 };
 
-class OptionButton : public Captioned {
+class OptionButton : public Keyed {
  public:
   OptionButton(Form& form, std::string name, OptionGroup& group, std::string_view caption = {});
   std::string_view Type() const override { return "OptionButton"; }

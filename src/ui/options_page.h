@@ -21,10 +21,10 @@ struct OptionsPage {
   CheckBox chkDeepScan{form, "chkDeepScan", "Deep scan of the ticked drives"};
 
   CheckBox chkMemorySheild{form, "chkMemorySheild", "Memory shield"};
-  CheckBox chkStartupShield{form, "chkStartupShield", "Startup shield"};
+  CheckBox chkStartupShield{form, "chkStartupShield", "Enable Startup programs Shield/Alerts"};
   CheckBox chkSelfDownloadingActivex{form, "chkSelfDownloadingActivex", "ActiveX shield"};
   CheckBox chkDisplayHijakRestoreAlerts{form, "chkDisplayHijakRestoreAlerts",
-                                        "Alerts of the browser guard"};
+                                        "Display Alert when browser hijack suspected"};
   CheckBox chkAlertsBlocksSpywareAdware{form, "chkAlertsBlocksSpywareAdware",
                                         "Alert before blocking"};
   // Restore points come back exactly as they were recorded, and quarantined files never collide.
@@ -34,8 +34,9 @@ struct OptionsPage {
   CheckBox chkRunAtStartup{form, "chkRunAtStartup", "Start with Windows"};
   CheckBox chkMinimizeToTrayWindowAtStartup{form, "chkMinimizeToTrayWindowAtStartup",
                                             "Start in the tray"};
-  CheckBox chkEnableAutoUpdaterNotifications{form, "chkEnableAutoUpdaterNotifications",
-                                             "Look for updates"};
+  CheckBox chkEnableAutoUpdaterNotifications{
+      form, "chkEnableAutoUpdaterNotifications",
+      "Notify me when updates, patches or new versions of Quarnel become available."};
   ComboBox cmbHours{form, "cmbHours"};
 
   OptionGroup onClose;

@@ -56,6 +56,25 @@ TEST(Mnemonics, EachCaptionHasALetterOfItsOwn) {
   EXPECT_EQ(letters, "Fcoinr-");
 }
 
+TEST_F(SimpleControls, CaptionReadsWithoutTheMarkOfItsKey) {
+  const std::pair<std::string_view, std::string_view> cases[] = {
+      {"&Apply", "Apply"}, {"N&o", "No"},  {"Browser && Startup", "Browser & Startup"},
+      {"a & b", "a & b"},  {"&&&C", "&C"}, {"&A&B", "A&B"},
+      {"end&", "end&"},    {"&", "&"},     {"", ""}};
+  Button button(form, "cmd");
+  for (const auto& [caption, text] : cases) {
+    button.SetCaption(caption);
+    EXPECT_EQ(button.ValueText(), text);
+    EXPECT_EQ(button.Property("caption"), text);
+    EXPECT_EQ(button.Caption(), caption);
+  }
+  // A label's text and a menu's are what they are.
+  Label label(form, "lbl", "R&D");
+  MenuItem item(form, "mnu", "&File");
+  EXPECT_EQ(label.ValueText(), "R&D");
+  EXPECT_EQ(item.ValueText(), "&File");
+}
+
 TEST_F(SimpleControls, OptionsAndCombosClickByUserOnly) {
   OptionGroup group;
   OptionButton first(form, "opt(0)", group), second(form, "opt(1)", group);
