@@ -3,9 +3,15 @@
 namespace quarnel {
 
 frmClose::frmClose(Services services) : Form(services.host, "frmClose"), s_(services) {
-  cmdYes.Click = [this] { SaveAnswer(Answer::kYes, true); };
-  cmdNo.Click = [this] { SaveAnswer(Answer::kNo, true); };
-  cmdCancel.Click = [this] { SaveAnswer(Answer::kCancel, false); };
+  const auto answers = [this](Button& button, Answer answer, bool withBox) {
+    button.Click = [this, label = button.Name() + "_Click of frmClose", answer, withBox] {
+      Reporting(s_.log, label, [&] { SaveAnswer(answer, withBox); });
+      Close(UnloadMode::kCode);
+    };
+  };
+  answers(cmdYes, Answer::kYes, true);
+  answers(cmdNo, Answer::kNo, true);
+  answers(cmdCancel, Answer::kCancel, false);
 }
 
 void frmClose::Form_Load() {
@@ -21,7 +27,6 @@ void frmClose::SaveAnswer(Answer answer, bool withBox) {
     s_.settings.Save(setting::kSkipMessages, std::to_string(chkSkipMessages.Value()));
   }
   s_.settings.Save(setting::kButton, std::to_string(static_cast<int>(answer)));
-  Close(UnloadMode::kCode);
 }
 
 }  // namespace quarnel

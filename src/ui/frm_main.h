@@ -143,6 +143,7 @@ class frmMain : public Form, private ScanSurroundings, private ScheduleSurroundi
   void ShowSplash();
   void RestConnectionTimers();
   void LoadFirstPage();
+  void ListDrives();
   void LoadSchedule() { scheduler_.LoadSchedule(); }
   void ShowTransferValues();
   void GetSettingOfFormMain();
@@ -154,6 +155,7 @@ class frmMain : public Form, private ScanSurroundings, private ScheduleSurroundi
   void LoadUpdateCheck();
   void BuildSummaryBalloons() { summaryLogic_.CreateBalloons(); }
   void AddToolNodes() { tools.AddNodes(); }
+  void BeginStartupBaseline() { bStartupBaselineDone_ = true; }
   void ShowNews();
   void RegisterTransferComponent();
   void EmptyResultTree();

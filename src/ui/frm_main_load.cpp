@@ -26,8 +26,9 @@ std::span<const frmMain::LoadStep> frmMain::LoadSteps() {
       {"splash", &frmMain::ShowSplash},
       {"tray icon of an earlier run", &frmMain::RemoveTrayIcon},
       {"connection timers at rest", &frmMain::RestConnectionTimers},
-      {"what earlier runs left, first page, drives", &frmMain::LoadFirstPage},
+      {"what earlier runs left, first page", &frmMain::LoadFirstPage},
       {"schedule", &frmMain::LoadSchedule},
+      {"drives", &frmMain::ListDrives},
       {"options", &frmMain::GetSettingOfFormMain},
       {"signature totals", &frmMain::ShowSignatureTotals},
       {"transfer values of the update", &frmMain::ShowTransferValues},
@@ -41,7 +42,7 @@ std::span<const frmMain::LoadStep> frmMain::LoadSteps() {
       {"balloons of the summary", &frmMain::BuildSummaryBalloons},
       {"nodes of the tools", &frmMain::AddToolNodes},
       {"browser helper objects", nullptr},
-      {"startup programs", nullptr},
+      {"startup programs", &frmMain::BeginStartupBaseline},
       {"news page", &frmMain::ShowNews},
       {"transfer component", &frmMain::RegisterTransferComponent},
       {"empty result tree", &frmMain::EmptyResultTree},
@@ -120,11 +121,12 @@ void frmMain::LoadFirstPage() {
   DeleteOldExe(s_.platform.files(), s_.platform.machine());
   ClearLeftovers(s_.platform.files(), s_.platform.machine());
   ChangePicOnTabClicked({.scan = true});
-  GetAllHardDrives(scan, flags_, s_.platform.machine(), s_.log);
 }
 
+void frmMain::ListDrives() { GetAllHardDrives(scan, flags_, s_.platform.machine(), s_.log); }
+
 void frmMain::GetSettingOfFormMain() {
-  Reporting(s_.log, "GetSettingOfFormMain in frmMain", [&] { optionLogic_.Load(); });
+  optionLogic_.Load();
   if (s_.settings.GetOther(setting::kShowScreen) == "YES") {
     forms_.splash->tmrUnload.SetEnabled(false);
     forms_.splash.Unload();

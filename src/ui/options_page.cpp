@@ -42,7 +42,8 @@ void Options::ReportFailures() {
        page.chkReportLorrimesh, page.chkRunAtStartup, page.chkMinimizeToTrayWindowAtStartup,
        page.chkEnableAutoUpdaterNotifications, page.cmbHours, page.optOnClose0, page.optOnClose1,
        page.optCloseOptions0, page.optCloseOptions1, page.optCloseOptions2, page.optShowAlways,
-       page.optCloseAllIEAndDonotShowIfFuture, page.optSkipClosingAndDonotShow);
+       page.optCloseAllIEAndDonotShowIfFuture, page.optSkipClosingAndDonotShow, page.chkStrict,
+       u_.results.chkCreateRestore, u_.results.chkDoNotShowIgnoredItem);
 }
 
 void Options::WireScanOptions() {
@@ -151,8 +152,12 @@ void WriteRunValue(Registry& registry, Machine& machine, bool on) {
 
 void Options::Load() {
   OptionsPage& page = u_.page;
-  const auto loadState = [this](CheckBox& box, const SettingKey& setting) {
-    box.SetValue(ValLong(u_.settings.Get(setting)));
+  // A value that makes no sense costs its own option alone.
+  const auto load = [this](const Handler& option) {
+    Reporting(u_.log, "GetSettingOfFormMain in frmMain", option);
+  };
+  const auto loadState = [&](CheckBox& box, const SettingKey& setting) {
+    load([&] { box.SetValue(ValLong(u_.settings.Get(setting))); });
   };
   loadState(page.chkScanRegitry, setting::kScanRegistry);
   loadState(page.chkScanMemory, setting::kSweepMemory);
@@ -165,16 +170,20 @@ void Options::Load() {
   loadState(page.chkSelfDownloadingActivex, setting::kSheild);
   loading_ = false;
   // The one check state that is converted straight: text that is no number is an error.
-  page.chkReportLorrimesh.SetValue(
-      ToInteger(std::string_view(u_.settings.Get(setting::kReportLorrimesh))));
+  load([&] {
+    page.chkReportLorrimesh.SetValue(
+        ToInteger(std::string_view(u_.settings.Get(setting::kReportLorrimesh))));
+  });
   loadState(page.chkStrict, setting::kStrict);
   loadState(page.chkRunAtStartup, setting::kRunAtStartup);
   loadState(page.chkMinimizeToTrayWindowAtStartup, setting::kMinimizeAtStartup);
   page.chkMinimizeToTrayWindowAtStartup.SetEnabled(page.chkRunAtStartup.Checked());
 
-  u_.results.chkCreateRestore.SetValue(u_.settings.Get(setting::kRestorePoint) == "Yes" ? 1 : 0);
-  u_.results.chkDoNotShowIgnoredItem.SetValue(
-      u_.settings.Get(setting::kDoNotShowIgnoredItem) == "Yes" ? 1 : 0);
+  const auto loadYesNo = [&](CheckBox& box, const SettingKey& setting) {
+    load([&] { box.SetValue(u_.settings.Get(setting) == "Yes" ? 1 : 0); });
+  };
+  loadYesNo(u_.results.chkCreateRestore, setting::kRestorePoint);
+  loadYesNo(u_.results.chkDoNotShowIgnoredItem, setting::kDoNotShowIgnoredItem);
 
   page.onClose.Choose(u_.settings.Get(setting::kOnClose) == "Exit" ? 1 : 0);
   SynchroniseCloseOptions();
@@ -182,10 +191,12 @@ void Options::Load() {
       &setting::kShowAlways, &setting::kCloseAllIE, &setting::kSkipClosing};
   int chosen = 0;
   for (const SettingKey* choice : browserChoices) {
-    if (ToBoolean(u_.settings.Get(*choice))) page.closeBrowser.Choose(chosen);
+    load([&] {
+      if (ToBoolean(u_.settings.Get(*choice))) page.closeBrowser.Choose(chosen);
+    });
     ++chosen;
   }
-  LoadDriveTicks(u_.scan, u_.settings);
+  load([&] { LoadDriveTicks(u_.scan, u_.settings); });
   LoadLastUpdateLabel();
 }
 
@@ -197,9 +208,9 @@ void Options::LoadLastUpdateLabel() {
     label.SetCaption(setting::kProgramUpdated.fallback);
     return;
   }
-  if (const auto moment = ParseDate(stored)) {
-    label.SetCaption(FormatDate(*moment, "mmm dd, yyyy at hh:nn:ss AMPM"));
-  }
+  // What is no date, as written where dates look otherwise, is shown as it stands.
+  const auto moment = ParseDate(stored);
+  label.SetCaption(moment ? FormatDate(*moment, "mmm dd, yyyy at hh:nn:ss AMPM") : stored);
 }
 
 void Options::LoadUpdateOptions() {

@@ -40,13 +40,21 @@ TEST_F(ApplicationTest, FreshStoreComesUpWithItsDefaults) {
   EXPECT_TRUE(main.summary.imgSystemSummaryBigLogoRed.Visible());
 }
 
-TEST_F(ApplicationTest, TextsOfTheTrayComeUpUncheckedAndTheScanReadsThem) {
+TEST_F(ApplicationTest, TextsOfTheTrayAndTornOnesComeUpUnchecked) {
   settings.SaveSetting("OptionAndSettings", "optMemorySheildOn", "True");
   settings.SaveSetting("OptionAndSettings", "optLorrigrid", "no number");
-  settings.SaveSetting("Drives", "Drive C: Fixed Disk", "False");
+  settings.SaveSetting("OptionAndSettings", "chkScanRegistry", "7");
+  settings.SaveSetting("OptionAndSettings", "ShowAlways", "perhaps");
+  settings.SaveSetting("OptionAndSettings", "QNLExe.zip", "05.03.2024 14:30:00");
+  settings.SaveSetting("OptionAndSettings", "chkStrict", "1");
   frmMain& main = Start();
   EXPECT_EQ(main.options.chkMemorySheild.Value(), 0);
   EXPECT_EQ(main.options.chkReportLorrimesh.Value(), 0);
+  EXPECT_EQ(main.options.chkScanRegitry.Value(), 0);
+  // A value that makes no sense costs its own option alone, and a foreign date stands as it is.
+  EXPECT_EQ(main.options.chkStrict.Value(), 1);
+  EXPECT_TRUE(main.scan.lvwHardDrives.At(0).checked);
+  EXPECT_EQ(main.summary.rows[4].lblSystemSummaryValue.Caption(), "05.03.2024 14:30:00");
   EXPECT_THAT(ReadWholeFile(files(), DataFolder(machine()) + "Quarnel_ErrLogFile.txt"),
               HasSubstr("Type mismatch"));
 }
