@@ -15,6 +15,13 @@ constexpr int kStepUp = 200;
 
 enum Picture { kOff = 1, kOn = 2 };
 
+// What is no word for on or off reads as off, so that a click can put it right.
+bool IsOn(const std::string& stored) {
+  bool on = false;
+  IgnoringErrors([&] { on = ToBoolean(stored); });
+  return on;
+}
+
 }  // namespace
 
 frmMenuPopUp::frmMenuPopUp(Services services, frmMain& main)
@@ -55,10 +62,15 @@ void frmMenuPopUp::WireRows() {
   Wire(mnuCookieSheild, "mnuCookieSheild", [this] { TurnOver(cookies_); });
   Wire(mnuRunAtStartup, "mnuRunAtStartup", [this] { mnuRunAtStartup_Click(); });
   Wire(mnuMemorySheild, "mnuMemorySheild", [this] { mnuMemorySheild_Click(); });
-  Wire(mnuHelp, "mnuHelp", [this] { OpenMakerPage(s_, maker_page::kQuestions); });
-  Wire(mnuAbout, "mnuAbout", [this] { OpenMakerPage(s_, maker_page::kAbout); });
-  Wire(mnuReferAFriend, "mnuReferAFriend",
-       [this] { OpenMakerPage(s_, maker_page::kReferAFriend); });
+  const auto opens = [this](MenuItem& row, std::string_view label, std::string_view page) {
+    Wire(row, label, [this, page] {
+      Done();
+      OpenMakerPage(s_, page);
+    });
+  };
+  opens(mnuHelp, "mnuHelp", maker_page::kQuestions);
+  opens(mnuAbout, "mnuAbout", maker_page::kAbout);
+  opens(mnuReferAFriend, "mnuReferAFriend", maker_page::kReferAFriend);
   Wire(mnuClose, "mnuClose", [this] { mnuClose_Click(); });
   Wire(lblMenuClose, "lblMenuClose", [this] { Done(); });
 }
@@ -121,13 +133,13 @@ void frmMenuPopUp::Highlight(const MenuItem* row) {
 }
 
 void frmMenuPopUp::Paint(const Toggle& toggle) {
-  const bool on = ToBoolean(s_.settings.GetOther(toggle.setting));
+  const bool on = IsOn(s_.settings.GetOther(toggle.setting));
   toggle.picture.SetPicture(on ? kOn : kOff);
   toggle.label.SetCaption(on ? "on" : "off");
 }
 
 bool frmMenuPopUp::TurnOver(const Toggle& toggle) {
-  const bool on = !ToBoolean(s_.settings.GetForToggle(toggle.setting));
+  const bool on = !IsOn(s_.settings.GetForToggle(toggle.setting));
   s_.settings.Save(toggle.setting, BooleanText(on));
   Paint(toggle);
   return on;
@@ -172,8 +184,7 @@ void frmMenuPopUp::mnuClose_Click() {
   if (answer == Answer::kYes) return main_.EndProgram();
   main_.Minimise();
   main_.SetTrayToolTip();
-  main_.timers.tmrMemoryInspected.SetEnabled(
-      ToBoolean(s_.settings.GetOther(setting::kMemorySheildOn)));
+  main_.timers.tmrMemoryInspected.SetEnabled(IsOn(s_.settings.GetOther(setting::kMemorySheildOn)));
   Done();
 }
 

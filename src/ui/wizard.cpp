@@ -28,8 +28,8 @@ void RunWizard(Forms& forms) {
     pages[page]().ShowModal();
     if (action == wizard_action::kNext || action == wizard_action::kSkip) {
       ++page;
-    } else if (action == wizard_action::kBack && page > 0) {
-      --page;
+    } else if (action == wizard_action::kBack) {
+      page -= page > 0 ? 1 : 0;
     } else {
       break;
     }

@@ -146,6 +146,19 @@ TEST_F(MenuTest, ToggleOfAnAbsentSettingStartsFromItsOwnFallback) {
   EXPECT_EQ(Stored("chkScanCookies"), "True");
 }
 
+TEST_F(MenuTest, TornSettingReadsAsOffAndCanBePutRight) {
+  Start();
+  for (const std::string_view torn : {"", "maybe", "\xFF\xFE", "99999999999999999999x"}) {
+    settings.SaveSetting("OptionAndSettings", "optMemorySheildOn", torn);
+    frmMenuPopUp& menu = OpenMenu(application->MainForm());
+    EXPECT_TRUE(menu.Visible());
+    EXPECT_EQ(menu.lblMenuMemorySheild.Caption(), "off");
+    menu.mnuMemorySheild.ClickByUser();
+    EXPECT_EQ(Stored("optMemorySheildOn"), "True");
+    menu.lblMenuClose.ClickByUser();
+  }
+}
+
 TEST_F(MenuTest, RowsOpenTheWindowAndScan) {
   frmMain& main = Start();
   main.HideToTray();
