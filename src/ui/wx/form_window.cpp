@@ -142,8 +142,7 @@ void FormWindow::BindWindow() {
     });
   });
   window_->Bind(wxEVT_CHAR_HOOK, [this](wxKeyEvent& event) {
-    const int key = event.GetKeyCode();
-    const std::string_view name = key == WXK_ESCAPE ? layout_.cancelButton : std::string_view();
+    const std::string_view name = ButtonFor(event.GetKeyCode());
     Control* control = name.empty() || form_ == nullptr ? nullptr : form_->Find(name);
     if (control == nullptr || !control->Visible() || !control->Enabled()) {
       event.Skip();
@@ -151,6 +150,17 @@ void FormWindow::BindWindow() {
     }
     front_.run([control] { control->ClickByUser(); });
   });
+}
+
+std::string_view FormWindow::ButtonFor(int key) const {
+  if (key == WXK_ESCAPE) return layout_.cancelButton;
+  if (key != WXK_RETURN && key != WXK_NUMPAD_ENTER) return {};
+  // The toolkit sees to what else may have the keyboard.
+  const wxWindow* focused = wxWindow::FindFocus();
+  const bool list =
+      focused != nullptr && (dynamic_cast<const wxListCtrl*>(focused) != nullptr ||
+                             dynamic_cast<const wxListCtrl*>(focused->GetParent()) != nullptr);
+  return list ? layout_.defaultButton : std::string_view();
 }
 
 bool FormWindow::IsField(const Layout& layout) const {
@@ -284,7 +294,7 @@ wxWindow* FormWindow::BuildLeaf(wxWindow* parent, const Layout& layout) {
   if (control == nullptr) return nullptr;
   std::unique_ptr<Binding> binding = Bind(parent, *control, layout, front_);
   if (!binding) return nullptr;
-  BindContextMenu(*binding->Widget(), *form_, layout, front_);
+  BindContextMenu(*binding, *form_, layout, front_);
   BindDrag(*control, *binding->Widget());
   wxWindow* widget = binding->Widget();
   if (layout_.defaultButton == layout.name) {
@@ -360,12 +370,26 @@ void FormWindow::SyncContent() {
   page_->Layout();
   for (const Condition& condition : conditions_) condition.box->Layout();
   if (shown_ && layout_.kind == WindowKind::kDialog) window_->Fit();
+  PassKeyboard();
 }
 
 bool FormWindow::Condition::Holds() const {
   return std::all_of(controls.begin(), controls.end(), [](const auto& control) {
     return control.first->Visible() == control.second;
   });
+}
+
+void FormWindow::PassKeyboard() {
+  const Binding* place = nullptr;
+  for (const std::string_view name : layout_.keyboard) {
+    const Binding* binding = Find(name);
+    if (binding != nullptr && ShowsInItsWindow(*binding->Widget())) place = binding;
+  }
+  const bool isNew = place != keyboardPlace_;
+  keyboardPlace_ = place;
+  if (place == nullptr || !window_->IsActive()) return;
+  const wxWindow* focused = wxWindow::FindFocus();
+  if (isNew || focused == nullptr || !ShowsInItsWindow(*focused)) place->Widget()->SetFocus();
 }
 
 bool FormWindow::SyncConditions() {

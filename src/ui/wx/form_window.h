@@ -71,6 +71,8 @@ class FormWindow {
   void FillGrid(wxWindow* parent, wxSizer& outer, const Layout& layout);
   void AddRest(wxWindow* parent, GapBox& box);
   wxWindow* BuildLeaf(wxWindow* parent, const Layout& layout);
+  // The button that this key stands for; empty when it stands for none.
+  std::string_view ButtonFor(int key) const;
   // Whether the leaf uses any room that it gets.
   bool IsField(const Layout& layout) const;
   void CollectNames(const Layout& layout);
@@ -78,6 +80,7 @@ class FormWindow {
   void SyncWindow();
   void SyncMenus();
   void ShareKeys();
+  void PassKeyboard();
   bool SyncConditions();
   void SyncState();
   void BindDrag(Control& control, wxWindow& widget);
@@ -92,6 +95,8 @@ class FormWindow {
   std::vector<Menu> menus_;
   std::vector<std::string> menuTitles_;
   std::vector<Keyed> keyed_;
+  // The one on the screen of those that take the keyboard.
+  const Binding* keyboardPlace_ = nullptr;
   std::vector<std::string> named_;
   // Of the form as the window shows it.
   uint64_t revision_ = ~uint64_t{0};

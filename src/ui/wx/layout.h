@@ -124,6 +124,8 @@ struct FormLayout {
   // The buttons that Enter and Escape stand for.
   std::string_view defaultButton = {};
   std::string_view cancelButton = {};
+  // These take the keyboard when they come onto the screen, and from what leaves it.
+  std::vector<std::string_view> keyboard = {};
   // Controls that the window shows in another way or not at all: working memory, counterparts of a
   // control that is shown.
   std::vector<std::string_view> behind = {};

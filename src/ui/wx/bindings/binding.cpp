@@ -107,7 +107,8 @@ std::string NameInWords(const Control& control, const Layout& layout) {
   return words;
 }
 
-void BindContextMenu(wxWindow& widget, const Form& form, const Layout& layout, const Front& front) {
+void BindContextMenu(const Binding& binding, const Form& form, const Layout& layout,
+                     const Front& front) {
   if (layout.menu.empty()) return;
   struct Entry {
     Control* control;
@@ -117,7 +118,7 @@ void BindContextMenu(wxWindow& widget, const Form& form, const Layout& layout, c
   for (const auto& [name, text] : layout.menu) {
     if (Control* control = form.Find(name)) entries.push_back({control, ToWx(text)});
   }
-  const auto open = [&widget, &front, entries](wxEvent&) {
+  const auto open = [&binding, &front, entries](wxEvent& event) {
     wxMenu menu;
     for (const Entry& entry : entries) {
       wxMenuItem* item = menu.Append(wxID_ANY, entry.text);
@@ -129,8 +130,11 @@ void BindContextMenu(wxWindow& widget, const Form& form, const Layout& layout, c
           },
           item->GetId());
     }
-    widget.PopupMenu(&menu);
+    const auto* asked = dynamic_cast<wxContextMenuEvent*>(&event);
+    const bool byKey = asked != nullptr && asked->GetPosition() == wxDefaultPosition;
+    binding.Widget()->PopupMenu(&menu, byKey ? binding.MenuPlace() : wxDefaultPosition);
   };
+  wxWindow& widget = *binding.Widget();
   widget.Bind(wxEVT_DATAVIEW_ITEM_CONTEXT_MENU, open);
   widget.Bind(wxEVT_CONTEXT_MENU, open);
 }

@@ -42,6 +42,9 @@ class Binding {
   // Gives the caption another letter: its position, or CaptionText::kNone.
   void SetKey(size_t key);
 
+  // Where a menu opens that the keyboard asks for, within the widget.
+  virtual wxPoint MenuPlace() const { return wxPoint() + widget_->GetClientSize() / 2; }
+
   // What a screen reader says for the widget.
   std::string AccessibleName() const;
   // What the widget shows, read back from it, in the form of the control's ValueText.
@@ -100,7 +103,9 @@ std::unique_ptr<Binding> BindTree(wxWindow* parent, Control& control, const Layo
 // name in words ("lvwHardDrives" is "Hard Drives").
 std::string NameInWords(const Control& control, const Layout& layout);
 
-// Opens the context menu that the layout gives the widget: each entry clicks a control of the form.
-void BindContextMenu(wxWindow& widget, const Form& form, const Layout& layout, const Front& front);
+// Opens the context menu that the layout gives the binding: each entry clicks a control of the
+// form.
+void BindContextMenu(const Binding& binding, const Form& form, const Layout& layout,
+                     const Front& front);
 
 }  // namespace quarnel

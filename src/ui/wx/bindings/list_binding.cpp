@@ -61,6 +61,11 @@ class ListBinding : public Binding {
       if (selecting_ || list_.At(row).selected) return;
       Act([this, row] { list_.SelectByUser(row); });
     });
+    widget_->Bind(wxEVT_SET_FOCUS, [this](wxFocusEvent& event) {
+      event.Skip();
+      // After the click that may have brought the keyboard here, and chosen a row.
+      widget_->CallAfter([this] { SelectOne(); });
+    });
     OnResize(*widget_, [this] { FitColumns(); });
     Attach(widget_, NameInWords(list, layout));
   }
@@ -101,6 +106,11 @@ class ListBinding : public Binding {
     std::stable_sort(order_.begin(), order_.end(), [&](size_t left, size_t right) {
       return ascending_ ? text(left) < text(right) : text(right) < text(left);
     });
+  }
+  // A user at the keyboard sees which row the list's buttons are about.
+  void SelectOne() {
+    if (list_.Empty() || list_.SelectedRow() || !widget_->HasFocus()) return;
+    Act([this] { list_.SelectByUser(RowAt(0)); });
   }
   void ShowSelection() {
     const std::optional<size_t> selected = list_.SelectedRow();

@@ -46,6 +46,13 @@ class TreeBinding : public Binding {
   }
 
   std::string Shown() const override { return std::to_string(model_->Count()); }
+  // Under the text of the selected row.
+  wxPoint MenuPlace() const override {
+    const wxDataViewItem selected = widget_->GetSelection();
+    if (!selected.IsOk()) return Binding::MenuPlace();
+    const wxRect row = widget_->GetItemRect(selected, widget_->GetColumn(0));
+    return row.IsEmpty() ? Binding::MenuPlace() : row.GetBottomLeft();
+  }
 
  protected:
   bool Update() override {
@@ -95,6 +102,8 @@ class TreeBinding : public Binding {
       } else {
         renderer = new wxDataViewIconTextRenderer();
       }
+      // Of a long path the end tells more than what follows its beginning.
+      renderer->EnableEllipsize(wxELLIPSIZE_MIDDLE);
       widget_->AppendColumn(new wxDataViewColumn(
           ToWx(headers_[i]), renderer, i, metrics::Scaled(*widget_, width), wxALIGN_LEFT, kFlags));
     }

@@ -350,6 +350,7 @@ FormLayout MainLayout() {
                 {"mnuOption", {"mnuOConfiguration"}},
                 {"mnuTools", {"mnuTDefender", "mnuTSchedule", "mnuTLiveUpdate"}},
                 {"mnuHelp", {"mnuOnlineHelp", "", "mnuHAbout"}}},
+      .keyboard = {"vbatvwResults", "cmdFinish"},
       .behind = {"sfttvwResults", "lvwFilesToBeDeleted", "lvwRegistryEntriesFound",
                  "lvwTrackingCookieObjectrecognized", "lvwFileNotFounds", "lvwBlockedCookies",
                  "lvwIgnoredSpywares", "lvwRegBackup", "cmdIgnoredProcesses", "cmdViewResults",
