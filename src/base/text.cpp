@@ -249,6 +249,14 @@ bool ToBoolean(std::string_view text) {
   return WholeNumber(text) != 0;
 }
 
+bool ToBooleanOr(std::string_view text, bool otherwise) {
+  try {
+    return ToBoolean(text);
+  } catch (const RuntimeError&) {
+    return otherwise;
+  }
+}
+
 std::string_view BooleanText(bool value) { return value ? "True" : "False"; }
 
 std::string SingleText(float value) {

@@ -58,6 +58,9 @@ int32_t ToLong(double value);
 // "True" and "False" in any case, or a number (0 is false); anything else is kTypeMismatch.
 bool ToBoolean(std::string_view text);
 
+// The same, with `otherwise` for a text that is neither: a torn setting must stop nothing.
+bool ToBooleanOr(std::string_view text, bool otherwise);
+
 // "True" or "False".
 std::string_view BooleanText(bool value);
 

@@ -131,8 +131,12 @@ void Removal::PropagateTicks() {
 }
 
 void Removal::CloseBrowsers() {
-  if (ToBoolean(u_.settings.GetOther(setting::kShowAlways))) surroundings_.askToCloseBrowser();
-  if (ToBoolean(u_.settings.GetOther(setting::kCloseAllIE))) CloseBrowserWindows(u_.desktop);
+  // Where nobody can tell what was chosen, the user is asked, and nothing is closed unasked.
+  const auto chosen = [this](const SettingKey& option, bool otherwise) {
+    return ToBooleanOr(u_.settings.GetOther(option), otherwise);
+  };
+  if (chosen(setting::kShowAlways, true)) surroundings_.askToCloseBrowser();
+  if (chosen(setting::kCloseAllIE, false)) CloseBrowserWindows(u_.desktop);
 }
 
 // Files are not tied to their threat: the first turn handles them all, and the later ones find

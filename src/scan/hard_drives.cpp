@@ -35,7 +35,7 @@ void LoadDriveTicks(ScanPage& page, const Settings& settings) {
   for (size_t i = 0; i < page.lvwHardDrives.Count(); ++i) {
     const ListRow& row = page.lvwHardDrives.At(i);
     const SettingKey setting = setting::kDrive.Named(row.text);
-    const bool stored = ToBoolean(settings.Get(setting));
+    const bool stored = ToBooleanOr(settings.Get(setting), false);
     const bool absent = settings.GetOther(setting) == setting.otherFallback;
     const bool isSystemDrive = EqualText(row.key, "C");
     page.lvwHardDrives.SetChecked(i, stored || (absent && isSystemDrive));

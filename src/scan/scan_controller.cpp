@@ -1,5 +1,6 @@
 #include "scan/scan_controller.h"
 
+#include <algorithm>
 #include <array>
 
 #include "base/text.h"
@@ -83,7 +84,7 @@ void ScanController::ImgStartScanMouseMove_Click() {
     u_.page.lblStatus.SetVisible(false);
     if (const std::string_view total = Trim(u_.page.lblTotalNoOfSignature.Caption());
         total != "0") {
-      u_.page.pbgMain.SetMax(Val(total));
+      ShowMaximum(Val(total));
     }
     const DateTime start = u_.host.clock().Now();
     const std::string historyKey = SingleText(static_cast<float>(SecondsOfDay(start)));
@@ -198,14 +199,24 @@ bool ScanController::Present(std::string_view signatureFile) {
   return SignaturePresent(u_.files, u_.machine, signatureFile);
 }
 
+// A torn option must not make a scan find less.
+bool ScanController::IsOn(const SettingKey& option) {
+  return ToBooleanOr(settings_.GetOther(option), true);
+}
+
 // The bar's maximum is what the file's first line says, whatever it holds.
 void ScanController::MeasureBy(std::string_view signatureFile) {
-  u_.page.pbgMain.SetMax(GetSignatureCount(u_.files, u_.machine, signatureFile));
+  ShowMaximum(GetSignatureCount(u_.files, u_.machine, signatureFile));
+}
+
+// A number below zero is torn, and no reason to end a scan.
+void ScanController::ShowMaximum(double maximum) {
+  u_.page.pbgMain.SetMax(std::max(maximum, u_.page.pbgMain.Min()));
 }
 
 void ScanController::CookiePhase() {
   u_.page.form.Refresh();
-  if (!ToBoolean(settings_.GetOther(setting::kScanCookies))) return;
+  if (!IsOn(setting::kScanCookies)) return;
   u_.page.lblStatus.SetCaption("Scanning Cookies...");
   u_.page.lblPercentageCompleted.SetCaption("Scanning Cookies...         ");
   if (Present(signature_file::kBlockedCookies)) {
@@ -217,7 +228,7 @@ void ScanController::CookiePhase() {
 
 void ScanController::MemoryPhase() {
   NextPhase("Scanning Memory - 0% Completed");
-  if (!ToBoolean(settings_.GetOther(setting::kSweepMemory))) return;
+  if (!IsOn(setting::kSweepMemory)) return;
   u_.page.lblStatus.SetCaption("Inspecting memory...");
   if (!Present(signature_file::kPrograms)) return;
   MeasureBy(signature_file::kPrograms);
@@ -235,7 +246,7 @@ void ScanController::MemoryPhase() {
 
 void ScanController::RegistryPhase() {
   NextPhase("Scanning Registry - 0% Completed");
-  if (!ToBoolean(settings_.GetOther(setting::kScanRegistry))) return;
+  if (!IsOn(setting::kScanRegistry)) return;
   if (!Present(signature_file::kRegistry)) return;
   MeasureBy(signature_file::kRegistry);
   phases_.registry.ScanRegistry();
@@ -276,7 +287,8 @@ void ScanController::StartScanning() {
          {&ScanController::CookiePhase, &ScanController::MemoryPhase,
           &ScanController::RegistryPhase, &ScanController::FilePhase, &ScanController::DeepPhase}) {
       if (u_.flags.scanStopRequested) return;
-      (this->*phase)();
+      // A failure ends its own phase only.
+      Reporting(u_.log, "StartScanning in frmMain", [&] { (this->*phase)(); });
     }
     if (!u_.flags.scanStopRequested) EndPhases();
   });

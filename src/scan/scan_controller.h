@@ -73,6 +73,8 @@ class ScanController {
   void DeepPhase();
   void EndPhases();
   void NextPhase(std::string_view caption);
+  void ShowMaximum(double maximum);
+  bool IsOn(const SettingKey& option);
   bool Present(std::string_view signatureFile);
   void MeasureBy(std::string_view signatureFile);
 

@@ -1,5 +1,6 @@
 #include "ui/application.h"
 
+#include "base/runtime_error.h"
 #include "core/product.h"
 #include "core/startup.h"
 #include "ui/wizard.h"
@@ -18,7 +19,8 @@ bool Application::Main() {
   settings_.ResetRegistrySettings();
   if (options_.runWizard && IsFirstStart(settings_)) {
     platform_.desktop().Announce(kWindowClass, WizardCaption(settings_));
-    RunWizard(forms_);
+    // The program is there without it, too.
+    IgnoringErrors([&] { RunWizard(forms_); });
   }
   platform_.desktop().Announce(kWindowClass, MainCaption(settings_));
   MainForm().Show();

@@ -51,12 +51,11 @@ std::span<const frmMain::LoadStep> frmMain::LoadSteps() {
 }
 
 void frmMain::Form_Load() {
-  Reporting(s_.log, "Form_Load of frmMain", [&] {
-    SetTag(kDoNotShow);
-    for (const LoadStep& step : LoadSteps()) {
-      if (step.run) (this->*step.run)();
-    }
-  });
+  SetTag(kDoNotShow);
+  for (const LoadStep& step : LoadSteps()) {
+    // A step that fails must not take those behind it from the user.
+    if (step.run) Reporting(s_.log, "Form_Load of frmMain", [&] { (this->*step.run)(); });
+  }
 }
 
 void frmMain::LayPages() {

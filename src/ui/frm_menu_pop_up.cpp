@@ -16,11 +16,7 @@ constexpr int kStepUp = 200;
 enum Picture { kOff = 1, kOn = 2 };
 
 // What is no word for on or off reads as off, so that a click can put it right.
-bool IsOn(const std::string& stored) {
-  bool on = false;
-  IgnoringErrors([&] { on = ToBoolean(stored); });
-  return on;
-}
+bool IsOn(const std::string& stored) { return ToBooleanOr(stored, false); }
 
 }  // namespace
 

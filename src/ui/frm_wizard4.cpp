@@ -23,7 +23,7 @@ void frmWizard4::Form_Load() {
   WizardPage::Form_Load();
   // Here the scan is on unless the store says otherwise.
   constexpr SettingKey kKey = setting::kAutomaticScan;
-  chkScanSchedule.SetValue(ValLong(settings().GetSetting(kKey.section, kKey.key, "1")));
+  chkScanSchedule.SetValue(Val(settings().GetSetting(kKey.section, kKey.key, "1")) == 1 ? 1 : 0);
 }
 
 void frmWizard4::SaveSchedule() {

@@ -191,12 +191,10 @@ void Options::Load() {
       &setting::kShowAlways, &setting::kCloseAllIE, &setting::kSkipClosing};
   int chosen = 0;
   for (const SettingKey* choice : browserChoices) {
-    load([&] {
-      if (ToBoolean(u_.settings.Get(*choice))) page.closeBrowser.Choose(chosen);
-    });
+    if (ToBooleanOr(u_.settings.Get(*choice), false)) page.closeBrowser.Choose(chosen);
     ++chosen;
   }
-  load([&] { LoadDriveTicks(u_.scan, u_.settings); });
+  LoadDriveTicks(u_.scan, u_.settings);
   LoadLastUpdateLabel();
 }
 
@@ -215,7 +213,8 @@ void Options::LoadLastUpdateLabel() {
 
 void Options::LoadUpdateOptions() {
   OptionsPage& page = u_.page;
-  page.cmbHours.SetListIndex(ValLong(u_.settings.Get(setting::kAfterHours)));
+  Reporting(u_.log, "Form_Load of frmMain",
+            [&] { page.cmbHours.SetListIndex(ValLong(u_.settings.Get(setting::kAfterHours))); });
   const bool on = u_.settings.Get(setting::kNotification) == "Yes";
   page.chkEnableAutoUpdaterNotifications.SetValue(on ? 1 : 0);
   effects_.switchUpdateTimer(on);

@@ -67,6 +67,7 @@ TEST(Text, ConversionsRefuse) {
     EXPECT_EQ(numberOf([&] { ToInteger(text); }), c.integer) << text;
     EXPECT_EQ(numberOf([&] { ToLong(text); }), c.whole) << text;
     EXPECT_EQ(numberOf([&] { ToBoolean(text); }), c.boolean) << text;
+    EXPECT_EQ(ToBooleanOr(text, true) != ToBooleanOr(text, false), c.boolean != 0) << text;
   }
   EXPECT_THROW(ToLong(std::nan("")), RuntimeError);
 }

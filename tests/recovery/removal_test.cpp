@@ -307,7 +307,8 @@ TEST_F(RemovalTest, CookiesGoEveryOtherRowAtATime) {
 TEST_F(RemovalTest, AnErrorOnTheWayEndsItWithAReport) {
   AddFile("a.txt");
   TickAll();
-  settings.SaveSetting("OptionAndSettings", "ShowAlways", "perhaps");
+  resultsPage.chkCreateRestore.SetValue(1);
+  onBackup = [] { throw RuntimeError(ErrorNumber::kTypeMismatch); };
   removal.cmdRemoveSpywares_Click();
   EXPECT_TRUE(Exists(Path("a.txt")));
   EXPECT_THAT(LogText(), HasSubstr("cmdRemoveSpywares_Click in frmMain"));
@@ -320,7 +321,7 @@ TEST_F(RemovalTest, AsksAboutBrowsersByTheSettings) {
     const char* always;
     bool asks;
   };
-  for (const Case& c : {Case{"True", true}, Case{"False", false}}) {
+  for (const Case& c : {Case{"True", true}, Case{"False", false}, Case{"perhaps", true}}) {
     asked.clear();
     AddFile("a.txt");
     TickAll();

@@ -104,6 +104,34 @@ TEST_F(ApplicationTest, CleanMachineIsCongratulatedOnce) {
   EXPECT_TRUE(main.summary.picSummary.Visible());
 }
 
+TEST_F(ApplicationTest, TornOptionsAndCountsHideNothing) {
+  for (const std::string_view option : {"chkScanCookies", "chkSweepMemory", "chkScanRegistry"}) {
+    settings.SaveSetting("OptionAndSettings", option, "perhaps");
+  }
+  for (const std::string_view name : {"QNLFSig.dll", "QNLESig.dll", "QNLRSig.dll"}) {
+    const std::string path = DataFolder(machine()) + std::string(name);
+    const std::string text = ReadWholeFile(files(), path);
+    WriteWholeFile(files(), path, "-70000" + text.substr(text.find('\r')));
+  }
+  frmMain& main = Start();
+  EXPECT_EQ(main.scan.lblTotalNoOfSignature.Caption(), "-210000");
+  main.scan.ImgStartScanMouseMove.ClickByUser();
+  EXPECT_EQ(main.results.lvwFilesToBeDeleted.Count(), 1U);
+  EXPECT_FALSE(ScanRuns(main.scan));
+  EXPECT_THAT(Messages(), IsEmpty());
+}
+
+TEST_F(ApplicationTest, StartGoesOnBehindASettingThatStopsAStep) {
+  settings.SaveSetting("ScanTime", "Start", "05.03.2024 14:30:00");
+  settings.SaveSetting("LiveUpdate", "AfterHours", "99");
+  frmMain& main = Start();
+  EXPECT_EQ(main.summary.rows[0].lblSystemSummaryValue.Caption(), "");
+  EXPECT_TRUE(main.options.chkEnableAutoUpdaterNotifications.Checked());
+  EXPECT_EQ(main.tools.tvwAdvancedTools.Count(), 2U);
+  main.scan.ImgStartScanMouseMove.ClickByUser();
+  EXPECT_EQ(main.summary.rows[0].lblSystemSummaryValue.Caption(), "Mar 05, 2024 at 2:30:00 PM");
+}
+
 TEST_F(RunningScanTest, UsersStopAsks) {
   frmMain& main = Start();
   const auto pressStop = [&] {
