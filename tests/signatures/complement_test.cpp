@@ -15,10 +15,9 @@ class ComplementTest : public SignatureFolderTest {
     ComplementFile({files(), host_, log_, "Product"}, source, target);
   }
   std::string Transformed(std::string_view source, std::string_view before) {
-    Put("source", source);
-    Put("target", before);
-    Transform(Path("source"), Path("target"));
-    return ReadWholeFile(files(), Path("target"));
+    const std::string target = Make("target", before);
+    Transform(Make("source", source), target);
+    return Read(target);
   }
 
   TestHost host_;
@@ -61,24 +60,23 @@ TEST_F(ComplementTest, PiecesOfALargeFileMeet) {
 }
 
 TEST_F(ComplementTest, TellsOfMissingNames) {
-  Put("source", "x");
-  Transform("", Path("target"));
-  Transform(Path("missing"), Path("target"));
-  Transform(Path("source"), "  ");
+  const std::string missing = Path("missing"), target = Path("target");
+  Transform("", target);
+  Transform(missing, target);
+  Transform(Make("source"), "  ");
   ASSERT_EQ(host_.messages.size(), 3U);
   EXPECT_EQ(host_.messages[0].text, "Source file  not found.");
-  EXPECT_EQ(host_.messages[1].text, "Source file " + Path("missing") + " not found.");
+  EXPECT_EQ(host_.messages[1].text, "Source file " + missing + " not found.");
   EXPECT_EQ(host_.messages[2].text, "Specify the name of the target file.");
   EXPECT_EQ(host_.messages[2].icon, MessageIcon::kCritical);
   EXPECT_EQ(host_.messages[2].title, "Product");
-  EXPECT_FALSE(files().Stat(Path("target")));
+  EXPECT_FALSE(Exists(target));
 }
 
 TEST_F(ComplementTest, OtherFailuresAreLogged) {
-  Put("source", "x");
-  Transform(Path("source"), Path("no folder\\target"));
+  Transform(Make("source"), Path("no folder\\target"));
   EXPECT_TRUE(host_.messages.empty());
-  EXPECT_NE(ReadWholeFile(files(), log_.Path()).find("DecompressFile"), std::string::npos);
+  EXPECT_NE(Read(log_.Path()).find("DecompressFile"), std::string::npos);
 }
 
 }  // namespace

@@ -1,7 +1,6 @@
 #include "signatures/hash_index.h"
 
 #include <random>
-#include <set>
 
 #include "base/text.h"
 #include "signatures/cipher.h"
@@ -84,7 +83,7 @@ TEST_F(HashIndexTest, LoadsTheTextThatLoadSignaturesGives) {
     if (round % 3 == 1) bytes += Encrypt("a last line without its end");
     // A line of another form makes places differ between file and text.
     if (round > 4) bytes += random() % 2 == 0 ? "\nx\r\n" : "x\ry\r\n";
-    Put("QNLESig.dll", bytes);
+    Make("QNLESig.dll", bytes);
     const std::string text = LoadSignatures(files(), machine_, signature_file::kPrograms);
     for (const size_t workers : {1U, 2U, 5U}) {
       const HashIndex index =
@@ -105,7 +104,7 @@ TEST_F(HashIndexTest, StopsWhenItIsTold) {
   for (int line = 0; line < 60'000; ++line) bytes += Encrypt(RandomLine(random)) + "\r\n";
   // The second is read line by line, which begins anew.
   for (const std::string_view end : {"", "\nx\r\n"}) {
-    Put("QNLESig.dll", bytes + std::string(end));
+    Make("QNLESig.dll", bytes + std::string(end));
     for (const size_t workers : {1U, 2U}) {
       const auto askedUntil = [&](size_t last) {
         size_t asked = 0;
@@ -126,9 +125,9 @@ TEST_F(HashIndexTest, StopsWhenItIsTold) {
 TEST_F(HashIndexTest, HostileFiles) {
   const auto load = [&] { return HashIndex::Load(files(), machine_, signature_file::kPrograms); };
   EXPECT_EQ(ErrorOf(load), ErrorNumber::kFileNotFound);
-  Put("QNLESig.dll", "");
+  Make("QNLESig.dll", "");
   EXPECT_EQ(load().Text(), "");
-  Put("QNLESig.dll", "2\r\n" + std::string(5'000'000, 'x') + "\r\n");
+  Make("QNLESig.dll", "2\r\n" + std::string(5'000'000, 'x') + "\r\n");
   EXPECT_EQ(ErrorOf(load), ErrorNumber::kOverflow);
   // All the same hash, and a text of nothing but digits.
   std::string same;

@@ -75,7 +75,7 @@ TEST_F(SignatureFilesTest, PresenceOfTheWholeSet) {
                                   "QNLRSig.dll",   "QNLList.dll", "QNLCritProc.dll"};
   for (const std::string_view name : set) {
     EXPECT_FALSE(present()) << "before " << name;
-    Put(ToUpper(name), "");
+    Make(ToUpper(name), "");
   }
   EXPECT_TRUE(present());
   files().Delete(Path("QNLCritProc.dll"));
@@ -89,7 +89,7 @@ TEST_F(SignatureFilesTest, CountIsTheFirstLinesNumber) {
       {"text", 0}, {" 1 2 z", 12},      {"-3\nx", -3}, {"99999999999", 2147483647},
   };
   for (const auto& [bytes, count] : cases) {
-    Put("QNLRSig.dll", bytes);
+    Make("QNLRSig.dll", bytes);
     EXPECT_EQ(GetSignatureCount(files(), machine_, signature_file::kRegistry), count) << bytes;
   }
   EXPECT_EQ(ErrorOf([&] { GetSignatureCount(files(), machine_, "missing"); }),
@@ -99,7 +99,7 @@ TEST_F(SignatureFilesTest, CountIsTheFirstLinesNumber) {
 TEST_F(SignatureFilesTest, LinesAreReadWhateverTheCountSays) {
   std::string bytes = "10\r\n";
   for (int i = 0; i < 500; ++i) bytes += Encrypt("line " + std::to_string(i)) + "\r\n";
-  Put("QNLFSig.dll", bytes);
+  Make("QNLFSig.dll", bytes);
   SignatureLines lines(files(), machine_, signature_file::kFiles);
   int count = 0;
   for (; const auto line = lines.Next(); ++count) {
@@ -107,12 +107,12 @@ TEST_F(SignatureFilesTest, LinesAreReadWhateverTheCountSays) {
     ASSERT_EQ(*line, text.size() % 2 == 0 ? text : text + ' ');
   }
   EXPECT_EQ(count, 500);
-  Put("QNLFSig.dll", "");
+  Make("QNLFSig.dll", "");
   EXPECT_EQ(SignatureLines(files(), machine_, signature_file::kFiles).Next(), std::nullopt);
 }
 
 TEST_F(SignatureFilesTest, LoadedTextHasEveryLineAndNoCopyOnTheDisk) {
-  Put("QNLESig.dll", "2\n" + Encrypt("first^1^name") + "\r" + Encrypt("second^2^name!"));
+  Make("QNLESig.dll", "2\n" + Encrypt("first^1^name") + "\r" + Encrypt("second^2^name!"));
   int lines = 0;
   const std::string text = LoadSignatures(files(), machine_, signature_file::kPrograms, [&] {
     EXPECT_EQ(files().List(Scratch()).size(), 1U);
@@ -128,7 +128,7 @@ TEST_F(SignatureFilesTest, ListIsReadToItsEnd) {
   EXPECT_EQ(turns, 0);
   std::string list;
   for (int line = 0; line < 20'000; ++line) list += "A name\r\n";
-  Put("QNLList.dll", list);
+  Make("QNLList.dll", list);
   LoadSpywareList(files(), machine_, [&] { ++turns; });
   EXPECT_GE(turns, 5) << "events wait for no more than a piece of it";
 }
@@ -157,9 +157,9 @@ TEST(Parsing, ControlsComeInPairs) {
 
 TEST_F(SignatureFilesTest, ThreatLevels) {
   EXPECT_EQ(GetThreatLevel(files(), machine_, "Any"), 3) << "without the file";
-  Put("QNLSigLevel.dll",
-      "[Level]\r\nkeypest=5\r\nzero=0\r\nnegative=-4\r\ntext=high\r\nrounded=2.5\r\nhuge="
-      "40000\r\n");
+  Make("QNLSigLevel.dll",
+       "[Level]\r\nkeypest=5\r\nzero=0\r\nnegative=-4\r\ntext=high\r\nrounded=2.5\r\nhuge="
+       "40000\r\n");
   const std::pair<std::string_view, int> cases[] = {
       {"Key Pest", 5}, {" KEY  pest ", 5}, {"zero", 3},    {"negative", 3},
       {"text", 3},     {"missing", 3},     {"rounded", 2}, {"", 3},

@@ -2,10 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 #include <memory>
 #include <string>
-#include <vector>
 
 #include "controls/host.h"
 #include "controls/simple_controls.h"
@@ -70,10 +70,8 @@ class HostSuite : public ::testing::Test {
   }
   std::string Taken() { return std::exchange(notes, {}); }
   bool IsLoaded(const Form& form) {
-    for (const Form* loaded : host().LoadedForms()) {
-      if (loaded == &form) return true;
-    }
-    return false;
+    const auto& loaded = host().LoadedForms();
+    return std::find(loaded.begin(), loaded.end(), &form) != loaded.end();
   }
   // A real clock may be late, but never stands still for long.
   void Until(const std::function<bool()>& condition) {

@@ -20,6 +20,18 @@ std::string PlatformTest::Path(std::string_view name) const {
   return Join({scratch_, std::string(name)}, "\\");
 }
 
+std::string PlatformTest::Make(std::string_view name, std::string_view bytes) {
+  std::string path = Path(name);
+  WriteWholeFile(files(), path, bytes);
+  return path;
+}
+
+std::vector<std::string> PlatformTest::Names(std::string_view folder) {
+  std::vector<std::string> names;
+  for (const DirectoryEntry& entry : files().List(folder)) names.push_back(entry.name);
+  return names;
+}
+
 std::string PlatformTest::Key(std::string_view name) {
   return Join({std::string(kTestKey), std::string(name)}, "\\");
 }

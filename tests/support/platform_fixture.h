@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "base/runtime_error.h"
 #include "platform/platform.h"
@@ -19,6 +20,8 @@ class PlatformTest : public ::testing::Test {
   static constexpr uint32_t kRoot = hive::kCurrentUser;
   static constexpr std::string_view kTestKey = "Software\\QuarnelTest";
 
+  using Strings = std::vector<std::string>;
+
   PlatformTest();
   ~PlatformTest() override;
 
@@ -31,6 +34,12 @@ class PlatformTest : public ::testing::Test {
   // The test's folder, and a path in it.
   const std::string& Scratch() const { return scratch_; }
   std::string Path(std::string_view name) const;
+  // Makes a file in the test's folder; its path.
+  std::string Make(std::string_view name, std::string_view bytes = "x");
+  std::string Read(std::string_view path) { return ReadWholeFile(files(), path); }
+  bool Exists(std::string_view path) { return files().Stat(path).has_value(); }
+  // What a folder holds, in order.
+  std::vector<std::string> Names(std::string_view folder);
   // The path of a key below the test's own.
   static std::string Key(std::string_view name);
 

@@ -25,7 +25,6 @@
 #include <cstddef>
 #include <cstring>
 #include <iostream>
-#include <optional>
 #include <stdexcept>
 #include <vector>
 

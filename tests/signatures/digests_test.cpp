@@ -1,13 +1,78 @@
-#include "signatures/md5_batch.h"
-
-#include <gtest/gtest.h>
-
 #include <random>
-#include <string>
-#include <vector>
+
+#include "signatures/md5.h"
+#include "signatures/md5_batch.h"
+#include "signatures/sha256.h"
+#include "signatures/signature_folder.h"
 
 namespace quarnel {
 namespace {
+
+// RFC 1321, appendix A.5; the examples of the other standard, and a message of many blocks.
+TEST(Digests, ReferenceMessages) {
+  const std::pair<std::string_view, std::string_view> md5[] = {
+      {"", "D41D8CD98F00B204E9800998ECF8427E"},
+      {"a", "0CC175B9C0F1B6A831C399E269772661"},
+      {"abc", "900150983CD24FB0D6963F7D28E17F72"},
+      {"message digest", "F96B697D7CB7938D525A2F31AAF161D0"},
+      {"abcdefghijklmnopqrstuvwxyz", "C3FCD3D76192E4007DFB496CCA67E13B"},
+      {"ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789",
+       "D174AB98D277D9F5A5611C2C9F419D9F"},
+      {"12345678901234567890123456789012345678901234567890123456789012345678901234567890",
+       "57EDF4A22BE3C955AC49DA2E2107B67A"},
+  };
+  for (const auto& [message, digest] : md5) EXPECT_EQ(HexText(Md5Of(message)), digest) << message;
+  const std::pair<std::string, std::string_view> sha256[] = {
+      {"", "E3B0C44298FC1C149AFBF4C8996FB92427AE41E4649B934CA495991B7852B855"},
+      {"abc", "BA7816BF8F01CFEA414140DE5DAE2223B00361A396177A9CB410FF61F20015AD"},
+      {"abcdbcdecdefdefgefghfghighijhijkijkljklmklmnlmnomnopnopq",
+       "248D6A61D20638B8E5C026930C3E6039A33CE45964FF2167F6ECEDD419DB06C1"},
+      {std::string(1000000, 'a'),
+       "CDC76E5C9914FB9281A1C7E284D73E67F1809A48A497200E046D39CCC7112CD0"},
+  };
+  for (const auto& [message, digest] : sha256) EXPECT_EQ(HexText(Sha256Of(message)), digest);
+}
+
+template <typename Hash, typename Digest>
+void ExpectSameInPieces(Digest (*digestOf)(std::string_view)) {
+  std::string message;
+  for (size_t length = 0; length < 200; ++length) {
+    const Digest whole = digestOf(message);
+    for (const size_t piece : {1U, 55U, 63U, 64U, 65U, 130U}) {
+      Hash hash;
+      for (size_t at = 0; at < message.size(); at += piece) {
+        hash.Update(std::string_view(message).substr(at, piece));
+        hash.Update({});
+      }
+      ASSERT_EQ(hash.Finish(), whole) << length << " in pieces of " << piece;
+    }
+    message += static_cast<char>(length * 7);
+  }
+}
+
+TEST(Digests, PiecesMakeOneMessage) {
+  ExpectSameInPieces<Md5>(Md5Of);
+  ExpectSameInPieces<Sha256>(Sha256Of);
+}
+
+using HashFileTest = SignatureFolderTest;
+
+TEST_F(HashFileTest, BlanksWhereNothingCanBeRead) {
+  EXPECT_EQ(HashFile(files(), Make("empty", "")), "D41D8CD98F00B204E9800998ECF8427E");
+  EXPECT_EQ(HashFile(files(), Path("missing")), kNoHash);
+  EXPECT_EQ(HashFile(files(), Scratch()), kNoHash);
+  EXPECT_EQ(HashFile(files(), ""), kNoHash);
+  EXPECT_EQ(kNoHash.size(), 32U);
+}
+
+TEST_F(HashFileTest, StopsBetweenPieces) {
+  const std::string content(3'000'000, 'z');
+  const std::string path = Make("large", content);
+  EXPECT_EQ(HashFile(files(), path), HexText(Md5Of(content)));
+  int asked = 0;
+  EXPECT_EQ(HashFile(files(), path, [&] { return ++asked == 3; }), kNoHash);
+  EXPECT_EQ(asked, 3);
+}
 
 constexpr Md5Level kLevels[] = {Md5Level::kPortable, Md5Level::kSse2, Md5Level::kAvx2,
                                 Md5Level::kAvx512};
