@@ -5,7 +5,7 @@
 #include <cmath>
 #include <limits>
 
-#include "base/runtime_error.h"
+#include "support/platform_fixture.h"
 
 namespace quarnel {
 namespace {
@@ -45,13 +45,8 @@ TEST(Text, Val) {
 }
 
 TEST(Text, ConversionsRefuse) {
-  const auto numberOf = [](auto convert) {
-    try {
-      convert();
-      return 0;
-    } catch (const RuntimeError& error) {
-      return static_cast<int>(error.Number());
-    }
+  const auto numberOf = [](const auto& convert) {
+    return static_cast<int>(ErrorOf(convert).value_or(ErrorNumber()));
   };
   const struct {
     std::string text;

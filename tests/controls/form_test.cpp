@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "base/runtime_error.h"
 #include "controls/simple_controls.h"
 #include "support/test_host.h"
 
@@ -86,24 +85,6 @@ TEST_F(Forms, StayReadableInsideTheirOwnHandlers) {
     EXPECT_NE(&slot.Touch(), &first);
   };
   first.chkOne.ClickByUser();
-}
-
-TEST_F(Forms, RunModalUntilTheyGo) {
-  LoggedForm form(host, log);
-  Timer closing(form, "tmr", std::chrono::milliseconds(200), true);
-  closing.Tick = [&] { form.Close(UnloadMode::kCode); };
-  form.ShowModal();
-  EXPECT_FALSE(form.IsLoaded());
-  EXPECT_EQ(host.clock().Ticks(), std::chrono::milliseconds(200));
-}
-
-TEST_F(Forms, AreLeftByTheEndOfTheProcess) {
-  LoggedForm form(host, log);
-  Timer ending(form, "tmr", std::chrono::milliseconds(10), true);
-  ending.Tick = [&] { host.EndProcess(); };
-  form.Load();
-  EXPECT_THROW(IgnoringErrors([&] { host.Advance(std::chrono::seconds(1)); }), ProcessEnded);
-  EXPECT_TRUE(host.ended);
 }
 
 }  // namespace

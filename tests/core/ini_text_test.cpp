@@ -87,21 +87,9 @@ TEST(IniText, KeepsTheFilesForm) {
 // that is taken must be found again, or the file would grow with every write.
 TEST(IniText, HostileNamesStayInTheirPlace) {
   using namespace std::string_literals;
-  const std::string names[] = {"",
-                               "]",
-                               "a]b",
-                               "x];",
-                               "a\r\n[forged]\r\nDANGER",
-                               "a\0b"s,
-                               " a ",
-                               "=",
-                               "a=b",
-                               "a= b",
-                               "\xEF\xBB\xBF",
-                               "\"q\"",
-                               "\t;x",
-                               "[sec",
-                               "[s]"};
+  const std::string forged = "a\r\n[forged]\r\nDANGER", mark = "\xEF\xBB\xBF";
+  const std::string names[] = {"",    "]",    "a]b", "x];",   forged, "a\0b"s, " a ", "=",
+                               "a=b", "a= b", mark,  "\"q\"", "\t;x", "[sec",  "[s]"};
   for (const std::string& section : names) {
     for (const std::string& key : names) {
       IniText ini("[other]\r\nk=v\r\n");

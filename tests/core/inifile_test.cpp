@@ -80,7 +80,7 @@ class Inifile : public PlatformTest {
     ini.SetKey(key);
     return ini;
   }
-  std::string Content() { return ReadWholeFile(files(), path); }
+  std::string Content() { return Read(path); }
 
   FailingFiles failing{files()};
   std::string path = Path("state.ini");
@@ -119,10 +119,10 @@ TEST_F(Inifile, Enumerates) {
   using namespace std::string_literals;
   EXPECT_EQ(Ini("bhr").INISection(), "http://a/?x=1 = ALLOW\0http://b/=BLOCK\0lone\0"s);
   Ini("bhr").EnumerateCurrentSection(names, count);
-  EXPECT_EQ(names, (std::vector<std::string>{"http://a/?x", "http://b/", "lone"}));
+  EXPECT_EQ(names, (Strings{"http://a/?x", "http://b/", "lone"}));
   EXPECT_EQ(count, 3);
   Ini("").EnumerateAllSections(names, count);
-  EXPECT_EQ(names, (std::vector<std::string>{"", "BHR", "c"}));
+  EXPECT_EQ(names, (Strings{"", "BHR", "c"}));
   EXPECT_EQ(count, 3);
 
   cInifile ini = Ini("bhr");

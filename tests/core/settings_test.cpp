@@ -124,10 +124,9 @@ TEST_F(SettingsTest, ResetEndsWhenAKeyStays) {
 struct FakeDesktop : Desktop {
   void EnumWindows(const std::function<bool(WindowId, std::string_view)>&) override {}
   void PostClose(WindowId) override {}
-  std::optional<WindowId> FindWindow(std::string_view className,
-                                     std::string_view caption) override {
+  std::optional<WindowId> FindWindow(std::string_view name, std::string_view caption) override {
     asked.emplace_back(caption);
-    EXPECT_EQ(className, "ThunderRT6FormDC");
+    EXPECT_EQ(name, "ThunderRT6FormDC");
     return caption == present ? std::optional<WindowId>(7) : std::nullopt;
   }
   void BringForward(WindowId window) override { forward = window; }
@@ -141,8 +140,7 @@ struct FakeDesktop : Desktop {
 TEST_F(SettingsTest, AnotherInstanceIsFoundByItsCaption) {
   FakeDesktop desktop;
   EXPECT_FALSE(IsPrevInstanceRunning(desktop, settings));
-  EXPECT_EQ(desktop.asked,
-            (std::vector<std::string>{"Getting Started with QuarnelTest", "QuarnelTest v3.0.4"}));
+  EXPECT_EQ(desktop.asked, (Strings{"Getting Started with QuarnelTest", "QuarnelTest v3.0.4"}));
   EXPECT_EQ(desktop.forward, 0u);
   // An installed update overrules the version record, for the window and for who looks for it.
   settings.Save(setting::kApplicationVersion, "3.1.0");

@@ -91,45 +91,39 @@ TEST(MVb6Functions, SplitWithLimit) {
 
 TEST(Like, Patterns) {
   const struct {
-    std::string text, pattern;
-    bool fits;
+    std::string pattern;
+    Parts fitting, others;
   } cases[] = {
-      {"", "", true},
-      {"a", "", false},
-      {"", "*", true},
-      {"abc", "a*c", true},
-      {"abc", "A*c", false},
-      {"ac", "a*c", true},
-      {"abcab", "*ab", true},
-      {"abcabd", "*ab", false},
-      {"abXcdXef", "*X*X*", true},
-      {"a1", "a#", true},
-      {"ab", "a#", false},
-      {"ab", "a?", true},
-      {"a", "a?", false},
-      {"a", "a**", true},
-      {"b", "[a-c]", true},
-      {"d", "[a-c]", false},
-      {"d", "[!a-c]", true},
-      {"b", "[!a-c]", false},
-      {"-", "[a-]", true},
-      {"-", "[-a]", true},
-      {"-", "[a-c]", false},
-      {"]", "]", true},
-      {"[", "[[]", true},
-      {"*", "[*]", true},
-      {"x", "[*]", false},
-      {"ab", "a[]b", true},
-      {"!", "[!]", true},
-      {"x", "[!]", false},
-      {"!", "[a!]", true},
-      {"\xE9", "[\xE0-\xFF]", true},
-      {"\xE9", "?", true},
-      {"a]", "[a]]", true},
-      {"", "[!a]", false},
-      {"www.ads.example", "*[.]ads.*", true},
+      {"", {""}, {"a"}},
+      {"*", {""}, {}},
+      {"a*c", {"abc", "ac"}, {"Abc"}},
+      {"*ab", {"abcab"}, {"abcabd"}},
+      {"*X*X*", {"abXcdXef"}, {}},
+      {"a#", {"a1"}, {"ab"}},
+      {"a?", {"ab"}, {"a"}},
+      {"a**", {"a"}, {}},
+      {"[a-c]", {"b"}, {"d", "-"}},
+      {"[!a-c]", {"d"}, {"b"}},
+      {"[a-]", {"-"}, {}},
+      {"[-a]", {"-"}, {}},
+      {"]", {"]"}, {}},
+      {"[[]", {"["}, {}},
+      {"[*]", {"*"}, {"x"}},
+      {"a[]b", {"ab"}, {}},
+      {"[!]", {"!"}, {"x"}},
+      {"[a!]", {"!"}, {}},
+      {"[a]]", {"a]"}, {}},
+      {"[!a]", {}, {""}},
+      {"[\xE0-\xFF]", {"\xE9"}, {}},
+      {"?", {"\xE9"}, {}},
+      {"*[.]ads.*", {"www.ads.example"}, {}},
   };
-  for (const auto& c : cases) EXPECT_EQ(Like(c.text, c.pattern), c.fits) << c.text << c.pattern;
+  for (const auto& c : cases) {
+    for (const std::string& text : c.fitting)
+      EXPECT_TRUE(Like(text, c.pattern)) << text << c.pattern;
+    for (const std::string& text : c.others)
+      EXPECT_FALSE(Like(text, c.pattern)) << text << c.pattern;
+  }
   for (const char* invalid : {"[", "a[b", "[z-a]", "*["}) {
     EXPECT_THROW(Like("x", invalid), RuntimeError) << invalid;
   }

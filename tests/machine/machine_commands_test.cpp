@@ -6,6 +6,7 @@
 #include <sstream>
 
 #include "base/host_files.h"
+#include "base/text.h"
 #include "machine/registry_transfer.h"
 #include "support/platform_fixture.h"
 
@@ -31,11 +32,9 @@ class MachineCommandsTest : public PlatformTest {
     EXPECT_EQ(std::count(errors_.begin(), errors_.end(), '\n'), code == 0 ? 0 : 1) << errors_;
     return code;
   }
-  int Import(const std::string& body, const std::vector<std::string>& key = {}) {
+  int Import(const std::string& body) {
     WriteHostFile(file_, "Windows Registry Editor Version 5.00\n" + body);
-    std::vector<std::string> arguments = {"reg", "import", Dir(), file_};
-    arguments.insert(arguments.end(), key.begin(), key.end());
-    return Run(arguments);
+    return Run({"reg", "import", Dir(), file_});
   }
   std::string Text(std::string_view key, std::string_view name) {
     return QueryText(registry(), kRoot, Key(key), name);
@@ -87,39 +86,26 @@ TEST_F(MachineCommandsTest, ImportDeletesAndStopsAtErrors) {
             0);
   EXPECT_EQ(Text("d\\e", "v"), "");
   EXPECT_EQ(Text("d\\e", "w"), "2");
-  EXPECT_EQ(EnumSubKeys(registry(), kRoot, kTestKey), std::vector<std::string>{"d"});
+  EXPECT_EQ(EnumSubKeys(registry(), kRoot, kTestKey), Strings{"d"});
   // Of a file with an error nothing is taken.
   EXPECT_EQ(Import("[" + FullKey("g") + "]\n\"v\"=\n"), 1);
   EXPECT_NE(errors_.find("quarnel-test.reg:3: "), std::string::npos) << errors_;
-  EXPECT_EQ(EnumSubKeys(registry(), kRoot, kTestKey), std::vector<std::string>{"d"});
+  EXPECT_EQ(EnumSubKeys(registry(), kRoot, kTestKey), Strings{"d"});
 }
 
 TEST_F(MachineCommandsTest, AnswersBadCallsWithOneLine) {
-  const std::vector<std::vector<std::string>> badCalls = {
-      {},
-      {"unknown"},
-      {"reg"},
-      {"reg", "unknown", "x", "y"},
-      {"create"},
-      {"create", ""},
-      {"create", "x", "--user"},
-      {"create", "x", "--family", "os2"},
-      {"create", "x", "extra"},
-      {"path", "x"},
-      {"reg", "query", Dir()},
-      {"reg", "query", Dir(), "HKXX\\a"},
-      {"reg", "query", Dir(), "HKCU", "a", "b"},
-      {"reg", "import", Dir(), "file", "no key"},
-  };
-  for (const auto& call : badCalls) EXPECT_EQ(Run(call), 2) << call.size();
+  EXPECT_EQ(Run({}), 2);
+  for (const std::string_view call :
+       {"unknown", "reg", "reg unknown x y", "create", "create ", "create x --user",
+        "create x --family os2", "create x extra", "path x", "reg query DIR",
+        "reg query DIR HKXX\\a", "reg query DIR HKCU a b", "reg import DIR file nokey"}) {
+    EXPECT_EQ(Run(Split(Replace(call, "DIR", Dir()), " ")), 2) << call;
+  }
   EXPECT_EQ(Run({"--help"}), 0);
   EXPECT_NE(out_.find("reg query DIR KEY [VALUE]\n"), std::string::npos) << out_;
-  for (const std::vector<std::string>& call :
-       {std::vector<std::string>{"reg", "query", Dir() + "/none", "HKCU"},
-        {"reg", "import", Dir(), file_ + "-none"},
-        {"reg", "export", Dir(), file_ + "/none/x"}}) {
-    EXPECT_EQ(Run(call), 1);
-  }
+  EXPECT_EQ(Run({"reg", "query", Dir() + "/none", "HKCU"}), 1);
+  EXPECT_EQ(Run({"reg", "import", Dir(), file_ + "-none"}), 1);
+  EXPECT_EQ(Run({"reg", "export", Dir(), file_ + "/none/x"}), 1);
 }
 
 }  // namespace

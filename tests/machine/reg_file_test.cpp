@@ -110,40 +110,28 @@ TEST(RegFileTest, ReadsEveryEncoding) {
 }
 
 TEST(RegFileTest, NamesTheLineOfAnError) {
-  struct Case {
-    std::string_view body;
+  const std::string key = "[HKCU\\K]\n";
+  const struct {
     size_t line;
+    std::string before;
+    std::vector<std::string_view> bodies;
+  } cases[] = {
+      {2, "", {"nonsense", "\"a\"=\"b\"", "[HKCU\\K", "[HKXX\\K]", "[]", "[-HKCU]"}},
+      {3, key, {"\"a\"", "\"a\"=", "\"a\"=x", "\"a\"=\"open\n\n", "\"a\"=\"b\" c"}},
+      {3, key + "\"a\"=dword:", {"", "123456789", "12x"}},
+      {3, key + "\"a\"=hex", {":0g", ":001", ":01,", "(:01", "(1:01"}},
+      {4, key + "\"a\"=hex:01,\\\n", {"", "  02,\\ x"}},
+      {4, key, {"\n\"a"}},
+      {3, "[-HKCU\\K]\n", {"\"a\"=\"b\""}},
   };
-  const Case cases[] = {
-      {"nonsense", 2},
-      {"\"a\"=\"b\"", 2},
-      {"[HKCU\\K", 2},
-      {"[HKXX\\K]", 2},
-      {"[]", 2},
-      {"[-HKCU]", 2},
-      {"[HKCU\\K]\n\n\"a", 4},
-      {"[HKCU\\K]\n\"a\"", 3},
-      {"[HKCU\\K]\n\"a\"=", 3},
-      {"[HKCU\\K]\n\"a\"=x", 3},
-      {"[HKCU\\K]\n\"a\"=\"open\n\n", 3},
-      {"[HKCU\\K]\n\"a\"=\"b\" c", 3},
-      {"[HKCU\\K]\n\"a\"=dword:", 3},
-      {"[HKCU\\K]\n\"a\"=dword:123456789", 3},
-      {"[HKCU\\K]\n\"a\"=dword:12x", 3},
-      {"[HKCU\\K]\n\"a\"=hex:0g", 3},
-      {"[HKCU\\K]\n\"a\"=hex:001", 3},
-      {"[HKCU\\K]\n\"a\"=hex:01,", 3},
-      {"[HKCU\\K]\n\"a\"=hex:01,\\\n", 4},
-      {"[HKCU\\K]\n\"a\"=hex:01,\\\n  02,\\ x", 4},
-      {"[HKCU\\K]\n\"a\"=hex(:01", 3},
-      {"[HKCU\\K]\n\"a\"=hex(1:01", 3},
-      {"[-HKCU\\K]\n\"a\"=\"b\"", 3},
-  };
-  for (const Case& test : cases) {
-    const RegFile file = Parse(test.body);
-    ASSERT_TRUE(file.error) << test.body;
-    EXPECT_EQ(file.error->line, test.line) << test.body;
-    EXPECT_NE(file.error->reason, "") << test.body;
+  for (const auto& [line, before, bodies] : cases) {
+    for (const std::string_view end : bodies) {
+      const std::string body = before + std::string(end);
+      const RegFile file = Parse(body);
+      ASSERT_TRUE(file.error) << body;
+      EXPECT_EQ(file.error->line, line) << body;
+      EXPECT_NE(file.error->reason, "") << body;
+    }
   }
   for (const std::string_view bytes : {"", "\xFF\xFE", "REGEDIT5", "\xFE\xFF", "[HKCU\\K]"}) {
     EXPECT_EQ(ParseRegFile(bytes).error->line, 1U);
