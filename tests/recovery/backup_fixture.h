@@ -7,42 +7,22 @@
 
 #include "base/text.h"
 #include "core/paths.h"
+#include "machine/registry_transfer.h"
 #include "recovery/backup.h"
 #include "recovery/restore.h"
 #include "recovery/restore_point.h"
+#include "support/machine_in.h"
 #include "support/platform_fixture.h"
 #include "support/test_host.h"
 
 namespace quarnel {
-
-// The machine, with the program in a folder of the test's own.
-class MachineWithProgramIn : public Machine {
- public:
-  MachineWithProgramIn(Machine& machine, std::string folder)
-      : machine_(machine), folder_(std::move(folder)) {}
-  std::optional<std::string> SpecialFolder(int csidl) override {
-    return machine_.SpecialFolder(csidl);
-  }
-  std::string SystemDirectory() override { return folder_; }
-  std::string ProgramFolder() override { return folder_; }
-  std::string ExecutableName() override { return machine_.ExecutableName(); }
-  std::optional<std::string> TempFolder() override { return machine_.TempFolder(); }
-  std::optional<SystemFamily> Family() override { return machine_.Family(); }
-  std::string UserName() override { return machine_.UserName(); }
-  std::vector<Drive> Drives() override { return machine_.Drives(); }
-  std::optional<VolumeInfo> Volume(std::string_view root) override { return machine_.Volume(root); }
-
- private:
-  Machine& machine_;
-  std::string folder_;
-};
 
 // A machine with the lists of a scan, and restore points in a folder of the test's own.
 class BackupTest : public PlatformTest {
  protected:
   BackupTest() { files().CreateFolder(program.ProgramFolder()); }
 
-  MachineWithProgramIn program{machine(), Path("Program")};
+  MachineIn program{machine(), Path("Program")};
   TestHost host;
   Form form{host, "frmMain"};
   BackupPage page{form};
@@ -64,11 +44,7 @@ class BackupTest : public PlatformTest {
                    .host = host,
                    .log = log}};
 
-  std::string LogText() {
-    return FileExists(files(), log.Path()) ? ReadWholeFile(files(), log.Path()) : std::string();
-  }
-  std::string Read(const std::string& path) { return ReadWholeFile(files(), path); }
-  bool Exists(const std::string& path) { return files().Stat(path).has_value(); }
+  std::string LogText() { return Exists(log.Path()) ? Read(log.Path()) : std::string(); }
   std::string PointFile(const BackupReport& report, std::string_view ending) {
     return RestorePointFile(program, report.stem, ending);
   }
@@ -103,27 +79,17 @@ class BackupTest : public PlatformTest {
   // All of the test's keys with their values: "path", and "path -> name" with type and data.
   std::map<std::string, std::string> RegistryDump() {
     std::map<std::string, std::string> dump;
-    DumpKey(std::string(kTestKey), dump);
+    std::vector<RegStep> steps;
+    CollectSteps(registry(), {kRoot, std::string(kTestKey)}, steps);
+    for (const auto& [action, key, name, value, line] : steps) {
+      if (action == RegStep::Action::kMakeKey) {
+        dump[key.path] = "key";
+      } else {
+        dump[key.path + " -> " + name] =
+            std::to_string(static_cast<uint32_t>(value.type)) + ":" + value.data;
+      }
+    }
     return dump;
-  }
-
- private:
-  void DumpKey(const std::string& path, std::map<std::string, std::string>& dump) {
-    std::unique_ptr<RegistryKey> key;
-    if (registry().Open(kRoot, path, registry_access::kRead, key) != RegistryStatus::kSuccess) {
-      return;
-    }
-    dump[path] = "key";
-    std::string name;
-    for (uint32_t i = 0; key->EnumValue(i, name) == RegistryStatus::kSuccess; ++i) {
-      RawValue value;
-      key->Query(name, value);
-      dump[path + " -> " + name] =
-          std::to_string(static_cast<uint32_t>(value.type)) + ":" + value.data;
-    }
-    for (const std::string& below : EnumSubKeys(registry(), kRoot, path)) {
-      DumpKey(path + "\\" + below, dump);
-    }
   }
 };
 

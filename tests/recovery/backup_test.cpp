@@ -78,9 +78,9 @@ TEST_F(BackupTest, WritesTheFiveFilesAsTheyAreDescribed) {
                 Path("one\\gone.txt") + "[[-]]Trojan[[-]]Threat\r\n");
   EXPECT_EQ(Read(PointFile(report, restore_point::kCookieDetails)), cookie + "[[-]]File\r\n");
   EXPECT_EQ(Entries(files(), PointFile(report, restore_point::kFiles)),
-            (std::vector<std::string>{EntryName(first) + "=A", EntryName(hidden) + "=H"}));
+            (Strings{EntryName(first) + "=A", EntryName(hidden) + "=H"}));
   EXPECT_EQ(Entries(files(), PointFile(report, restore_point::kCookies)),
-            std::vector<std::string>{EntryName(cookie) + "=C"});
+            Strings{EntryName(cookie) + "=C"});
   EXPECT_EQ(files().List(report.folder).size(), 6U);
   EXPECT_FALSE(page.picBackupProgress.Visible());
   EXPECT_TRUE(page.lvwRegBackup.Empty());

@@ -6,8 +6,6 @@
 #include "platform/machine_folder.h"
 #include "recovery/backup_fixture.h"
 #include "recovery/file_removal.h"
-#include "support/platform_fixture.h"
-#include "support/test_host.h"
 
 // Folders that were swapped for links between a scan and its removal.
 namespace quarnel {
@@ -15,7 +13,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-class LinksTest : public PlatformTest {
+class LinksTest : public BackupTest {
  protected:
   fs::path HostOf(std::string_view path) { return HostPathOf(machineFolder(), path); }
   FileOutcome Remove(const std::string& path) {
@@ -24,12 +22,9 @@ class LinksTest : public PlatformTest {
     return outcome;
   }
 
-  TestHost host;
-  ErrorLog log{files(), machine(), host, "Quarnel"};
-  Settings settings{registry(), "Quarnel"};
   FileRemoval removal{{.files = files(),
                        .processes = platform().processes(),
-                       .machine = machine(),
+                       .machine = program,
                        .settings = settings,
                        .host = host,
                        .log = log}};
@@ -39,43 +34,34 @@ TEST_F(LinksTest, NothingBehindALinkIsDeletedOrMoved) {
   CreateFolders(files(), Path("real\\deep"));
   fs::create_directory_symlink(HostOf(Path("real")), HostOf(Path("swapped")));
   for (const char* name : {"a.exe", "a.dll", "a.txt"}) {
-    WriteWholeFile(files(), Path("real\\deep\\") + name, "keep");
-    const FileOutcome outcome = Remove(Path("swapped\\deep\\") + name);
-    EXPECT_TRUE(outcome.refused) << name;
-    EXPECT_EQ(ReadWholeFile(files(), Path("real\\deep\\") + name), "keep");
+    const std::string path = Make(Join({"real\\deep", name}, "\\"), "keep");
+    EXPECT_TRUE(Remove(Path("swapped\\deep\\") + name).refused) << name;
+    EXPECT_EQ(Read(path), "keep");
   }
-  EXPECT_NE(ReadWholeFile(files(), log.Path()).find("a folder on the way to it is a link"),
-            std::string::npos);
+  EXPECT_NE(Read(log.Path()).find("a folder on the way to it is a link"), std::string::npos);
 }
 
 TEST_F(LinksTest, ALinkGoesForItselfAndItsTargetStays) {
-  WriteWholeFile(files(), Path("target.txt"), "keep");
-  fs::create_symlink(HostOf(Path("target.txt")), HostOf(Path("link.txt")));
+  const std::string target = Make("target.txt", "keep");
+  fs::create_symlink(HostOf(target), HostOf(Path("link.txt")));
   Remove(Path("link.txt"));
   EXPECT_FALSE(fs::exists(fs::symlink_status(HostOf(Path("link.txt")))));
-  EXPECT_EQ(ReadWholeFile(files(), Path("target.txt")), "keep");
+  EXPECT_EQ(Read(target), "keep");
 }
 
 TEST_F(LinksTest, AQuarantineThatIsALinkTakesNothing) {
-  CreateFolders(files(), machine().ProgramFolder());
   files().CreateFolder(Path("elsewhere"));
-  const std::string quarantine = GetPathWithSlash(machine().ProgramFolder()) + "Quarantine";
+  const std::string quarantine = GetPathWithSlash(program.ProgramFolder()) + "Quarantine";
   fs::create_directory_symlink(HostOf(Path("elsewhere")), HostOf(quarantine));
-  WriteWholeFile(files(), Path("a.txt"), "x");
   FileOutcome outcome;
-  removal.MoveThisFile(Path("a.txt"), outcome);
+  removal.MoveThisFile(Make("a.txt"), outcome);
   EXPECT_NE(outcome.obstacle, "");
-  EXPECT_TRUE(files().Stat(Path("a.txt")));
-  EXPECT_TRUE(files().List(Path("elsewhere")).empty());
+  EXPECT_TRUE(Exists(Path("a.txt")));
+  EXPECT_TRUE(Names(Path("elsewhere")).empty());
 }
 
-class SwapTest : public BackupTest {
- protected:
-  fs::path HostOf(std::string_view path) { return HostPathOf(machineFolder(), path); }
-};
-
 // A link to itself stands for any file that is there and cannot be read.
-TEST_F(SwapTest, APartOfThePointThatCannotBeReadIsNamed) {
+TEST_F(LinksTest, APartOfThePointThatCannotBeReadIsNamed) {
   const std::string gone = Plant(Path("gone.exe"), "x");
   SetValue("Key", "one", RawFromValue(std::string("1")));
   AddTrace("Key", "one");
@@ -97,7 +83,7 @@ TEST_F(SwapTest, APartOfThePointThatCannotBeReadIsNamed) {
 
 // At each moment of a restore at which something else can happen, the folder is moved away and a
 // link is put in its place.
-TEST_F(SwapTest, NothingIsRestoredThroughALinkThatComesMeanwhile) {
+TEST_F(LinksTest, NothingIsRestoredThroughALinkThatComesMeanwhile) {
   std::vector<std::string> paths;
   for (const char* name : {"first\\1", "swapped\\2", "swapped\\3", "last\\4"}) {
     paths.push_back(Plant(Path(name), name));
@@ -121,7 +107,7 @@ TEST_F(SwapTest, NothingIsRestoredThroughALinkThatComesMeanwhile) {
       };
       const RestoreReport restored = restore.RestoreSpyware(report.stem);
       host.onEvents = nullptr;
-      EXPECT_TRUE(files().List(Path("elsewhere")).empty());
+      EXPECT_TRUE(Names(Path("elsewhere")).empty());
       EXPECT_EQ(Read(paths[0]) + Read(paths[3]), "first\\1last\\4");
       // Either in the folder that was meant, or named as not restored.
       size_t back = 0;

@@ -24,24 +24,17 @@ class RemovalTest : public ScanTest {
     page.ImgStopScanMouseMove.SetVisible(false);
     settings.SaveSetting("Registry Status", "ResetValue", "x");
     settings.ResetRegistrySettings();
-    if (!files().Stat(machine().ProgramFolder())) CreateFolders(files(), machine().ProgramFolder());
-    EmptyQuarantine();
+    CreateFolders(files(), machine().ProgramFolder());
+    DeleteTree(files(), Quarantine());
   }
   ~RemovalTest() override {
-    EmptyQuarantine();
+    DeleteTree(files(), Quarantine());
     IgnoringErrors([&] { files().Delete(RemovalReportPath(machine())); });
   }
 
   std::string Quarantine() { return GetPathWithSlash(machine().ProgramFolder()) + "Quarantine"; }
-  void EmptyQuarantine() {
-    if (!files().Stat(Quarantine())) return;
-    DeleteTree(files(), Quarantine());
-  }
   std::vector<std::string> Quarantined() {
-    std::vector<std::string> names;
-    if (!files().Stat(Quarantine())) return names;
-    for (const DirectoryEntry& entry : files().List(Quarantine())) names.push_back(entry.name);
-    return names;
+    return Exists(Quarantine()) ? Names(Quarantine()) : std::vector<std::string>();
   }
 
   // A file trace in the results, with its file unless it is to be missing.
@@ -68,6 +61,10 @@ class RemovalTest : public ScanTest {
   void TickAll() {
     for (const TreeNodeRef& node : resultsPage.vbatvwResults.InOrder()) node->checked = true;
   }
+  void RemoveEverything() {
+    TickAll();
+    removal.cmdRemoveSpywares_Click();
+  }
   void Tick(std::string_view text, bool ticked) {
     for (const TreeNodeRef& node : resultsPage.vbatvwResults.InOrder()) {
       if (WithoutPrefixes(node->text) == text) node->checked = ticked;
@@ -91,8 +88,6 @@ class RemovalTest : public ScanTest {
     for (const MessageBox& box : host.messages) texts.push_back(box.text);
     return texts;
   }
-  bool Exists(std::string_view path) { return files().Stat(path).has_value(); }
-
   Settings settings{registry(), "Quarnel"};
   RemovalPage removalPage{form};
   CookieScan cookieScan{context, "Quarnel"};
@@ -137,8 +132,7 @@ TEST_F(RemovalTest, SaysWhyItDoesNotStart) {
   AddFile("a.txt");
   removal.cmdRemoveSpywares_Click();
   page.ImgStopScanMouseMove.SetVisible(true);
-  TickAll();
-  removal.cmdRemoveSpywares_Click();
+  RemoveEverything();
   EXPECT_THAT(Messages(),
               ElementsAre("There is no Spyware/Adware in the results list.", "Nothing selected.",
                           "Please wait while [Scanning Process] is running."));
@@ -159,10 +153,9 @@ TEST_F(RemovalTest, RemovesEverythingTickedByItsKind) {
   RegCreateKeyValue(registry(), kRoot, Key("Whole\\deep\\er"), "v", "1");
   RegCreateKeyValue(registry(), kRoot, Key("Values"), "Gone", "1");
   RegCreateKeyValue(registry(), kRoot, Key("Values"), "Stays", "1");
-  TickAll();
   resultsPage.chkCreateRestore.SetValue(1);
   onBackup = [&] { EXPECT_TRUE(Exists(text)); };
-  removal.cmdRemoveSpywares_Click();
+  RemoveEverything();
 
   for (const std::string& path : {text, component, control, program, noExtension}) {
     EXPECT_FALSE(Exists(path)) << path;
@@ -217,8 +210,7 @@ TEST_F(RemovalTest, KeepsWhatIsNotTickedOrExempt) {
 TEST_F(RemovalTest, HandlesNothingWhenOnlyExemptTracesAreTicked) {
   const std::string exempt = AddFile("exempt.txt");
   resultsPage.lvwIgnoredSpywares.Add({.text = exempt});
-  TickAll();
-  removal.cmdRemoveSpywares_Click();
+  RemoveEverything();
   EXPECT_THAT(asked, ElementsAre("tab", "dumps"));  // no restart is offered
   EXPECT_THAT(Texts(resultsPage.lvwFilesToBeDeleted), ElementsAre(exempt));
 }
@@ -231,8 +223,7 @@ TEST_F(RemovalTest, TellsWhatResistedByWhatIsThere) {
   const std::string hidden = AddFile("hidden.txt");
   files().SetAttributes(hidden, file_attribute::kHidden);
   AddFile("missing.txt", false);
-  TickAll();
-  removal.cmdRemoveSpywares_Click();
+  RemoveEverything();
   // A component that cannot be deleted is quarantined; any other file only when it was not found.
   EXPECT_THAT(Quarantined(), ElementsAre("10410110810046100108108"));
   EXPECT_FALSE(Exists(component));
@@ -250,17 +241,16 @@ TEST_F(RemovalTest, TellsWhatResistedByWhatIsThere) {
 
 TEST_F(RemovalTest, AFileThatComesBackIsAFailure) {
   const std::string path = AddFile("phoenix.txt");
-  TickAll();
   host.onEvents = [&] {
-    if (!Exists(path)) WriteWholeFile(files(), path, "again");
+    if (!Exists(path)) Make("phoenix.txt", "again");
   };
-  removal.cmdRemoveSpywares_Click();
+  RemoveEverything();
   host.onEvents = nullptr;
   EXPECT_THAT(Fates(), ElementsAre("phoenix.txt: failed still there"));
 }
 
 TEST_F(RemovalTest, RefusesPathsThatLeadElsewhere) {
-  WriteWholeFile(files(), Path("precious.txt"), "keep");
+  Make("precious.txt", "keep");
   files().CreateFolder(Path("sub"));
   const std::string hostile[] = {Path("sub\\..\\precious.txt"), Scratch() + "\\\\precious.txt",
                                  Path("precious.txt:stream"), Path("nul.txt"),
@@ -271,7 +261,7 @@ TEST_F(RemovalTest, RefusesPathsThatLeadElsewhere) {
   TickAll();
   for (size_t i = 0; i < 6; ++i) resultsPage.lvwFilesToBeDeleted.SetChecked(i, true);
   removal.cmdRemoveSpywares_Click();
-  EXPECT_EQ(ReadWholeFile(files(), Path("precious.txt")), "keep");
+  EXPECT_EQ(Read(Path("precious.txt")), "keep");
   EXPECT_TRUE(resultsPage.lvwFilesToBeDeleted.Empty());
   const RemovalReport& report = *removal.LastReport();
   EXPECT_EQ(report.Count(Fate::kRefused), std::size(hostile));
@@ -283,33 +273,33 @@ TEST_F(RemovalTest, CookiesGoEveryOtherRowAtATime) {
   const std::string folder = GetPath(machine(), csidl::kCookies);
   ListView& list = resultsPage.lvwTrackingCookieObjectrecognized;
   std::vector<std::string> paths;
-  for (const std::string name : {"u@one[1].txt", "u@two[1].txt", "u@three[1].txt"}) {
+  for (const std::string name :
+       {"u@one[1].txt", "u@two[1].txt", "u@safe[1].txt", "u@four[1].txt"}) {
     paths.push_back(folder + "\\" + name);
     WriteFile(paths.back(), "x");
     list.Add({.text = paths.back(), .subItems = {"File"}});
   }
+  resultsPage.lvwIgnoredSpywares.Add({.text = paths[2]});
   resultsPage.lvwPicRemoveListOfSpywareFoundAndToBeRemoved.Add(
       {.text = std::string(kTrackingObject)});
   const TreeNodeRef group = results.AddThreatRoot(kTrackingObject, kTrackingCookies);
   for (const std::string& path : paths) results.ShowTrace(group, {.text = path});
-  TickAll();
-  removal.cmdRemoveSpywares_Click();
+  RemoveEverything();
   EXPECT_FALSE(Exists(paths[0]));
-  EXPECT_TRUE(Exists(paths[1]));
-  EXPECT_FALSE(Exists(paths[2]));
+  EXPECT_FALSE(Exists(paths[3]));
+  EXPECT_THAT(Texts(list), ElementsAre(paths[1], paths[2]));
   EXPECT_THAT(Fates(),
               ElementsAre("u@one[1].txt: removed",
                           "u@two[1].txt: failed still there: not reached, remove it once more",
-                          "u@three[1].txt: removed"));
-  IgnoringErrors([&] { files().Delete(paths[1]); });
+                          "u@safe[1].txt: kept on the safe list", "u@four[1].txt: removed"));
+  for (const size_t left : {1U, 2U}) files().Delete(paths[left]);
 }
 
 TEST_F(RemovalTest, AnErrorOnTheWayEndsItWithAReport) {
   AddFile("a.txt");
-  TickAll();
   resultsPage.chkCreateRestore.SetValue(1);
   onBackup = [] { throw RuntimeError(ErrorNumber::kTypeMismatch); };
-  removal.cmdRemoveSpywares_Click();
+  RemoveEverything();
   EXPECT_TRUE(Exists(Path("a.txt")));
   EXPECT_THAT(LogText(), HasSubstr("cmdRemoveSpywares_Click in frmMain"));
   EXPECT_THAT(LoadRemovalReport(files(), machine())->problem, HasSubstr("Type mismatch"));
@@ -317,17 +307,13 @@ TEST_F(RemovalTest, AnErrorOnTheWayEndsItWithAReport) {
 }
 
 TEST_F(RemovalTest, AsksAboutBrowsersByTheSettings) {
-  struct Case {
-    const char* always;
-    bool asks;
-  };
-  for (const Case& c : {Case{"True", true}, Case{"False", false}, Case{"perhaps", true}}) {
+  for (const auto& [always, asks] :
+       {std::pair{"True", true}, std::pair{"False", false}, std::pair{"perhaps", true}}) {
     asked.clear();
     AddFile("a.txt");
-    TickAll();
-    settings.SaveSetting("OptionAndSettings", "ShowAlways", c.always);
-    removal.cmdRemoveSpywares_Click();
-    EXPECT_EQ(asked.front() == "browser", c.asks);
+    settings.SaveSetting("OptionAndSettings", "ShowAlways", always);
+    RemoveEverything();
+    EXPECT_EQ(asked.front() == "browser", asks);
   }
 }
 
@@ -349,8 +335,7 @@ TEST_F(RemovalTest, EndsARunningProgramByItsPath) {
   const Victim victim(platform(), Path("averylongprogramname.exe"));
   ASSERT_NE(victim.Id(), 0U);
   AddFile(victim.Path(), false);
-  TickAll();
-  removal.cmdRemoveSpywares_Click();
+  RemoveEverything();
   EXPECT_TRUE(platform().processes().WaitForEnd(victim.Id(), std::chrono::seconds(10)));
   EXPECT_FALSE(Exists(victim.Path()));
   EXPECT_THAT(Fates(), ElementsAre(::testing::AnyOf("averylongprogramname.exe: removed",
@@ -368,9 +353,8 @@ TEST_F(RemovalTest, NoProcessIsEndedForANameThatNoneHas) {
 
 TEST_F(RemovalTest, ANameTakenInTheQuarantineStaysOrGetsASuffix) {
   const auto quarantine = [&](std::string_view content) {
-    WriteWholeFile(files(), Path("a.b"), content);
     FileOutcome outcome;
-    fileRemoval.MoveThisFile(Path("a.b"), outcome);
+    fileRemoval.MoveThisFile(Make("a.b", content), outcome);
     return outcome;
   };
   EXPECT_EQ(quarantine("1").quarantine, Quarantine() + "\\974698");
@@ -379,7 +363,7 @@ TEST_F(RemovalTest, ANameTakenInTheQuarantineStaysOrGetsASuffix) {
   EXPECT_THAT(LogText(), HasSubstr("MoveThisFile"));
   settings.Save(setting::kStrict, "1");
   EXPECT_EQ(quarantine("3").quarantine, Quarantine() + "\\974698_2");
-  EXPECT_EQ(ReadWholeFile(files(), Quarantine() + "\\974698"), "1");
+  EXPECT_EQ(Read(Quarantine() + "\\974698"), "1");
 }
 
 TEST(RemovalReports, ComeBackWholeOrNotAtAll) {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <random>
 
 #include "recovery/archive.h"
 #include "recovery/backup_fixture.h"
@@ -25,8 +26,7 @@ class RestoreTest : public BackupTest {
 
   // Archives with entries of any names.
   void WriteArchive(const std::string& path, const std::vector<std::string>& entries) {
-    const std::string source = Path("source");
-    WriteWholeFile(files(), source, "hostile");
+    const std::string source = Make("source", "hostile");
     ArchiveWriter archive(files(), path, nullptr);
     for (const std::string& entry : entries) archive.Add(source, entry, *files().Stat(source));
     archive.Finish();
@@ -235,27 +235,37 @@ TEST_F(RestoreTest, NamesWhatIsDamagedAndRestoresTheRest) {
   for (const std::string& path : paths) WriteWholeFile(files(), path, "CONTENT of " + path);
   const BackupReport report = backup.BackupSpyware();
 
-  const auto flip = [](std::string text, std::string_view at) {
-    const size_t place = text.find(at);
-    EXPECT_NE(place, std::string::npos) << at;
-    text[place] = static_cast<char>(text[place] ^ 0x20);
-    return text;
+  using Damage = std::function<std::string(const std::string&)>;
+  const auto flipAt = [](std::string_view at) -> Damage {
+    return [at](std::string text) {
+      const size_t place = text.find(at);
+      EXPECT_NE(place, std::string::npos) << at;
+      text[place] = static_cast<char>(text[place] ^ 0x20);
+      return text;
+    };
   };
-  const auto flipFirst = [&](const std::string& text) { return flip(text, "CONTENT"); };
-  const auto cutTail = [](const std::string& text) { return text.substr(0, text.size() - 30); };
-  const auto cutDirectory = [&](const std::string& text) {
-    return text.substr(0, text.find("PK\1\2"));
+  const auto cutAt = [](std::string_view at) -> Damage {
+    return [at](const std::string& text) { return text.substr(0, text.find(at)); };
+  };
+  const auto cutLast = [](size_t count) -> Damage {
+    return [count](const std::string& text) { return text.substr(0, text.size() - count); };
+  };
+  const auto become = [](const std::string& bytes) -> Damage {
+    return [bytes](const std::string&) { return bytes; };
   };
   const auto cutSecond = [](const std::string& text) {
     return text.substr(0, text.find("second.exe", text.find("second.exe") + 1) + 3);
   };
-  const auto swap = [&](std::string_view ending) {
-    return [this, &other, ending](const std::string&) { return Read(PointFile(other, ending)); };
+  const auto flipSum = [](std::string text) {
+    char& digit = text[text.rfind('\n', text.find("third.exe")) + 1];
+    digit = digit == '0' ? '1' : '0';
+    return text;
   };
+  const auto cutHead = [](const std::string& text) { return text.substr(text.find('\n') + 1); };
   struct Case {
     const char* what;
     std::string_view ending;
-    std::function<std::string(const std::string&)> damage;
+    Damage damage;
     // Which of the three files and two values come back: strictly, and plainly.
     std::string strict;
     std::string plain;
@@ -263,45 +273,26 @@ TEST_F(RestoreTest, NamesWhatIsDamagedAndRestoresTheRest) {
   };
   using namespace restore_point;
   const std::string all = "11111";
+  const std::string otherArchive = Read(PointFile(other, kFiles));
+  const std::string otherManifest = Read(PointFile(other, kManifest));
   const Case cases[] = {
-      {"flipped byte of a file", kFiles, flipFirst, "01111", "01111", "first.exe"},
-      {"archive without its end", kFiles, cutTail, all, all, ""},
-      {"archive without its directory", kFiles, cutDirectory, all, all, ""},
+      {"flipped byte of a file", kFiles, flipAt("CONTENT"), "01111", "01111", "first.exe"},
+      {"archive without its end", kFiles, cutLast(30), all, all, ""},
+      {"archive without its directory", kFiles, cutAt("PK\1\2"), all, all, ""},
       {"archive cut in its second file", kFiles, cutSecond, "10011", "10011", "third.exe"},
-      {"empty archive", kFiles, [](const std::string&) { return std::string(); }, "00011", "00011",
-       "second.exe"},
-      {"another point's archive", kFiles, swap(kFiles), "00011", "00011", "second.exe"},
-      {"flipped line of the registry", kRegistry,
-       [&](const std::string& text) { return flip(text, "[[-]]one"); }, all, "11101", "one"},
-      {"registry cut in its last line", kRegistry,
-       [](const std::string& text) { return text.substr(0, text.size() - 4); }, all, "11110",
-       "two"},
-      {"flipped path in the manifest", kManifest,
-       [&](const std::string& text) { return flip(text, "second.exe"); }, "10111", "10111",
-       "econd.exe"},
-      {"flipped bytes of a value in the manifest", kManifest,
-       [&](const std::string& text) { return flip(text, "one\t1\t3"); }, "11101", all,
-       "Value Name"},
-      {"flipped sum in the manifest", kManifest,
-       [](const std::string& text) {
-         std::string flipped = text;
-         const size_t line = text.rfind('\n', text.find("third.exe")) + 1;
-         flipped[line] = text[line] == '0' ? '1' : '0';
-         return flipped;
-       },
-       "11011", "11011", "third.exe"},
-      {"manifest cut in its last file", kManifest,
-       [](const std::string& text) { return text.substr(0, text.find("third.exe")); }, "11011",
-       "11011", "third.exe"},
-      {"manifest without its end", kManifest, cutTail, all, all, "end of the manifest"},
-      {"manifest without its head", kManifest,
-       [](const std::string& text) { return text.substr(text.find('\n') + 1); }, all, all,
-       "head of the manifest"},
-      {"empty manifest", kManifest, [](const std::string&) { return std::string(); }, "00000",
-       "00000", "second.exe"},
-      {"another point's manifest", kManifest, swap(kManifest), "00000", "00000", "second.exe"},
-      {"a manifest of binary", kManifest,
-       [](const std::string&) { return std::string(5000, '\xFF'); }, "00000", "00000",
+      {"empty archive", kFiles, become(""), "00011", "00011", "second.exe"},
+      {"another's archive", kFiles, become(otherArchive), "00011", "00011", "second.exe"},
+      {"flipped registry line", kRegistry, flipAt("[[-]]one"), all, "11101", "one"},
+      {"registry cut in its last line", kRegistry, cutLast(4), all, "11110", "two"},
+      {"flipped path", kManifest, flipAt("second.exe"), "10111", "10111", "econd.exe"},
+      {"flipped bytes of a value", kManifest, flipAt("one\t1\t3"), "11101", all, "Value Name"},
+      {"flipped sum", kManifest, flipSum, "11011", "11011", "third.exe"},
+      {"manifest cut in a file", kManifest, cutAt("third.exe"), "11011", "11011", "third.exe"},
+      {"manifest without its end", kManifest, cutLast(30), all, all, "end of the manifest"},
+      {"manifest without its head", kManifest, cutHead, all, all, "head of the manifest"},
+      {"empty manifest", kManifest, become(""), "00000", "00000", "second.exe"},
+      {"another's manifest", kManifest, become(otherManifest), "00000", "00000", "second.exe"},
+      {"a manifest of binary", kManifest, become(std::string(5000, '\xFF')), "00000", "00000",
        "second.exe"},
   };
   for (const bool strict : {true, false}) {
@@ -342,22 +333,14 @@ TEST_F(RestoreTest, NamesWhatIsDamagedAndRestoresTheRest) {
 TEST_F(RestoreTest, NeverLeavesTheRoot) {
   const std::string root = Path("Program").substr(0, 3);
   const std::string inside = EntryName(Path("inside"));
-  const std::vector<std::string> hostile = {
-      "../outside.exe",
-      inside + "/../../../outside.exe",
-      inside + "\\..\\..\\..\\outside.exe",
-      "/outside.exe",
-      "C:/outside.exe",
-      "C:outside.exe",
-      "//host/share/outside.exe",
-      "\\\\?\\C:\\outside.exe",
-      inside + "/NUL",
-      inside + "/com1.txt",
-      inside + "/file.txt:stream",
-      inside + "/a\nb",
-      inside + "//double",
-      inside + "/./dot",
-  };
+  std::vector<std::string> hostile = {"../outside.exe",           "/outside.exe",
+                                      "C:/outside.exe",           "C:outside.exe",
+                                      "//host/share/outside.exe", "\\\\?\\C:\\outside.exe"};
+  for (const std::string_view name :
+       {"/../../../outside.exe", "\\..\\..\\..\\outside.exe", "/NUL", "/com1.txt",
+        "/file.txt:stream", "/a\nb", "//double", "/./dot"}) {
+    hostile.push_back(inside + std::string(name));
+  }
   std::vector<std::string> entries = hostile;
   entries.push_back(inside + "/good.exe");
   entries.push_back("|D/" + inside + "/side.exe");
@@ -416,11 +399,8 @@ TEST_F(RestoreTest, SurvivesAnyArchive) {
   CreateFolders(files(), BackupFolder(program));
   WriteArchive(path, entries);
   const std::string whole = Read(path);
-  uint32_t random = 20080614;
-  const auto next = [&](size_t below) {
-    random = random * 1664525 + 1013904223;
-    return static_cast<size_t>(random >> 8) % below;
-  };
+  std::mt19937 random(20080614);
+  const auto next = [&](size_t below) { return random() % below; };
   const int rounds = machineFolder().empty() ? 50 : 400;
   for (int round = 0; round < rounds; ++round) {
     std::string bytes = whole;

@@ -20,7 +20,6 @@ class DeepScanTest : public ScanTest {
  protected:
   HashPool pool{2};
 
-  DeepScan Make(HashPool* hashPool) { return DeepScan(context, hashPool); }
   void Clear() {
     resultsPage.vbatvwResults.Clear();
     resultsPage.sfttvwResults.Clear();
@@ -31,7 +30,7 @@ class DeepScanTest : public ScanTest {
     flags.scanStopRequested = false;
   }
   std::vector<std::string> Scan(const std::string& folder, HashPool* hashPool) {
-    DeepScan scan = Make(hashPool);
+    DeepScan scan(context, hashPool);
     EXPECT_TRUE(scan.LoadSignatureHashText());
     scan.ScanFolder(folder);
     return Texts(resultsPage.lvwFilesToBeDeleted);
@@ -66,7 +65,7 @@ TEST_F(DeepScanTest, FindsByHashWhereverAFileLies) {
 TEST_F(DeepScanTest, CountsEntriesWithTheirDots) {
   WriteFile(Path("count\\a\\b.txt"), "");
   WriteFile(Path("count\\c.txt"), "");
-  DeepScan scan = Make(nullptr);
+  DeepScan scan(context, nullptr);
   EXPECT_EQ(scan.SizeFindFilesAPI(Path("count"), true), 7);
   EXPECT_EQ(scan.SizeFindFilesAPI(Path("count"), false), 14);
 }

@@ -29,10 +29,9 @@ class FileScanTest : public ScanTest {
   // A line for a path below the planted folder.
   static std::string Line(std::string_view company, std::string_view threat, std::string_view path,
                           std::string_view hash) {
-    std::string line(company);
-    line.append(",").append(threat).append(",1,31,Planted\\").append(path);
-    line.append(",").append(hash).append(",ID\n");
-    return line;
+    return Join({std::string(company), std::string(threat), "1,31,Planted\\" + std::string(path),
+                 std::string(hash), "ID\n"},
+                ",");
   }
 
   std::vector<std::string> Scan(const std::string& source) {

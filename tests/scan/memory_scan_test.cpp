@@ -2,8 +2,6 @@
 
 #include <gmock/gmock.h>
 
-#include <map>
-
 #include "base/text.h"
 #include "scan/scan_fixture.h"
 #include "signatures/md5.h"
@@ -52,25 +50,18 @@ TEST_F(MemoryScanTest, RunningThreatEntersTheResultsOfAScan) {
   Run("idle", "");
   const std::string path = Run("bad.exe", "bad");
   Run("good.exe", "good");
+  Run("second copy.exe", "bad");
   Sign("bad");
   memoryScan.MemoryItemsInspection(page.pbgMain);
+  // The second copy is counted and not entered.
   EXPECT_THAT(TreeLines(), ElementsAre("Runner", "  [Found] - " + path));
+  EXPECT_EQ(resultsPage.lvwFilesToBeDeleted.Count(), 1U);
   EXPECT_EQ(resultsPage.vbatvwResults.At(1)->columns.front(), "Trojan");
-  EXPECT_EQ(page.lblMemoryInfected.Caption(), "1");
-  EXPECT_EQ(page.lblMemoryInspected.Caption(), "2");
+  EXPECT_EQ(page.lblMemoryInfected.Caption(), "2");
+  EXPECT_EQ(page.lblMemoryInspected.Caption(), "3");
   // The number of processes is that of the last time, so nothing is inspected.
   memoryScan.MemoryItemsInspection(page.pbgMain);
-  EXPECT_EQ(page.lblMemoryInfected.Caption(), "1");
-}
-
-TEST_F(MemoryScanTest, SecondCopyIsCountedAndNotEntered) {
-  Run("idle", "");
-  Run("one.exe", "bad");
-  Run("two.exe", "bad");
-  Sign("bad");
-  memoryScan.MemoryItemsInspection(page.pbgMain);
   EXPECT_EQ(page.lblMemoryInfected.Caption(), "2");
-  EXPECT_EQ(resultsPage.lvwFilesToBeDeleted.Count(), 1U);
 }
 
 TEST_F(MemoryScanTest, OutsideAScanAHitRaisesTheAlert) {

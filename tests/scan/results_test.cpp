@@ -43,7 +43,7 @@ TEST_F(ResultsTest, TwoTracesOfOneThreatMakeOneRoot) {
   EXPECT_EQ(threat.SubItem(2), "Examplesoft");
   EXPECT_EQ(threat.tag, "id-1");
   EXPECT_EQ(resultsPage.lvwFilesToBeDeleted.Count(), 2U);
-  EXPECT_EQ(resultsPage.vbatvwResults.At(1)->columns, (std::vector<std::string>{"Adware", "4 "}));
+  EXPECT_EQ(resultsPage.vbatvwResults.At(1)->columns, (Strings{"Adware", "4 "}));
   EXPECT_EQ(resultsPage.vbatvwResults.At(3)->key, "K2[[]]C:\\b.exe");
   ASSERT_EQ(resultsPage.sfttvwResults.Count(), 3U);
   EXPECT_EQ(resultsPage.sfttvwResults.At(0).Cell(2), "Adware");
@@ -157,7 +157,7 @@ TEST_F(SafeListTest, TickedTracesAreMovedOnceAndReadBack) {
   EXPECT_FALSE(safeList.AddTickedTraces(path, resultsPage));
   for (const TreeNodeRef& node : tree.InOrder()) tree.SetChecked(*node, true);
   EXPECT_TRUE(safeList.AddTickedTraces(path, resultsPage));
-  EXPECT_EQ(ReadWholeFile(files(), path), "C:\\1^A^A\r\n");
+  EXPECT_EQ(Read(path), "C:\\1^A^A\r\n");
   EXPECT_THAT(TreeLines(), ElementsAre("A", "  [Ignored] - C:\\1", "  [Ignored] - C:\\1"));
   EXPECT_TRUE(results.IsSpywareIgnored("c:\\1", "", ""));
   resultsPage.lvwIgnoredSpywares.Clear();

@@ -39,9 +39,7 @@ class ScanTest : public PlatformTest {
                       .host = host,
                       .log = log};
 
-  std::string LogText() {
-    return FileExists(files(), log.Path()) ? ReadWholeFile(files(), log.Path()) : std::string();
-  }
+  std::string LogText() { return Exists(log.Path()) ? Read(log.Path()) : std::string(); }
 
   // Compiles sources and puts the files into the system folder.
   void Install(const SignatureSources& sources) {
