@@ -1,7 +1,5 @@
 #include "proof/posix_proof_machine.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
@@ -12,7 +10,7 @@
 #include "core/error_log.h"
 #include "core/paths.h"
 #include "core/settings.h"
-#include "machine/reg_file.h"
+#include "machine/registry_transfer.h"
 #include "platform/machine_folder.h"
 #include "recovery/manifest.h"
 #include "recovery/removal_report.h"
@@ -163,27 +161,20 @@ std::string WhatFileIs(Files& files, const std::string& path) {
 std::string WhatValueIs(RegistryKey& key, const std::string& name) {
   RawValue value;
   if (key.Query(name, value) != RegistryStatus::kSuccess) return {};
-  return name + "=" + std::to_string(static_cast<uint32_t>(value.type)) + ":" + value.data + ";";
+  return ValueLine(name, value);
 }
 
 std::string WhatKeyIs(Registry& registry, const std::string& path) {
-  std::unique_ptr<RegistryKey> key;
-  if (registry.Open(hive::kCurrentUser, path, registry_access::kRead, key) !=
-      RegistryStatus::kSuccess) {
+  std::vector<RegStep> steps;
+  if (CollectSteps(registry, {hive::kCurrentUser, path}, steps) != RegistryStatus::kSuccess) {
     return {};
   }
-  std::vector<std::string> values;
-  std::string name;
-  for (uint32_t i = 0; key->EnumValue(i, name) == RegistryStatus::kSuccess; ++i) {
-    values.push_back(WhatValueIs(*key, name));
+  std::vector<std::string> lines;
+  for (const RegStep& step : steps) {
+    lines.push_back(Join({KeyPathText(step.key), ValueLine(step.name, step.value)}, " "));
   }
-  std::sort(values.begin(), values.end());
-  std::string all = path + "{";
-  for (const std::string& value : values) all += value;
-  for (const std::string& below : EnumSubKeys(registry, hive::kCurrentUser, path)) {
-    all.append(WhatKeyIs(registry, Join({path, below}, "\\")));
-  }
-  return all + "}";
+  std::sort(lines.begin(), lines.end());
+  return Join(lines, "\n");
 }
 
 std::string_view Environment(const char* name) {
@@ -203,6 +194,30 @@ unsigned Seed() {
     return chosen;
   }();
   return seed;
+}
+
+std::vector<Intervention> Interventions(Intervention::Kind kind, int error, size_t calls,
+                                        size_t sample) {
+  const bool all = Environment("QUARNEL_PROOF") == "all";
+  const size_t points = all ? calls : std::min(sample, calls);
+  std::mt19937 random(Seed() + static_cast<unsigned>(kind) * 1000 + static_cast<unsigned>(error));
+  std::cout << kKindNames[static_cast<size_t>(kind)] << ", error " << error << ": " << points
+            << " of " << calls << " calls\n";
+  std::vector<Intervention> interventions;
+  for (size_t i = 0; i < points; ++i) {
+    const size_t begin = calls * i / points;
+    const size_t end = calls * (i + 1) / points;
+    interventions.push_back(
+        {.kind = kind, .at = 1 + begin + random() % (end - begin), .error = error});
+  }
+  return interventions;
+}
+
+// What was done, for the message of a failed check.
+std::string Describe(const Intervention& intervention, const TracedRun& run) {
+  return std::string(kKindNames[static_cast<size_t>(intervention.kind)]) + " at call " +
+         std::to_string(intervention.at) + ", error " + std::to_string(intervention.error) + ": " +
+         run.place;
 }
 
 }  // namespace
@@ -343,27 +358,32 @@ int ScanAndRemove(const std::string& folder) {
                        "remove\n");
 }
 
-std::vector<Intervention> Interventions(Intervention::Kind kind, int error, size_t calls,
-                                        size_t sample) {
-  const bool all = Environment("QUARNEL_PROOF") == "all";
-  const size_t points = all ? calls : std::min(sample, calls);
-  std::mt19937 random(Seed() + static_cast<unsigned>(kind) * 1000 + static_cast<unsigned>(error));
-  std::cout << kKindNames[static_cast<size_t>(kind)] << ", error " << error << ": " << points
-            << " of " << calls << " calls\n";
-  std::vector<Intervention> interventions;
-  for (size_t i = 0; i < points; ++i) {
-    const size_t begin = calls * i / points;
-    const size_t end = calls * (i + 1) / points;
-    interventions.push_back(
-        {.kind = kind, .at = 1 + begin + random() % (end - begin), .error = error});
-  }
-  return interventions;
+void ProofTest::SetUp() {
+  if (const std::string reason = WhyNoTracing(); !reason.empty()) GTEST_SKIP() << reason;
 }
 
-std::string Describe(const Intervention& intervention, const TracedRun& run) {
-  return std::string(kKindNames[static_cast<size_t>(intervention.kind)]) + " at call " +
-         std::to_string(intervention.at) + ", error " + std::to_string(intervention.error) + ": " +
-         run.place;
+TracedRun ProofTest::Run(const Program& program, const Intervention& intervention,
+                         std::string_view from) {
+  machine.BecomeCopyOf(original);
+  return RunTraced(program, intervention, from);
+}
+
+void ProofTest::Prove(const Program& program, const Disturbance& disturbance,
+                      const std::function<void(const TracedRun&)>& check) {
+  const size_t calls = Run(program, {}, disturbance.from).calls;
+  ASSERT_GT(calls, 10U);
+  for (const Kind kind : disturbance.kinds) {
+    for (const int error : disturbance.errors) {
+      for (const Intervention& intervention :
+           Interventions(kind, error, calls, disturbance.sample)) {
+        const TracedRun run = Run(program, intervention, disturbance.from);
+        SCOPED_TRACE(Describe(intervention, run));
+        const bool kills = kind == Kind::kKill || kind == Kind::kTear;
+        EXPECT_EQ(run.Crashed(), kills) << run.signal << run.output;
+        check(run);
+      }
+    }
+  }
 }
 
 }  // namespace quarnel

@@ -1,9 +1,9 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <functional>
 #include <map>
-#include <memory>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -59,13 +59,33 @@ std::string TornStateFiles(Platform& platform);
 // The real program: scans, ticks everything and removes it, with a restore point.
 int ScanAndRemove(const std::string& folder);
 
-// How a proof of `calls` writing calls interferes: at all of them when the environment has
-// QUARNEL_PROOF as "all"; otherwise at `sample` of them, spread over the whole by a seed that is
-// printed, and taken from QUARNEL_PROOF_SEED where that is set.
-std::vector<Intervention> Interventions(Intervention::Kind kind, int error, size_t calls,
-                                        size_t sample);
+// Lets a program work on copies of one machine, and disturbs it there.
+class ProofTest : public ::testing::Test {
+ protected:
+  using Kind = Intervention::Kind;
+  using Program = std::function<int()>;
 
-// What was done, for the message of a failed check.
-std::string Describe(const Intervention& intervention, const TracedRun& run);
+  void SetUp() override;
+
+  // Runs a program on a fresh copy of the machine; calls count from the first one about `from`.
+  TracedRun Run(const Program& program, const Intervention& intervention,
+                std::string_view from = {});
+
+  struct Disturbance {
+    std::vector<Kind> kinds;
+    std::vector<int> errors = {0};
+    size_t sample = 0;
+    std::string_view from = {};
+  };
+  // Runs it with every kind of trouble and lets each result be checked. It interferes at all of its
+  // writing calls when the environment has QUARNEL_PROOF as "all"; otherwise at `sample` of them,
+  // spread over the whole by a seed that is printed, and taken from QUARNEL_PROOF_SEED where that
+  // is set.
+  void Prove(const Program& program, const Disturbance& disturbance,
+             const std::function<void(const TracedRun&)>& check);
+
+  ProofFolder original;
+  ProofFolder machine;
+};
 
 }  // namespace quarnel

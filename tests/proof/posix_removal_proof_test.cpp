@@ -1,8 +1,6 @@
 // The real program is stopped at its writing calls, or its calls fail. Whatever happens, no trace
 // may be lost, and nothing may be told that is not so.
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cerrno>
 
@@ -14,44 +12,33 @@
 namespace quarnel {
 namespace {
 
-using Kind = Intervention::Kind;
-
 // The removal begins with its restore point.
 constexpr std::string_view kBegin = "Backup";
 
-class RemovalProof : public ::testing::Test {
+class RemovalProof : public ProofTest {
  protected:
   void SetUp() override {
-    if (const std::string reason = WhyNoTracing(); !reason.empty()) GTEST_SKIP() << reason;
+    ProofTest::SetUp();
+    if (IsSkipped()) return;
     PlantProof(original.Path());
     before = TracesOf(original.Path());
     ASSERT_EQ(before.size(), 60U);
     for (const auto& [name, content] : before) ASSERT_FALSE(content.empty()) << name;
-    const TracedRun run = Run({});
+    const TracedRun run = Run(removal, {});
     ASSERT_EQ(run.exitCode, 0) << run.output;
-    calls = run.calls;
     const auto platform = OpenPlatform(machine.Path());
     const auto report = LoadRemovalReport(platform->files(), platform->machine());
     ASSERT_TRUE(report) << run.output;
     ASSERT_EQ(report->traces.size(), before.size());
     ASSERT_TRUE(report->backup && report->backup->Complete());
-    gone = Changed(before, TracesOf(machine.Path()));
-  }
-
-  // On a fresh copy of the machine.
-  TracedRun Run(const Intervention& intervention) {
-    machine.BecomeCopyOf(original);
-    return RunTraced([this] { return ScanAndRemove(machine.Path()); }, intervention, kBegin);
+    ASSERT_GT(Changed(before, TracesOf(machine.Path())).size(), 40U);
   }
 
   void CheckNothingIsLost();
   void CheckReport(const TracedRun& run);
 
-  ProofFolder original;
-  ProofFolder machine;
+  Program removal = [this] { return ScanAndRemove(machine.Path()); };
   Traces before;
-  size_t calls = 0;
-  std::vector<std::string> gone;  // after an undisturbed removal
 };
 
 void RemovalProof::CheckNothingIsLost() {
@@ -66,16 +53,8 @@ void RemovalProof::CheckNothingIsLost() {
 }
 
 TEST_F(RemovalProof, LosesNothingWhereverItIsKilled) {
-  EXPECT_GT(gone.size(), 40U);
-  EXPECT_GT(calls, 100U);
-  for (const Kind kind : {Kind::kKill, Kind::kTear}) {
-    for (const Intervention& intervention : Interventions(kind, 0, calls, 20)) {
-      const TracedRun run = Run(intervention);
-      SCOPED_TRACE(Describe(intervention, run));
-      EXPECT_TRUE(run.Crashed());
-      CheckNothingIsLost();
-    }
-  }
+  Prove(removal, {.kinds = {Kind::kKill, Kind::kTear}, .sample = 20, .from = kBegin},
+        [this](const TracedRun&) { CheckNothingIsLost(); });
 }
 
 // Whether the report names the trace, or the file of the restore point that should have held it.
@@ -97,7 +76,6 @@ bool ToldNotSaved(const BackupReport& backup, const std::string& trace) {
 
 // What the report says against what the machine shows, and what is gone against what can come back.
 void RemovalProof::CheckReport(const TracedRun& run) {
-  EXPECT_FALSE(run.Crashed()) << run.signal << run.output;
   EXPECT_TRUE(run.exitCode == 0 || run.exitCode == 1) << run.exitCode << run.output;
   const auto platform = OpenPlatform(machine.Path());
   EXPECT_EQ(TornStateFiles(*platform), "");
@@ -125,15 +103,12 @@ void RemovalProof::CheckReport(const TracedRun& run) {
 }
 
 TEST_F(RemovalProof, TellsTheTruthWhateverFails) {
-  for (const int error : {ENOSPC, EACCES, EROFS}) {
-    for (const Kind kind : {Kind::kFail, Kind::kFailFromThen}) {
-      for (const Intervention& intervention : Interventions(kind, error, calls, 8)) {
-        const TracedRun run = Run(intervention);
-        SCOPED_TRACE(Describe(intervention, run));
-        CheckReport(run);
-      }
-    }
-  }
+  Prove(removal,
+        {.kinds = {Kind::kFail, Kind::kFailFromThen},
+         .errors = {ENOSPC, EACCES, EROFS},
+         .sample = 8,
+         .from = kBegin},
+        [this](const TracedRun& run) { CheckReport(run); });
 }
 
 }  // namespace

@@ -1,8 +1,6 @@
 // A strict restore is stopped at its writing calls, or its calls fail. It can be repeated, and what
 // it could not bring back it names.
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cerrno>
 #include <iostream>
@@ -14,38 +12,21 @@
 namespace quarnel {
 namespace {
 
-using Kind = Intervention::Kind;
-
-class RestoreProof : public ::testing::Test {
+class RestoreProof : public ProofTest {
  protected:
   void SetUp() override {
-    if (const std::string reason = WhyNoTracing(); !reason.empty()) GTEST_SKIP() << reason;
-    PlantProof(removed.Path());
-    before = TracesOf(removed.Path());
-    const TracedRun run = RunTraced([this] { return ScanAndRemove(removed.Path()); }, {}, "none");
+    ProofTest::SetUp();
+    if (IsSkipped()) return;
+    PlantProof(original.Path());
+    before = TracesOf(original.Path());
+    const TracedRun run = RunTraced([this] { return ScanAndRemove(original.Path()); }, {}, "none");
     ASSERT_EQ(run.exitCode, 0) << run.output;
-    const auto stems = RestorePoints(*OpenPlatform(removed.Path()));
+    const auto stems = RestorePoints(*OpenPlatform(original.Path()));
     ASSERT_EQ(stems.size(), 1U);
     stem = stems.front();
-    gone = Changed(before, TracesOf(removed.Path()));
-    ASSERT_GT(gone.size(), 40U);
-    calls = Run({}).calls;
+    ASSERT_GT(Changed(before, TracesOf(original.Path())).size(), 40U);
+    Run(restore, {});
     ASSERT_EQ(Lost(), std::vector<std::string>());
-  }
-
-  // A restore of everything in a child; its output is what it names as not restored.
-  TracedRun Run(const Intervention& intervention) {
-    machine.BecomeCopyOf(removed);
-    return RunTraced(
-        [this] {
-          for (const RestoreFailure& failure :
-               RestoreStrictly(*OpenPlatform(machine.Path()), stem).failures) {
-            std::cout << failure.what << '\n';
-          }
-          std::cout.flush();
-          return 0;
-        },
-        intervention);
   }
 
   std::vector<std::string> Lost() { return Changed(before, TracesOf(machine.Path())); }
@@ -62,49 +43,45 @@ class RestoreProof : public ::testing::Test {
     EXPECT_EQ(Leftovers(machine.Path()), std::vector<std::string>());
   }
 
-  ProofFolder removed;
-  ProofFolder machine;
+  // A restore of everything; its output is what it names as not restored.
+  Program restore = [this] {
+    for (const RestoreFailure& failure :
+         RestoreStrictly(*OpenPlatform(machine.Path()), stem).failures) {
+      std::cout << failure.what << '\n';
+    }
+    std::cout.flush();
+    return 0;
+  };
   Traces before;
-  std::vector<std::string> gone;
   std::string stem;
-  size_t calls = 0;
 };
 
 TEST_F(RestoreProof, CanBeRepeatedWhereverItIsKilled) {
-  for (const Kind kind : {Kind::kKill, Kind::kTear}) {
-    for (const Intervention& intervention : Interventions(kind, 0, calls, 15)) {
-      const TracedRun run = Run(intervention);
-      SCOPED_TRACE(Describe(intervention, run));
-      EXPECT_TRUE(run.Crashed());
-      CheckItCanBeRepeated();
-    }
-  }
+  Prove(restore, {.kinds = {Kind::kKill, Kind::kTear}, .sample = 15},
+        [this](const TracedRun&) { CheckItCanBeRepeated(); });
 }
 
 TEST_F(RestoreProof, NamesWhatItCouldNotBringBackWhateverFails) {
-  for (const int error : {ENOSPC, EACCES, EROFS}) {
-    for (const Kind kind : {Kind::kFail, Kind::kFailFromThen}) {
-      for (const Intervention& intervention : Interventions(kind, error, calls, 8)) {
-        const TracedRun run = Run(intervention);
-        SCOPED_TRACE(Describe(intervention, run));
-        EXPECT_FALSE(run.Crashed()) << run.signal << run.output;
-        // A machine that could not be opened was not restored, and its user knows.
-        if (run.output.starts_with("uncaught: ")) continue;
-        EXPECT_EQ(run.exitCode, 0) << run.output;
-        const std::vector<std::string> told = Split(run.output, "\n");
-        for (const std::string& trace : Lost()) {
-          // Of a key each key and value of it is an item.
-          const std::string_view whole = std::string_view(trace).substr(0, trace.find(" -> "));
-          const bool isKey = trace.ends_with("-> Value Name: ");
-          const bool named = std::any_of(told.begin(), told.end(), [&](const std::string& item) {
-            return isKey ? item.starts_with(whole) : item == trace;
-          });
-          EXPECT_TRUE(named) << trace << " is not as it was, and not among:\n" << run.output;
-        }
-        CheckItCanBeRepeated();
-      }
+  const auto check = [this](const TracedRun& run) {
+    // A machine that could not be opened was not restored, and its user knows.
+    if (run.output.starts_with("uncaught: ")) return;
+    EXPECT_EQ(run.exitCode, 0) << run.output;
+    const std::vector<std::string> told = Split(run.output, "\n");
+    for (const std::string& trace : Lost()) {
+      // Of a key each key and value of it is an item.
+      const std::string_view whole = std::string_view(trace).substr(0, trace.find(" -> "));
+      const bool isKey = trace.ends_with("-> Value Name: ");
+      const bool named = std::any_of(told.begin(), told.end(), [&](const std::string& item) {
+        return isKey ? item.starts_with(whole) : item == trace;
+      });
+      EXPECT_TRUE(named) << trace << " is not as it was, and not among:\n" << run.output;
     }
-  }
+    CheckItCanBeRepeated();
+  };
+  Prove(
+      restore,
+      {.kinds = {Kind::kFail, Kind::kFailFromThen}, .errors = {ENOSPC, EACCES, EROFS}, .sample = 8},
+      check);
 }
 
 }  // namespace

@@ -1,7 +1,5 @@
 // What the program keeps for itself is old or new, wherever it is killed and whatever fails.
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cerrno>
 #include <functional>
@@ -18,42 +16,32 @@
 namespace quarnel {
 namespace {
 
-using Kind = Intervention::Kind;
-
 constexpr int kSettings = 12;
 
-class StateProof : public ::testing::Test {
+class StateProof : public ProofTest {
  protected:
   void SetUp() override {
-    if (const std::string reason = WhyNoTracing(); !reason.empty()) GTEST_SKIP() << reason;
+    ProofTest::SetUp();
     CreateMachine(original.Path(), {});
   }
 
-  TracedRun Run(const std::function<int(Platform&)>& work, const Intervention& intervention) {
-    machine.BecomeCopyOf(original);
-    return RunTraced([&] { return work(*OpenPlatform(machine.Path())); }, intervention);
+  void ProveWork(const std::function<void(Platform&)>& work,
+                 const std::function<void(const TracedRun&)>& check) {
+    const auto program = [&] {
+      work(*OpenPlatform(machine.Path()));
+      return 0;
+    };
+    const auto checked = [&](const TracedRun& run) {
+      EXPECT_TRUE(run.Crashed() || run.exitCode == 0 || run.output.starts_with("uncaught: "))
+          << run.exitCode;
+      check(run);
+    };
+    Prove(program,
+          {.kinds = {Kind::kKill, Kind::kTear, Kind::kFail, Kind::kFailFromThen},
+           .errors = {ENOSPC},
+           .sample = 15},
+          checked);
   }
-
-  // Does the work with every kind of trouble and lets each result be checked.
-  void Prove(const std::function<int(Platform&)>& work,
-             const std::function<void(const TracedRun&)>& check) {
-    const size_t calls = Run(work, {}).calls;
-    ASSERT_GT(calls, 10U);
-    for (const Kind kind : {Kind::kKill, Kind::kTear, Kind::kFail, Kind::kFailFromThen}) {
-      for (const Intervention& intervention : Interventions(kind, ENOSPC, calls, 15)) {
-        const TracedRun run = Run(work, intervention);
-        SCOPED_TRACE(Describe(intervention, run));
-        const bool kills = kind == Kind::kKill || kind == Kind::kTear;
-        EXPECT_EQ(run.Crashed(), kills) << run.signal << run.output;
-        EXPECT_TRUE(kills || run.exitCode == 0 || run.output.starts_with("uncaught: "))
-            << run.exitCode;
-        check(run);
-      }
-    }
-  }
-
-  ProofFolder original;
-  ProofFolder machine;
 };
 
 std::string KeyOf(int number) { return "Key " + std::to_string(number); }
@@ -72,9 +60,8 @@ TEST_F(StateProof, EachSettingIsOldOrNew) {
       const bool saved = IgnoringErrors([&] { settings.SaveSetting("Proof", KeyOf(i), fresh); });
       std::cout << (saved ? "saved\n" : "failed\n") << std::flush;
     }
-    return 0;
   };
-  Prove(save, [&](const TracedRun& run) {
+  ProveWork(save, [&](const TracedRun& run) {
     const std::vector<std::string> told = Split(run.output, "\n");
     const auto platform = OpenPlatform(machine.Path());
     const Settings settings(platform->registry(), "Quarnel");
@@ -109,9 +96,8 @@ TEST_F(StateProof, TheSafeListIsOldOrNew) {
     list.Clear();
     list.Add({.text = "C:\\old two", .subItems = {"Threat", "Threat"}});
     safe.Rewrite(path, list);
-    return 0;
   };
-  Prove(change, [&](const TracedRun& run) {
+  ProveWork(change, [&](const TracedRun& run) {
     const std::string text = ReadWholeFile(OpenPlatform(machine.Path())->files(), path);
     if (run.Crashed()) {
       EXPECT_NE(std::find(states.begin(), states.end(), text), states.end()) << text;
@@ -131,12 +117,11 @@ TEST_F(StateProof, AttributesAreStoredOrTheFailureIsTold) {
   WriteWholeFile(OpenPlatform(original.Path())->files(), path, "x");
   const auto change = [&](Platform& platform) {
     for (const uint32_t attributes : {kHidden, kNormal, kSystem | kReadOnly, kArchive}) {
-      if (!IgnoringErrors([&] { platform.files().SetAttributes(path, attributes); })) return 0;
+      if (!IgnoringErrors([&] { platform.files().SetAttributes(path, attributes); })) return;
       std::cout << attributes << ' ' << platform.files().Stat(path)->attributes << std::endl;
     }
-    return 0;
   };
-  Prove(change, [&](const TracedRun& run) {
+  ProveWork(change, [&](const TracedRun& run) {
     if (run.output.starts_with("uncaught: ")) return;  // the machine could not be opened
     for (const std::string& line : Split(run.output, "\n")) {
       const std::vector<std::string> words = Split(line, " ");
