@@ -12,27 +12,17 @@
 namespace quarnel {
 namespace {
 
+using enum ErrorNumber;
+
 class FilesTest : public PlatformTest {
  protected:
-  std::string Make(std::string_view name, std::string_view bytes = "x") {
-    std::string path = Path(name);
-    WriteWholeFile(files(), path, bytes);
-    return path;
-  }
   bool OnRunningSystem() const { return machineFolder().empty(); }
-  std::string Read(std::string_view path) { return ReadWholeFile(files(), path); }
   // As the threads read it that hash a folder's files.
   std::string ReadListed(std::string_view folder, std::string_view name) {
     std::string buffer(1000, '\0');
     const auto file = files().OpenFolder(folder)->Open(name);
     buffer.resize(file->Read(buffer));
     return buffer;
-  }
-  bool Exists(std::string_view path) { return files().Stat(path).has_value(); }
-  std::vector<std::string> Names(std::string_view folder) {
-    std::vector<std::string> names;
-    for (const DirectoryEntry& entry : files().List(folder)) names.push_back(entry.name);
-    return names;
   }
 };
 
@@ -62,12 +52,6 @@ TEST_F(FilesTest, OpenModesKeepEmptyOrExtendAFile) {
   EXPECT_EQ(file->Read(buffer), 0U);
 }
 
-TEST_F(FilesTest, ReadWholeFileHasALimit) {
-  const std::string path = Make("big", std::string(1000, 'a'));
-  EXPECT_EQ(ReadWholeFile(files(), path, 1000).size(), 1000U);
-  EXPECT_EQ(ErrorOf([&] { ReadWholeFile(files(), path, 999); }), ErrorNumber::kOverflow);
-}
-
 TEST_F(FilesTest, FindsPathsInAnyCaseWithEitherSlash) {
   files().CreateFolder(Path("Folder"));
   Make("Folder\\File.TXT", "found");
@@ -87,7 +71,7 @@ TEST_F(FilesTest, FindsPathsInAnyCaseWithEitherSlash) {
   }
   // Written through another case it stays the one file.
   WriteWholeFile(files(), Path("FOLDER\\file.txt"), "again");
-  EXPECT_EQ(Names(Path("Folder")), std::vector<std::string>{"File.TXT"});
+  EXPECT_EQ(Names(Path("Folder")), Strings{"File.TXT"});
 }
 
 TEST_F(FilesTest, SeesChangesAtOnce) {
@@ -107,8 +91,7 @@ TEST_F(FilesTest, SeesChangesAtOnce) {
 TEST_F(FilesTest, ListsAFolderInOrderOfFoldedNames) {
   for (const char* name : {"b", "_c", "A2", "a10", ".hidden", "Z"}) Make(name, "12");
   files().CreateFolder(Path("c"));
-  EXPECT_EQ(Names(Scratch()),
-            (std::vector<std::string>{".hidden", "a10", "A2", "b", "c", "Z", "_c"}));
+  EXPECT_EQ(Names(Scratch()), (Strings{".hidden", "a10", "A2", "b", "c", "Z", "_c"}));
   const auto entries = files().List(Scratch() + "\\");
   EXPECT_TRUE(entries[4].IsFolder());
   EXPECT_EQ(entries[4].size, 0U);
@@ -119,8 +102,8 @@ TEST_F(FilesTest, ListsAFolderInOrderOfFoldedNames) {
 TEST_F(FilesTest, OpenedFolderSaysWhatItHasNot) {
   files().CreateFolder(Path("sub"));
   const auto folder = files().OpenFolder(Scratch() + "\\");
-  EXPECT_EQ(ErrorOf([&] { folder->Open("three"); }), ErrorNumber::kFileNotFound);
-  EXPECT_EQ(ErrorOf([&] { folder->Open("sub"); }), ErrorNumber::kPathFileAccess);
+  EXPECT_EQ(ErrorOf([&] { folder->Open("three"); }), kFileNotFound);
+  EXPECT_EQ(ErrorOf([&] { folder->Open("sub"); }), kPathFileAccess);
   EXPECT_ANY_THROW(files().OpenFolder(Path("none") + "\\")->Open("one"));
 }
 
@@ -144,7 +127,7 @@ TEST_F(FilesTest, KeepsEveryName) {
     EXPECT_EQ(ReadListed(Scratch() + "\\", name), name);
     ASSERT_TRUE(Exists(Path(name))) << name;
     EXPECT_EQ(files().Stat(Path(name))->name, name);
-    EXPECT_EQ(Names(Scratch()), std::vector<std::string>{name});
+    EXPECT_EQ(Names(Scratch()), Strings{name});
     files().Delete(Path(name));
     EXPECT_FALSE(Exists(Path(name))) << name;
   }
@@ -163,7 +146,7 @@ TEST_F(FilesTest, ReachesPathsOfAnyDepth) {
   WriteWholeFile(files(), path, "deep");
   EXPECT_EQ(Read(ToUpper(path)), "deep");
   EXPECT_EQ(ReadListed(folder + "\\", "deep.exe"), "deep");
-  EXPECT_EQ(Names(folder), std::vector<std::string>{"deep.exe"});
+  EXPECT_EQ(Names(folder), Strings{"deep.exe"});
   EXPECT_FALSE(Exists(folder + "\\other.exe"));
   files().Move(path, folder + "\\moved.exe");
   files().Delete(folder + "\\moved.exe");
@@ -172,7 +155,7 @@ TEST_F(FilesTest, ReachesPathsOfAnyDepth) {
 
 TEST_F(FilesTest, SaysWhatKindOfFailureItIs) {
   Make("file");
-  Make("read-only");
+  Make("read-only", "kept");
   files().SetAttributes(Path("read-only"), file_attribute::kReadOnly);
   files().CreateFolder(Path("folder"));
   files().CreateFolder(Path("full"));
@@ -182,7 +165,6 @@ TEST_F(FilesTest, SaysWhatKindOfFailureItIs) {
   const auto open = [&](std::string_view path, OpenMode mode) {
     return ErrorOf([&] { files().Open(path, mode); });
   };
-  using enum ErrorNumber;
   EXPECT_EQ(open(missing, OpenMode::kRead), kFileNotFound);
   EXPECT_EQ(open(pathless, OpenMode::kRead), kPathNotFound);
   EXPECT_EQ(open(Path("file\\x"), OpenMode::kRead), kPathNotFound);
@@ -196,56 +178,57 @@ TEST_F(FilesTest, SaysWhatKindOfFailureItIs) {
     EXPECT_EQ(open(Path("a*b"), mode), kBadFileName);
     EXPECT_EQ(open(Path(std::string(300, 'n')), mode), kBadFileName);
   }
-  struct Case {
-    const char* what;
-    std::optional<ErrorNumber> got;
-    ErrorNumber wanted;
-  };
   Files& f = files();
-  const Case cases[] = {
-      {"delete missing", ErrorOf([&] { f.Delete(missing); }), kFileNotFound},
-      {"delete pathless", ErrorOf([&] { f.Delete(pathless); }), kPathNotFound},
-      {"delete folder", ErrorOf([&] { f.Delete(Path("folder")); }), kPathFileAccess},
-      {"delete read-only", ErrorOf([&] { f.Delete(Path("read-only")); }), kPermissionDenied},
-      {"delete pattern", ErrorOf([&] { f.Delete(Path("*")); }), kBadFileName},
-      {"rmdir full", ErrorOf([&] { f.DeleteFolder(Path("full")); }), kPathFileAccess},
-      {"rmdir file", ErrorOf([&] { f.DeleteFolder(Path("file")); }), kPathFileAccess},
-      {"mkdir there", ErrorOf([&] { f.CreateFolder(Path("FOLDER")); }), kFileExists},
-      {"mkdir on file", ErrorOf([&] { f.CreateFolder(Path("file")); }), kFileExists},
-      {"mkdir pathless", ErrorOf([&] { f.CreateFolder(pathless); }), kPathNotFound},
-      {"move missing", ErrorOf([&] { f.Move(missing, Path("y")); }), kFileNotFound},
-      {"move onto", ErrorOf([&] { f.Move(Path("file"), Path("READ-only")); }), kFileExists},
-      {"move pathless", ErrorOf([&] { f.Move(Path("file"), pathless); }), kPathNotFound},
-      {"move into itself", ErrorOf([&] { f.Move(Path("full"), Path("full\\y")); }),
-       kPermissionDenied},
-      {"copy missing", ErrorOf([&] { f.Copy(missing, Path("y")); }), kFileNotFound},
-      {"copy onto folder", ErrorOf([&] { f.Copy(Path("file"), Path("folder")); }), kPathFileAccess},
-      {"copy onto read-only", ErrorOf([&] { f.Copy(Path("file"), Path("read-only")); }),
-       kPermissionDenied},
-      {"copy onto itself", ErrorOf([&] { f.Copy(Path("file"), Path("FILE")); }), kPermissionDenied},
-      {"replace by missing", ErrorOf([&] { f.ReplaceFile(missing, Path("file")); }), kFileNotFound},
-      {"list missing", ErrorOf([&] { f.List(missing); }), kPathNotFound},
-      {"list file", ErrorOf([&] { f.List(Path("file")); }), kPathNotFound},
-      {"attributes", ErrorOf([&] { f.SetAttributes(missing, 0); }), kFileNotFound},
-      {"time", ErrorOf([&] { f.SetModified(missing, FileTime()); }), kFileNotFound},
+  const struct {
+    const char* what;
+    ErrorNumber wanted;
+    std::function<void()> action;
+  } cases[] = {
+      {"delete missing", kFileNotFound, [&] { f.Delete(missing); }},
+      {"delete pathless", kPathNotFound, [&] { f.Delete(pathless); }},
+      {"delete folder", kPathFileAccess, [&] { f.Delete(Path("folder")); }},
+      {"delete read-only", kPermissionDenied, [&] { f.Delete(Path("read-only")); }},
+      {"delete pattern", kBadFileName, [&] { f.Delete(Path("*")); }},
+      {"rmdir full", kPathFileAccess, [&] { f.DeleteFolder(Path("full")); }},
+      {"rmdir file", kPathFileAccess, [&] { f.DeleteFolder(Path("file")); }},
+      {"mkdir there", kFileExists, [&] { f.CreateFolder(Path("FOLDER")); }},
+      {"mkdir on file", kFileExists, [&] { f.CreateFolder(Path("file")); }},
+      {"mkdir pathless", kPathNotFound, [&] { f.CreateFolder(pathless); }},
+      {"move missing", kFileNotFound, [&] { f.Move(missing, Path("y")); }},
+      {"move onto", kFileExists, [&] { f.Move(Path("file"), Path("READ-only")); }},
+      {"move pathless", kPathNotFound, [&] { f.Move(Path("file"), pathless); }},
+      {"move into itself", kPermissionDenied, [&] { f.Move(Path("full"), Path("full\\y")); }},
+      {"copy missing", kFileNotFound, [&] { f.Copy(missing, Path("y")); }},
+      {"copy onto folder", kPathFileAccess, [&] { f.Copy(Path("file"), Path("folder")); }},
+      {"copy onto read-only", kPermissionDenied, [&] { f.Copy(Path("file"), Path("read-only")); }},
+      {"copy onto itself", kPermissionDenied, [&] { f.Copy(Path("file"), Path("FILE")); }},
+      {"replace by missing", kFileNotFound, [&] { f.ReplaceFile(missing, Path("file")); }},
+      {"replace read-only", kPermissionDenied,
+       [&] { f.ReplaceFile(Path("file"), Path("read-only")); }},
+      {"list missing", kPathNotFound, [&] { f.List(missing); }},
+      {"list file", kPathNotFound, [&] { f.List(Path("file")); }},
+      {"attributes", kFileNotFound, [&] { f.SetAttributes(missing, 0); }},
+      {"modified", kFileNotFound, [&] { f.SetModified(missing, FileTime()); }},
+      {"times", kFileNotFound, [&] { f.Times(missing); }},
+      {"folder below a file", kFileExists, [&] { CreateFolders(f, Path("file\\x")); }},
+      {"too large", kOverflow, [&] { ReadWholeFile(f, Path("file"), 0); }},
   };
-  for (const Case& test : cases) {
-    EXPECT_EQ(test.got, test.wanted) << test.what;
-  }
+  for (const auto& [what, wanted, action] : cases) EXPECT_EQ(ErrorOf(action), wanted) << what;
   for (const std::string& path :
        {missing, pathless, Path("fi?e"), Path("f*"), std::string(), std::string("C:\\a\0b", 6),
         std::string("1:\\"), std::string("\\\\?\\"), std::string("\\\\host\\share\\x"),
         "C:\\" + std::string(200000, '\\') + "x", "C:" + std::string(100000, 'x')}) {
     EXPECT_FALSE(Exists(path)) << path.substr(0, 80);
   }
-  EXPECT_EQ(Read(Path("file")), "x");
+  EXPECT_EQ(ReadWholeFile(f, Path("file"), 1), "x");
+  EXPECT_EQ(Read(Path("read-only")), "kept");
 }
 
 TEST_F(FilesTest, MovesFilesAndFolders) {
   files().CreateFolder(Path("from"));
   Make("from\\a", "1");
   files().Move(Path("FROM"), Path("to"));
-  EXPECT_EQ(Names(Scratch()), std::vector<std::string>{"to"});
+  EXPECT_EQ(Names(Scratch()), Strings{"to"});
   files().Move(Path("to\\a"), Path("b"));
   EXPECT_EQ(Read(Path("b")), "1");
   // A change of letter case is none of place; not every system under a running one makes it.
@@ -262,12 +245,7 @@ TEST_F(FilesTest, ReplacesAFileInOneStep) {
   Make("settings.new", "new");
   files().ReplaceFile(Path("settings.new"), Path("SETTINGS.ini"));
   EXPECT_EQ(Read(Path("settings.ini")), "new");
-  EXPECT_EQ(files().List(Scratch()).size(), 1U);
-  files().SetAttributes(Path("settings.ini"), file_attribute::kReadOnly);
-  Make("settings.new", "newer");
-  EXPECT_EQ(ErrorOf([&] { files().ReplaceFile(Path("settings.new"), Path("settings.ini")); }),
-            ErrorNumber::kPermissionDenied);
-  EXPECT_EQ(Read(Path("settings.ini")), "new");
+  EXPECT_EQ(Names(Scratch()), Strings{"settings.ini"});
 }
 
 TEST_F(FilesTest, ReplacesAWholeFileByWayOfAnother) {
@@ -288,10 +266,10 @@ TEST_F(FilesTest, ReplacesAWholeFileByWayOfAnother) {
     replace(Path("LIST.TXT"), "new");
     AppendInOneStep(files(), path, "er");
     EXPECT_EQ(Read(path), "newer");
-    EXPECT_EQ(Names(Scratch()), std::vector<std::string>{"list.txt"});
+    EXPECT_EQ(Names(Scratch()), Strings{"list.txt"});
     files().SetAttributes(path, file_attribute::kReadOnly);
-    EXPECT_EQ(ErrorOf([&] { replace(path, "x"); }), ErrorNumber::kPermissionDenied);
-    EXPECT_EQ(ErrorOf([&] { replace(Path("no\\x"), "x"); }), ErrorNumber::kPathNotFound);
+    EXPECT_EQ(ErrorOf([&] { replace(path, "x"); }), kPermissionDenied);
+    EXPECT_EQ(ErrorOf([&] { replace(Path("no\\x"), "x"); }), kPathNotFound);
     // Whoever reads the error knows no temporary name.
     try {
       replace(Path("no\\x"), "x");
@@ -300,8 +278,8 @@ TEST_F(FilesTest, ReplacesAWholeFileByWayOfAnother) {
     }
     // A failure at the last step leaves the old file and nothing beside it.
     files().CreateFolder(Path("folder"));
-    EXPECT_EQ(ErrorOf([&] { replace(Path("folder"), "x"); }), ErrorNumber::kPathFileAccess);
-    EXPECT_EQ(Names(Scratch()), (std::vector<std::string>{"folder", "list.txt"}));
+    EXPECT_EQ(ErrorOf([&] { replace(Path("folder"), "x"); }), kPathFileAccess);
+    EXPECT_EQ(Names(Scratch()), (Strings{"folder", "list.txt"}));
     EXPECT_EQ(Read(path), "newer");
     files().DeleteFolder(Path("folder"));
     files().SetAttributes(path, file_attribute::kNormal);
@@ -317,9 +295,9 @@ TEST_F(FilesTest, ReplacesSeveralFilesInTheirOrder) {
   EXPECT_EQ(Read(Path("1.txt")), "one");
   EXPECT_EQ(Read(Path("a\\2.txt")), "");
   // The third cannot be replaced, and the fourth is not.
-  EXPECT_EQ(ErrorOf([&] { ReplaceWholeFiles(files(), wanted); }), ErrorNumber::kPathFileAccess);
-  EXPECT_EQ(Names(Scratch()), (std::vector<std::string>{"1.txt", "a"}));
-  EXPECT_EQ(Names(Path("a")), (std::vector<std::string>{"2.txt", "folder"}));
+  EXPECT_EQ(ErrorOf([&] { ReplaceWholeFiles(files(), wanted); }), kPathFileAccess);
+  EXPECT_EQ(Names(Scratch()), (Strings{"1.txt", "a"}));
+  EXPECT_EQ(Names(Path("a")), (Strings{"2.txt", "folder"}));
 }
 
 TEST_F(FilesTest, HeldFoldersTakeManyFilesAtOnce) {
@@ -364,14 +342,14 @@ TEST_F(FilesTest, HeldFolderWorksByNamesAlone) {
   constexpr std::string_view kNoNames[] = {"",      ".",   "..",  "a\\b", "a/b",
                                            "..\\x", "C:x", "a:b", "a*",   {"a\0b", 3}};
   for (const std::string_view name : kNoNames) {
-    EXPECT_EQ(ErrorOf([&] { folder.Create(name); }), ErrorNumber::kBadFileName) << name;
+    EXPECT_EQ(ErrorOf([&] { folder.Create(name); }), kBadFileName) << name;
     EXPECT_FALSE(folder.Stat(name)) << name;
   }
-  EXPECT_EQ(ErrorOf([&] { folder.Delete("none"); }), ErrorNumber::kFileNotFound);
-  EXPECT_EQ(ErrorOf([&] { folder.PutInPlace("none", "x"); }), ErrorNumber::kFileNotFound);
+  EXPECT_EQ(ErrorOf([&] { folder.Delete("none"); }), kFileNotFound);
+  EXPECT_EQ(ErrorOf([&] { folder.PutInPlace("none", "x"); }), kFileNotFound);
   folder.Create("new")->Write("1");
-  EXPECT_EQ(ErrorOf([&] { folder.PutInPlace("new", "SUB"); }), ErrorNumber::kPathFileAccess);
-  EXPECT_EQ(ErrorOf([&] { folder.PutInPlace("new", "OLD"); }), ErrorNumber::kPermissionDenied);
+  EXPECT_EQ(ErrorOf([&] { folder.PutInPlace("new", "SUB"); }), kPathFileAccess);
+  EXPECT_EQ(ErrorOf([&] { folder.PutInPlace("new", "OLD"); }), kPermissionDenied);
   folder.SetAttributes("OLD", file_attribute::kNormal);
   folder.PutInPlace("new", "OLD");
   const FileTime time = FileTime(std::chrono::sys_days(std::chrono::days(12'500)));
@@ -383,10 +361,10 @@ TEST_F(FilesTest, HeldFolderWorksByNamesAlone) {
   char buffer[4] = {};
   EXPECT_EQ(folder.OpenForReading("oLD")->Read(buffer), 2U);
   folder.Delete("OLD");
-  EXPECT_EQ(Names(Path("held")), std::vector<std::string>{"sub"});
+  EXPECT_EQ(Names(Path("held")), Strings{"sub"});
   Make("file");
   EXPECT_EQ(folders->Find(Path("file")), nullptr);
-  EXPECT_EQ(ErrorOf([&] { folders->Make(Path("file\\x")); }), ErrorNumber::kFileExists);
+  EXPECT_EQ(ErrorOf([&] { folders->Make(Path("file\\x")); }), kFileExists);
 }
 
 TEST_F(FilesTest, KeepsTimes) {
@@ -406,7 +384,6 @@ TEST_F(FilesTest, KeepsTimes) {
   if (times.created != times.modified) {
     EXPECT_EQ(files().Times(path).created, times.created);
   }
-  EXPECT_EQ(ErrorOf([&] { files().Times(Path("missing")); }), ErrorNumber::kFileNotFound);
 }
 
 TEST_F(FilesTest, CopyBringsContentAttributesAndTime) {
@@ -463,8 +440,6 @@ TEST_F(FilesTest, CreatesAllFoldersOfAPath) {
   CreateFolders(files(), Path("a/b\\c\\"));
   CreateFolders(files(), Path("A\\B\\c\\d"));
   EXPECT_TRUE(files().Stat(Path("a\\b\\c\\d"))->IsFolder());
-  Make("a\\file");
-  EXPECT_EQ(ErrorOf([&] { CreateFolders(files(), Path("a\\file\\x")); }), ErrorNumber::kFileExists);
 }
 
 }  // namespace

@@ -43,17 +43,6 @@ constexpr size_t kResources = 0x400, kTypeEntry = kResources + 16, kNameEntry = 
                  kVersion = kResources + 88;
 constexpr uint32_t kIsDirectory = 0x80000000;
 
-TEST(PeReader, ReadsTheFixedRecordOfBothForms) {
-  for (const bool wide : {false, true}) {
-    const auto record = ReadFixedVersion(Sample(wide));
-    ASSERT_TRUE(record) << wide;
-    EXPECT_EQ(record->fileVersionHigh, 3U << 16 | 1);
-    EXPECT_EQ(record->productVersionLow, 20U << 16 | 400);
-    EXPECT_EQ(record->operatingSystem, 0x40004U);
-    EXPECT_EQ(record->type, 1U);
-  }
-}
-
 TEST(PeReader, TakesEntryOneAmongOthers) {
   std::string file = Sample();
   // The directory of names moves behind the file's data, with a broken entry in front.

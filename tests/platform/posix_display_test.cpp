@@ -1,6 +1,5 @@
 // Windows on a real display, which is started for the test.
 
-#include <fcntl.h>
 #include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -9,7 +8,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
-#include <thread>
 
 #include "support/platform_fixture.h"
 
@@ -24,12 +22,9 @@ class DisplayServer {
     if (pipe(ready) != 0) return;
     server_ = fork();
     if (server_ == 0) {
-      const std::string number = std::to_string(ready[1]);
-      const int nothing = open("/dev/null", O_RDWR);
-      dup2(nothing, 1);
-      dup2(nothing, 2);
-      execlp("Xvfb", "Xvfb", "-displayfd", number.c_str(), "-screen", "0", "640x480x24",
-             "-nolisten", "tcp", nullptr);
+      const std::string command = "exec Xvfb -screen 0 640x480x24 -nolisten tcp -displayfd " +
+                                  std::to_string(ready[1]) + " >/dev/null 2>&1";
+      execl("/bin/sh", "sh", "-c", command.c_str(), nullptr);
       _exit(127);
     }
     close(ready[1]);
@@ -128,7 +123,7 @@ TEST_F(PosixDisplayTest, BrowsersAndFileManagersAreAskedToClose) {
     classes.emplace_back(className);
     return classes.size() < 2;
   });
-  EXPECT_EQ(classes, (std::vector<std::string>{"firefox", "THUNAR"}));
+  EXPECT_EQ(classes, (Strings{"firefox", "THUNAR"}));
 
   CloseBrowserWindows(platform().desktop());
   EXPECT_EQ(client.Asked("WM_PROTOCOLS"), (std::vector<xcb_window_t>{browser, folder}));

@@ -1,9 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 
+#include "base/host_files.h"
 #include "base/text.h"
 #include "platform/posix/backends.h"
 #include "platform/posix/registry_store.h"
@@ -20,17 +19,14 @@ class PosixRegistryTest : public PlatformTest {
  protected:
   std::string File() const { return machineFolder() + "/registry.db"; }
 
-  std::string Bytes() const {
-    std::ostringstream bytes;
-    bytes << std::ifstream(File(), std::ios::binary).rdbuf();
-    return bytes.str();
+  std::string Bytes() const { return ReadHostFile(File()); }
+  static std::string FullKey(std::string_view name) {
+    return ToUpper("HKEY_USERS\\" + MachineOptions().sid + "\\" + Key(name));
   }
-
   void SetRights(std::string_view name, const KeyRights& rights) {
     RegistryStore store(File());
-    const std::string path = "HKEY_USERS\\" + MachineOptions().sid + "\\" + Key(name);
-    const auto key = store.Find(ToUpper(path));
-    ASSERT_TRUE(key) << path;
+    const auto key = store.Find(FullKey(name));
+    ASSERT_TRUE(key) << name;
     store.SetRights(key->id, rights);
   }
   RegistryStatus Open(std::string_view name, uint32_t access) {
@@ -54,10 +50,7 @@ TEST_F(PosixRegistryTest, RightsDecideWhatMayBeDone) {
     EXPECT_EQ(registry().SetKeySecurity(kRoot, Key("locked"), "user", registry_access::kDelete),
               "");
   }
-  EXPECT_EQ(RegistryStore(File())
-                .Find(ToUpper("HKEY_USERS\\" + MachineOptions().sid + "\\" + Key("locked")))
-                ->rights.list->size(),
-            3U);
+  EXPECT_EQ(RegistryStore(File()).Find(FullKey("locked"))->rights.list->size(), 3U);
   EXPECT_EQ(DeleteKey(registry(), kRoot, Key("locked")), kSuccess);
 }
 
@@ -80,19 +73,18 @@ TEST_F(PosixRegistryTest, NewKeysTakeOverTheRightsOfTheirParent) {
 }
 
 TEST_F(PosixRegistryTest, RootsAreViewsOfOneTree) {
-  struct Alias {
-    uint32_t root;
-    uint32_t target;
+  const struct {
+    uint32_t root, target;
     std::string path;
-  };
-  for (const Alias& alias : {Alias{hive::kCurrentUser, hive::kUsers, MachineOptions().sid},
-                             Alias{hive::kClassesRoot, hive::kLocalMachine, "Software\\Classes"},
-                             Alias{hive::kCurrentConfig, hive::kLocalMachine,
-                                   "System\\CurrentControlSet\\Hardware Profiles\\Current"}}) {
-    RegCreateKeyValue(registry(), alias.root, "QuarnelTest", "v", "seen");
-    EXPECT_EQ(QueryText(registry(), alias.target, alias.path + "\\QuarnelTest", "v"), "seen");
-    EXPECT_EQ(DeleteKey(registry(), alias.target, alias.path + "\\QuarnelTest"), kSuccess);
-    EXPECT_EQ(DeleteKey(registry(), alias.target, alias.path), kAccessDenied);
+  } cases[] = {{hive::kCurrentUser, hive::kUsers, MachineOptions().sid},
+               {hive::kClassesRoot, hive::kLocalMachine, "Software\\Classes"},
+               {hive::kCurrentConfig, hive::kLocalMachine,
+                "System\\CurrentControlSet\\Hardware Profiles\\Current"}};
+  for (const auto& [root, target, path] : cases) {
+    RegCreateKeyValue(registry(), root, "QuarnelTest", "v", "seen");
+    EXPECT_EQ(QueryText(registry(), target, path + "\\QuarnelTest", "v"), "seen");
+    EXPECT_EQ(DeleteKey(registry(), target, path + "\\QuarnelTest"), kSuccess);
+    EXPECT_EQ(DeleteKey(registry(), target, path), kAccessDenied);
   }
   EXPECT_EQ(CreateNewKey(registry(), hive::kDynData, "x"), kInvalidHandle);
 }
@@ -112,7 +104,7 @@ TEST_F(PosixRegistryTest, TwoProgramsSeeEachOthersChanges) {
 TEST_F(PosixRegistryTest, RefusesADatabaseThatIsNone) {
   const std::string path = machineFolder() + "/other.db";
   const auto openAfter = [&](const std::string& bytes) {
-    std::ofstream(path, std::ios::binary) << bytes;
+    WriteHostFile(path, bytes);
     return ErrorOf([&] { RegistryStore store(path); });
   };
   const std::string original = Bytes();
@@ -147,7 +139,7 @@ TEST_F(PosixRegistryTest, DamageIsAStatusAndNeverACrash) {
       char& byte = bytes[page * 4096 + i];
       byte = static_cast<char>(byte ^ static_cast<char>(i * page));
     }
-    std::ofstream(copy, std::ios::binary) << bytes;
+    WriteHostFile(copy, bytes);
     MachineFolder folder = ReadMachineFolder(machineFolder());
     std::filesystem::rename(copy, File());
     for (const char* leftOver : {"-wal", "-shm"}) std::filesystem::remove(File() + leftOver);

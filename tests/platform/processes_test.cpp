@@ -29,9 +29,11 @@ TEST_F(ProcessesTest, ListsARunningProgramByItsPath) {
   }));
 }
 
-TEST_F(ProcessesTest, EndsAProgramOnce) {
+TEST_F(ProcessesTest, EndsAProgramOnceAndNoCopyOfIt) {
   const Victim victim(platform(), Path("victim.exe"));
   ASSERT_NE(victim.Id(), 0U);
+  const Victim copy(platform(), Path("copy.exe"));
+  ASSERT_NE(copy.Id(), 0U);
   EXPECT_FALSE(processes().WaitForEnd(victim.Id(), milliseconds(1)));
   EXPECT_TRUE(KillProcess(processes(), victim.Id(), 0));
   EXPECT_TRUE(processes().WaitForEnd(victim.Id(), seconds(10)));
@@ -39,16 +41,7 @@ TEST_F(ProcessesTest, EndsAProgramOnce) {
   EXPECT_TRUE(processes().WaitForEnd(victim.Id(), milliseconds(0)));
   EXPECT_TRUE(RunningCopies(processes(), victim.Path()).empty());
   EXPECT_FALSE(processes().MainModulePath(victim.Id()));
-}
-
-TEST_F(ProcessesTest, TellsCopiesApart) {
-  const Victim first(platform(), Path("first.exe"));
-  ASSERT_NE(first.Id(), 0U);
-  const Victim second(platform(), Path("second.exe"));
-  ASSERT_NE(second.Id(), 0U);
-  EXPECT_TRUE(KillProcess(processes(), first.Id(), 1));
-  EXPECT_TRUE(processes().WaitForEnd(first.Id(), seconds(10)));
-  EXPECT_EQ(RunningCopies(processes(), second.Path()), std::vector<uint32_t>{second.Id()});
+  EXPECT_EQ(RunningCopies(processes(), copy.Path()), std::vector<uint32_t>{copy.Id()});
 }
 
 TEST_F(ProcessesTest, RefusesTheSystemAndItself) {

@@ -1,7 +1,6 @@
 #include "platform/registry.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <utility>
 
@@ -124,8 +123,7 @@ TEST_F(RegistryTest, KeysAreMadeWithTheirParentsAndFoundInAnyCase) {
   EXPECT_EQ(CreateNewKey(registry(), kRoot, Key("one\\two")), kSuccess);
   EXPECT_NE(CreateNewKey(registry(), kRoot, Key(std::string(300, 'k'))), kSuccess);
   for (const char* name : {"b", "C", "a"}) Make("One\\" + std::string(name));
-  EXPECT_EQ(EnumSubKeys(registry(), kRoot, Key("one")),
-            (std::vector<std::string>{"a", "b", "C", "Two"}));
+  EXPECT_EQ(EnumSubKeys(registry(), kRoot, Key("one")), (Strings{"a", "b", "C", "Two"}));
   EXPECT_TRUE(EnumSubKeys(registry(), kRoot, Key("none")).empty());
 }
 

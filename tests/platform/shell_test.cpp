@@ -1,6 +1,7 @@
 #include "platform/shell.h"
 
 #include "platform/shortcut.h"
+#include "support/machine_in.h"
 #include "support/platform_fixture.h"
 #include "support/test_host.h"
 #include "support/victim.h"
@@ -16,13 +17,11 @@ class ShellTest : public PlatformTest {
 TEST_F(ShellTest, RunsOnlyPrograms) {
   EXPECT_FALSE(shell().Run(Path("missing.exe"), "0"));
   EXPECT_FALSE(shell().Run(Scratch(), "0"));
-  WriteWholeFile(files(), Path("text.exe"), "this is no program\n");
-  EXPECT_FALSE(shell().Run(Path("text.exe"), "0"));
+  EXPECT_FALSE(shell().Run(Make("text.exe", "this is no program\n"), "0"));
 }
 
 TEST_F(ShellTest, HandsTheArgumentOverAsItIs) {
-  const std::string path = Path("a program.exe");
-  WriteWholeFile(files(), path, EmbeddedBytes("quarnel-sample-program"));
+  const std::string path = Make("a program.exe", EmbeddedBytes("quarnel-sample-program"));
   // The program takes what is no number for 0 and ends at once. A command interpreter would make
   // a number of these, and it would stay.
   for (const std::string_view argument : {"$(echo 60)", "`echo 60`", "$((60))", "''60"}) {
@@ -33,13 +32,10 @@ TEST_F(ShellTest, HandsTheArgumentOverAsItIs) {
 }
 
 TEST_F(ShellTest, FindsTheTargetsOfShortcuts) {
-  const std::string target = Path("target \xC3\xA4.txt");
-  WriteWholeFile(files(), target, "text");
-  WriteWholeFile(files(), Path("good.lnk"), MakeShortcut(target));
-  EXPECT_EQ(shell().ShortcutTarget(Path("good.lnk")), target);
-
-  WriteWholeFile(files(), Path("torn.lnk"), MakeShortcut(target).substr(0, 100));
-  WriteWholeFile(files(), Path("text.lnk"), target);
+  const std::string target = Make("target \xC3\xA4.txt");
+  EXPECT_EQ(shell().ShortcutTarget(Make("good.lnk", MakeShortcut(target))), target);
+  Make("torn.lnk", MakeShortcut(target).substr(0, 100));
+  Make("text.lnk", target);
   for (const std::string_view name : {"torn.lnk", "text.lnk", "missing.lnk"}) {
     EXPECT_FALSE(shell().ShortcutTarget(Path(name))) << name;
   }
@@ -50,7 +46,7 @@ TEST_F(ShellTest, FindsNoProgramForAMissingFile) {
 }
 
 TEST_F(ShellTest, DoesNotRegisterWhatIsNoComponent) {
-  WriteWholeFile(files(), Path("text.dll"), "this is no component");
+  Make("text.dll", "this is no component");
   for (const bool registerIt : {true, false}) {
     EXPECT_FALSE(RegisterComponent(shell(), Path("missing.dll"), registerIt));
     EXPECT_FALSE(RegisterComponent(shell(), Path("text.dll"), registerIt));
@@ -86,19 +82,11 @@ TEST(RegisterComponent, CallsTheEntryForTheWish) {
   EXPECT_EQ(shell.called, "C:\\a.dll DllUnregisterServer");
 }
 
-// A machine of which nothing is known but its folder for temporary files.
-struct OtherTemp : Machine {
-  std::optional<std::string> temp;
-  explicit OtherTemp(std::optional<std::string> folder) : temp(std::move(folder)) {}
+struct OtherTemp : MachineIn {
+  OtherTemp(Machine& machine, std::optional<std::string> folder)
+      : MachineIn(machine, ""), temp(std::move(folder)) {}
   std::optional<std::string> TempFolder() override { return temp; }
-  std::optional<std::string> SpecialFolder(int) override { return {}; }
-  std::string SystemDirectory() override { return {}; }
-  std::string ProgramFolder() override { return {}; }
-  std::string ExecutableName() override { return {}; }
-  std::optional<SystemFamily> Family() override { return {}; }
-  std::string UserName() override { return {}; }
-  std::vector<Drive> Drives() override { return {}; }
-  std::optional<VolumeInfo> Volume(std::string_view) override { return {}; }
+  std::optional<std::string> temp;
 };
 
 TEST_F(ShellTest, OpensAnAddressOrSaysWhyNot) {
@@ -120,7 +108,7 @@ TEST_F(ShellTest, OpensAnAddressOrSaysWhyNot) {
     ScriptedShell shell;
     if (!test.hasBrowser) shell.browser.reset();
     shell.runs = test.runs;
-    OtherTemp temp(test.temp);
+    OtherTemp temp(machine(), test.temp);
     TestHost host;
     OpenInBrowser(shell, temp, files(), host, "http://a.example/?x=1&y", "htm", "Title");
     ASSERT_EQ(host.messages.size(), test.text.empty() ? 0U : 1U) << test.text;

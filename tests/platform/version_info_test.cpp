@@ -11,8 +11,7 @@ constexpr size_t kPiece = size_t{256} * 1024;
 class VersionInfoTest : public PlatformTest {
  protected:
   std::string Company(std::string_view bytes, int* events = nullptr) {
-    WriteWholeFile(files(), Path("file.exe"), bytes);
-    return GetCompanyName(files(), Path("file.exe"), [&] {
+    return GetCompanyName(files(), Make("file.exe", bytes), [&] {
       if (events) ++*events;
       return true;
     });
@@ -33,8 +32,7 @@ TEST_F(VersionInfoTest, ReadsTheRecordOfAProgram) {
   FixedVersionRecord record = ApplicationRecord(3, 1, 20, 400);
   record.flags = 0x01 | 0x20;
   for (const bool wide : {false, true}) {
-    WriteWholeFile(files(), Path("a.exe"),
-                   MakeProgram({record, "Examplesoft Labs", "A \xC3\xA4 sample", wide}));
+    Make("a.exe", MakeProgram({record, "Examplesoft Labs", "A \xC3\xA4 sample", wide}));
     const auto info = GetFileVersionInfo(platform().versions(), Path("A.EXE"));
     ASSERT_TRUE(info) << wide;
     EXPECT_EQ(info->structureVersion, "1.0");
@@ -50,8 +48,8 @@ TEST_F(VersionInfoTest, ReadsTheRecordOfAProgram) {
 }
 
 TEST_F(VersionInfoTest, AnswersNothingWithoutARecord) {
-  WriteWholeFile(files(), Path("text.exe"), "this is no program");
-  WriteWholeFile(files(), Path("torn.exe"), MakeProgram({}).substr(0, 0x450));
+  Make("text.exe", "this is no program");
+  Make("torn.exe", MakeProgram({}).substr(0, 0x450));
   for (const std::string_view name : {"text.exe", "torn.exe", "missing.exe", ""}) {
     EXPECT_FALSE(GetFileVersionInfo(platform().versions(), Path(name))) << name;
     EXPECT_EQ(GetCompanyName(files(), Path(name), nullptr), "") << name;
@@ -88,34 +86,30 @@ TEST(DescribeVersion, NamesSystemTypeAndSubtype) {
 }
 
 TEST(StringFileInfoText, TakesTheTextBehindTheName) {
-  const std::string filler(300, 'x');
+  const std::string filler(300, 'x'), block = Wide("StringFileInfo");
   const std::string inCode = NullPad("\\StringFileInfo\\%04x\\") + Wide("CompanyName") + filler;
+  const std::string node = Node("CompanyName", "Labs"), whole = block + node;
   const struct {
     const char* about;
     std::string bytes;
-    std::string_view text;
+    std::string_view text = "";
   } cases[] = {
-      {"whole", Block("Examplesoft"), "Examplesoft"},
-      {"at an odd place", "x" + Block("Examplesoft"), "Examplesoft"},
-      {"without padding", Wide("StringFileInfo") + Wide("CompanyName") + Wide("Examplesoft"),
-       "Examplesoft"},
-      {"behind a path in code", inCode + Block("Examplesoft"), "Examplesoft"},
-      {"in the second block", Wide("StringFileInfo") + filler + Block("Examplesoft"),
-       "Examplesoft"},
-      {"torn in the text", Block("Examplesoft").substr(0, 30 + 32 + 8), "Exam"},
-      {"torn in the name", Block("Examplesoft").substr(0, 30 + 20), ""},
-      {"without a block", Node("CompanyName", "Examplesoft"), ""},
-      {"name before the block", Node("CompanyName", "Examplesoft") + Wide("StringFileInfo"), ""},
-      {"part of a name",
-       Wide("StringFileInfo") + NullPad("CompanyName") + Wide("s") + Wide("Examplesoft"), ""},
-      {"far behind the block",
-       Wide("StringFileInfo") + std::string(65536, 'x') + Node("CompanyName", "Examplesoft"), ""},
-      {"empty value", Wide("StringFileInfo") + Node("CompanyName", ""), ""},
-      {"no value before the next node",
-       Wide("StringFileInfo") + std::string("\x20\0\0\0\x01\0", 6) + Wide("CompanyName") +
-           std::string(2, '\0') + Node("FileDescription", "Text"),
-       ""},
-      {"nothing", "", ""},
+      {"whole", whole, "Labs"},
+      {"at an odd place", "x" + whole, "Labs"},
+      {"without padding", block + Wide("CompanyName") + Wide("Labs"), "Labs"},
+      {"behind a path in code", inCode + whole, "Labs"},
+      {"in the second block", block + filler + whole, "Labs"},
+      {"torn in the text", whole.substr(0, 30 + 32 + 4), "La"},
+      {"torn in the name", whole.substr(0, 30 + 20)},
+      {"without a block", node},
+      {"name before the block", node + block},
+      {"part of a name", block + NullPad("CompanyName") + Wide("s") + Wide("Labs")},
+      {"far behind the block", block + std::string(65536, 'x') + node},
+      {"empty value", block + Node("CompanyName", "")},
+      {"no value before the next node", block + std::string("\x20\0\0\0\x01\0", 6) +
+                                            Wide("CompanyName") + std::string(2, '\0') +
+                                            Node("FileDescription", "Text")},
+      {"nothing", ""},
   };
   for (const auto& test : cases) {
     EXPECT_EQ(StringFileInfoText(test.bytes, "CompanyName"), test.text) << test.about;

@@ -12,6 +12,8 @@
 namespace quarnel {
 namespace {
 
+using enum ErrorNumber;
+
 class WindowsFilesTest : public PlatformTest {
  protected:
   // Makes a file by the system's own call, without its rules for names.
@@ -28,13 +30,10 @@ TEST_F(WindowsFilesTest, NamesThatUsualCallsChangeAreReached) {
        {L"point.", L"blank ", L"aux.exe", L"con", L"\u0436\u20AC\u4E2D.exe"}) {
     Plant(name);
     const std::string narrow = Narrow(name);
-    const std::vector<DirectoryEntry> entries = files().List(Scratch());
-    ASSERT_EQ(entries.size(), 1U) << narrow;
-    EXPECT_EQ(entries[0].name, narrow);
-    WriteWholeFile(files(), Path(narrow), "x");
-    EXPECT_EQ(ReadWholeFile(files(), Path(narrow)), "x") << narrow;
+    EXPECT_EQ(Names(Scratch()), std::vector{narrow});
+    EXPECT_EQ(Read(Make(narrow)), "x") << narrow;
     files().Delete(Path(narrow));
-    EXPECT_TRUE(files().List(Scratch()).empty()) << narrow;
+    EXPECT_TRUE(Names(Scratch()).empty()) << narrow;
   }
 }
 
@@ -57,7 +56,7 @@ TEST_F(WindowsFilesTest, PathsTakeTheSystemsForm) {
   for (const std::string_view path :
        {"", "1:\\x", "C:\\a:b", "ab:c", R"(\\.\C:)", R"(\\.\pipe\x)", R"(\\server)", R"(\\?\x)",
         R"(\\?\?\C:\x)", "C:\\x*", "C:\\\"x\""}) {
-    EXPECT_EQ(ErrorOf([&] { SystemPath(path); }), ErrorNumber::kBadFileName) << path;
+    EXPECT_EQ(ErrorOf([&] { SystemPath(path); }), kBadFileName) << path;
   }
   EXPECT_EQ(PlainPath("c:\\a b\\c.d"), LR"(C:\a b\c.d)");
   EXPECT_EQ(PlainPath(R"(\\server\share\x)"), LR"(\\server\share\x)");
@@ -67,34 +66,30 @@ TEST_F(WindowsFilesTest, PathsTakeTheSystemsForm) {
 }
 
 TEST_F(WindowsFilesTest, FilesThatOthersHoldAreRefused) {
-  WriteWholeFile(files(), Path("held"), "x");
-  WriteWholeFile(files(), Path("free"), "x");
-  const KernelHandle held(CreateFileW(SystemPath(Path("held")).c_str(), GENERIC_READ, 0, nullptr,
-                                      OPEN_EXISTING, 0, nullptr));
+  const std::string path = Make("held");
+  const std::string free = Make("free");
+  const KernelHandle held(
+      CreateFileW(SystemPath(path).c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
   ASSERT_TRUE(held.Valid());
-  const auto error = [&](const std::function<void()>& action) { return ErrorOf(action); };
-  using enum ErrorNumber;
-  EXPECT_EQ(error([&] { files().Open(Path("held"), OpenMode::kRead); }), kPermissionDenied);
-  EXPECT_EQ(error([&] { files().Delete(Path("held")); }), kPermissionDenied);
-  EXPECT_EQ(error([&] { files().Copy(Path("held"), Path("copy")); }), kPermissionDenied);
-  EXPECT_EQ(error([&] { files().Copy(Path("free"), Path("held")); }), kPermissionDenied);
-  EXPECT_EQ(error([&] { files().Move(Path("held"), Path("moved")); }), kPermissionDenied);
+  const auto denied = [](auto&& action) { EXPECT_EQ(ErrorOf(action), kPermissionDenied); };
+  denied([&] { files().Open(path, OpenMode::kRead); });
+  denied([&] { files().Delete(path); });
+  denied([&] { files().Copy(path, Path("copy")); });
+  denied([&] { files().Copy(free, path); });
+  denied([&] { files().Move(path, Path("moved")); });
   // It is still seen.
-  EXPECT_EQ(files().Stat(Path("held"))->size, 1U);
+  EXPECT_EQ(files().Stat(path)->size, 1U);
 }
 
 TEST_F(WindowsFilesTest, HiddenFilesAreReplacedAndEmptied) {
   using namespace file_attribute;
-  const auto hide = [&] { files().SetAttributes(Path("hidden"), kHidden | kSystem); };
-  WriteWholeFile(files(), Path("hidden"), "first");
-  hide();
-  WriteWholeFile(files(), Path("hidden"), "2");
-  EXPECT_EQ(ReadWholeFile(files(), Path("hidden")), "2");
-  EXPECT_NE(files().Stat(Path("hidden"))->attributes & kHidden, 0U);
-  WriteWholeFile(files(), Path("plain"), "third");
-  files().Copy(Path("plain"), Path("hidden"));
-  EXPECT_EQ(ReadWholeFile(files(), Path("hidden")), "third");
-  EXPECT_EQ(files().Stat(Path("hidden"))->attributes & kHidden, 0U);
+  const std::string path = Make("hidden", "first");
+  files().SetAttributes(path, kHidden | kSystem);
+  EXPECT_EQ(Read(Make("hidden", "2")), "2");
+  EXPECT_NE(files().Stat(path)->attributes & kHidden, 0U);
+  files().Copy(Make("plain", "third"), path);
+  EXPECT_EQ(Read(path), "third");
+  EXPECT_EQ(files().Stat(path)->attributes & kHidden, 0U);
 }
 
 TEST_F(WindowsFilesTest, MovesFilesToAnotherDrive) {
@@ -109,23 +104,20 @@ TEST_F(WindowsFilesTest, MovesFilesToAnotherDrive) {
   if (other.empty()) GTEST_SKIP() << "there is no other disk";
   DeleteTree(files(), other);
   files().CreateFolder(other);
-  WriteWholeFile(files(), Path("file"), "x");
-  files().SetAttributes(Path("file"), file_attribute::kReadOnly);
-  EXPECT_FALSE(
-      MoveFileExW(SystemPath(Path("file")).c_str(), SystemPath(other + "\\file").c_str(), 0));
-  files().Move(Path("file"), other + "\\file");
-  EXPECT_EQ(ReadWholeFile(files(), other + "\\file"), "x");
-  EXPECT_FALSE(files().Stat(Path("file")));
-  WriteWholeFile(files(), Path("file"), "y");
-  EXPECT_EQ(ErrorOf([&] { files().Move(Path("file"), other + "\\file"); }),
-            ErrorNumber::kFileExists);
+  const std::string path = Make("file");
+  files().SetAttributes(path, file_attribute::kReadOnly);
+  EXPECT_FALSE(MoveFileExW(SystemPath(path).c_str(), SystemPath(other + "\\file").c_str(), 0));
+  files().Move(path, other + "\\file");
+  EXPECT_EQ(Read(other + "\\file"), "x");
+  EXPECT_FALSE(Exists(path));
+  Make("file", "y");
+  EXPECT_EQ(ErrorOf([&] { files().Move(path, other + "\\file"); }), kFileExists);
   // Folders stay on their disk.
-  EXPECT_EQ(ErrorOf([&] { files().Move(other, Path("folder")); }), ErrorNumber::kPathFileAccess);
-  EXPECT_EQ(ReadWholeFile(files(), Path("file")), "y");
+  EXPECT_EQ(ErrorOf([&] { files().Move(other, Path("folder")); }), kPathFileAccess);
+  EXPECT_EQ(Read(path), "y");
 }
 
 TEST_F(WindowsFilesTest, TheMachineIsTheRunningSystem) {
-  using enum ErrorNumber;
   EXPECT_EQ(ErrorOf([] { OpenPlatform("folder"); }), kInvalidCall);
   EXPECT_EQ(ErrorOf([] { OpenMachine("folder"); }), kInvalidCall);
   EXPECT_EQ(ErrorOf([] { CreateMachine("folder", {}); }), kInvalidCall);

@@ -47,19 +47,14 @@ TEST_F(WindowsShellTest, RegistersARealComponent) {
 }
 
 TEST_F(WindowsShellTest, ReadsTheShellsOwnLinks) {
-  const std::string target = Path("\xD0\xB6\xE2\x82\xAC.txt");
-  WriteWholeFile(files(), target, "x");
+  const std::string target = Make("\xD0\xB6\xE2\x82\xAC.txt");
   SaveLink(Wide(Path("link.lnk")), Wide(target));
   EXPECT_EQ(platform().shell().ShortcutTarget(Path("link.lnk")), target);
 }
 
-TEST_F(WindowsShellTest, AProgramOpensItself) {
+TEST_F(WindowsShellTest, ThisProgramOpensItselfAndTellsItsVersion) {
   const std::string own = machine().ProgramFolder() + "\\platform_test.exe";
   EXPECT_EQ(platform().shell().FindExecutable(own), own);
-}
-
-TEST_F(WindowsShellTest, ThisProgramTellsItsVersion) {
-  const std::string own = machine().ProgramFolder() + "\\platform_test.exe";
   const auto info = GetFileVersionInfo(platform().versions(), own);
   ASSERT_TRUE(info);
   EXPECT_EQ(info->fileVersion, "3.0.0.4");
