@@ -18,6 +18,9 @@ struct AdvancedToolsPage {
 
   Form& form;
   TreeView tvwAdvancedTools{form, "tvwAdvancedTools"};
+  // An empty list must not read as a machine that has none of them.
+  Label lblNotListedYet{form, "lblNotListedYet",
+                        "This version of the program does not list them yet."};
 
   ListView lvwBHOs{
       form,

@@ -139,6 +139,7 @@ class frmMain : public Form, private ScanSurroundings, private ScheduleSurroundi
   void BuildResultColumns();
   void RemoveTrayIcon() { tray.RemoveIcon(); }
   void RestTimers();
+  void MakeControlsEnableandDisable();
   void NameMenus();
   void ShowSplash();
   void RestConnectionTimers();

@@ -93,6 +93,10 @@ void frmMain::BuildResultColumns() {
 
 void frmMain::RestTimers() {
   MakeTimersEnabledOrDisableAcordingToSetting(true);
+  MakeControlsEnableandDisable();
+}
+
+void frmMain::MakeControlsEnableandDisable() {
   scan.lblPercentageCompleted.SetVisible(false);
   scan.lblStatus.SetVisible(false);
   timers.tmrMemoryInspected.SetEnabled(false);

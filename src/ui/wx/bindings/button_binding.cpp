@@ -12,8 +12,8 @@ namespace quarnel {
 namespace {
 
 // A long caption takes several lines.
-wxString InLines(wxWindow& widget, const wxString& caption) {
-  return Wrapped(widget, caption, metrics::Scaled(widget, metrics::kReadableWidth));
+wxString InLines(wxWindow& widget, const wxString& caption, int width = metrics::kReadableWidth) {
+  return Wrapped(widget, caption, metrics::Scaled(widget, width));
 }
 
 class ButtonBinding : public Binding {
@@ -151,8 +151,10 @@ class MenuRowBinding : public Binding {
 
 class CheckBinding : public Binding {
  public:
-  CheckBinding(wxWindow* parent, CheckBox& box, const Front& front)
-      : Binding(box, front), box_(box) {
+  CheckBinding(wxWindow* parent, CheckBox& box, const Layout& layout, const Front& front)
+      : Binding(box, front),
+        box_(box),
+        width_(layout.width > 0 ? layout.width : metrics::kReadableWidth) {
     check_ = new wxCheckBox(parent, wxID_ANY, "", wxDefaultPosition, wxDefaultSize, wxCHK_3STATE);
     check_->Bind(wxEVT_CHECKBOX, [this](wxCommandEvent&) { Act([this] { box_.ClickByUser(); }); });
     Attach(check_);
@@ -166,7 +168,7 @@ class CheckBinding : public Binding {
   bool Update() override {
     const auto state = static_cast<wxCheckBoxState>(box_.Value());
     if (check_->Get3StateValue() != state) check_->Set3StateValue(state);
-    const wxString caption = InLines(*check_, WithKey(box_.Caption()));
+    const wxString caption = InLines(*check_, WithKey(box_.Caption()), width_);
     if (check_->GetLabel() == caption) return false;
     check_->SetLabel(caption);
     check_->InvalidateBestSize();
@@ -175,6 +177,7 @@ class CheckBinding : public Binding {
 
  private:
   CheckBox& box_;
+  int width_;
   wxCheckBox* check_;
 };
 
@@ -215,7 +218,7 @@ class OptionBinding : public Binding {
 std::unique_ptr<Binding> BindButton(wxWindow* parent, Control& control, const Layout& layout,
                                     const Front& front) {
   if (auto* box = dynamic_cast<CheckBox*>(&control)) {
-    return std::make_unique<CheckBinding>(parent, *box, front);
+    return std::make_unique<CheckBinding>(parent, *box, layout, front);
   }
   if (auto* option = dynamic_cast<OptionButton*>(&control)) {
     return std::make_unique<OptionBinding>(parent, *option, front);

@@ -243,10 +243,11 @@ Layout OptionsLayout() {
       Card("Protection",
            {Put("chkMemorySheild"), Put("chkStartupShield"), Put("chkSelfDownloadingActivex"),
             Put("chkDisplayHijakRestoreAlerts"), Put("chkAlertsBlocksSpywareAdware"),
-            Put("chkStrict"), Put("chkReportLorrimesh")}),
+            Text("The shields come with a later version.").As(Role::kMuted), Put("chkStrict"),
+            Put("chkReportLorrimesh")}),
       Card("Start", {Put("chkRunAtStartup"), Put("chkMinimizeToTrayWindowAtStartup")}),
       Card("Updates",
-           {Put("chkEnableAutoUpdaterNotifications"),
+           {Put("chkEnableAutoUpdaterNotifications").Wide(kOptionWidth),
             Row({Text("Hours between two looks:"),
                  Put("cmbHours").Called("Hours between two looks")}),
             Row({Text("Last update:").As(Role::kMuted), Put("lblLastUpdateDefinationDate").Grow()})
@@ -296,6 +297,7 @@ Layout DefenderLayout() {
       {Column({Put("lvwBrowserHijackRestore").Called("Settings of the browser").Ticks().Grow(),
                Put("lvwAllowedBlockedURLs").Called("Allowed and blocked addresses").Ticks().Grow()})
            .Grow(),
+       Put("lblNotReadYet").As(Role::kMuted),
        Card({}, {Put("lblSetting").As(Role::kStrong), Field("Now", "txtCurrentSetting"),
                  Field("Restores to", "txtRestoreSettingTo"),
                  Field("As installed", "txtInternetExplorerDefaultSetting"),
@@ -314,6 +316,7 @@ Layout AdvancedLayout() {
                Put("tvwAdvancedTools").Called("Tools").Wide(kToolsWidth),
                Column({Put("lvwBHOs").Called("Browser helper objects").Grow(),
                        Put("lvwStartup").Called("Startup programs").Grow(),
+                       Put("lblNotListedYet").As(Role::kMuted),
                        Row({Put("lblAllowBHO").As(Role::kLink), Put("lblBlockBHO").As(Role::kLink),
                             Put("lblAllowThisStartupItem").As(Role::kLink),
                             Put("lblBlockThisStartupItem").As(Role::kLink), Spring()})
