@@ -1,17 +1,12 @@
-// The windows on a real display, driven by real mouse and keyboard events. With
-// QUARNEL_PICTURES set to a folder, pictures of the windows are asked for there
-// (tools/make-window-pictures).
+// The windows on a real display, driven by real mouse and keyboard events.
 
 #include <gmock/gmock.h>
 #include <wx/uiaction.h>
 
-#include <cstdlib>
-#include <fstream>
 #include <map>
 
 #include "core/paths.h"
 #include "display/robot.h"
-#include "machine/sample.h"
 #include "recovery/restore_point.h"
 #include "scan/folders.h"
 #include "signatures/compiler.h"
@@ -171,25 +166,6 @@ class DisplayTest : public PlatformTest {
     });
   }
 
-  // Asks for a picture of the window as it is, where somebody wants one: who does takes it from
-  // outside, and deletes the request.
-  void AskForPicture(const Form& form, const std::string& name) {
-    const char* folder = std::getenv("QUARNEL_PICTURES");
-    if (folder == nullptr || WindowOf(form) == nullptr) return;
-    request_ = std::string(folder) + "/" + name + ".request";
-    const wxRect place = WindowOf(form)->Window()->GetScreenRect();
-    std::ofstream(request_) << place.width << 'x' << place.height << '+' << place.x << '+'
-                            << place.y << std::endl;
-  }
-  bool PictureIsTaken() const { return !std::ifstream(request_).is_open(); }
-  void Picture(const Form& form, const std::string& name) {
-    if (std::getenv("QUARNEL_PICTURES") == nullptr || WindowOf(form) == nullptr) return;
-    Settle();
-    AskForPicture(form, name);
-    Until("the picture", [this] { return PictureIsTaken(); });
-    Run();
-  }
-
   static constexpr int kPatience = 30;
   static constexpr StartOptions kOptions = {.showSplash = false, .runWizard = false};
   std::string planted = GetFolder(machine(), kProgramFiles).front() + "Planted.txt";
@@ -197,35 +173,29 @@ class DisplayTest : public PlatformTest {
   std::unique_ptr<SlowHost> host;
   std::unique_ptr<Application> application;
   Robot robot;
-
- private:
-  std::string request_;
 };
 
 TEST_F(DisplayTest, TabsAreClickedAndEachPageShowsItsControls) {
   frmMain& main = Start();
   ExpectInStep(main);
-  Picture(main, "summary");
   struct Tab {
     int index;
     const Panel& page;
-    std::string_view picture;
   };
   const Tab tabs[] = {
-      {1, main.tabs.picHiJackRestore, "defender"},
-      {2, main.tabs.PicSecondTabConfiguration, "options"},
-      {3, main.tabs.PicFifthTabSchedule, "schedule"},
-      {4, main.tabs.PicSixthTabLiveUpdate, "update"},
-      {5, main.tabs.picBHOLeftView, "advanced"},
-      {6, main.tabs.picNewsAndReport, "news"},
-      {0, main.tabs.picSpywareAdwareRightWindow, "scan"},
+      {1, main.tabs.picHiJackRestore},
+      {2, main.tabs.PicSecondTabConfiguration},
+      {3, main.tabs.PicFifthTabSchedule},
+      {4, main.tabs.PicSixthTabLiveUpdate},
+      {5, main.tabs.picBHOLeftView},
+      {6, main.tabs.picNewsAndReport},
+      {0, main.tabs.picSpywareAdwareRightWindow},
   };
   for (const Tab& tab : tabs) {
     Click("imgMainTab(" + std::to_string(tab.index) + ")");
     Until("its page", [&] { return tab.page.Visible(); });
     Run();
     ExpectInStep(main);
-    Picture(main, std::string(tab.picture));
   }
 }
 
@@ -256,7 +226,6 @@ TEST_F(DisplayTest, EachFormOpensAndPlacesItsControls) {
       if (!control->Name().starts_with("imgMainTabC")) nowhere += control->Name() + " ";
     }
     EXPECT_EQ(nowhere, "");
-    Picture(*form, std::string(entry.name));
     if (form != &main) {
       host->Act([&] { form->Close(UnloadMode::kCode); });
     }
@@ -314,18 +283,6 @@ TEST_F(DisplayTest, ScanIsPausedAndStoppedByHand) {
   EXPECT_EQ(main.results.txtAdwareSpyware.Caption(), "1");
 }
 
-// On a machine with threats of every kind, which would be in the way elsewhere.
-TEST_F(DisplayTest, ResultsOfTheSampleForAPicture) {
-  if (std::getenv("QUARNEL_PICTURES") == nullptr) GTEST_SKIP() << "nobody wants pictures";
-  PlantSample(platform());
-  frmMain& main = Start();
-  Click("ImgStartScanMouseMove");
-  Until("the scan's end", [&] { return main.scan.lblStatus.Caption() == "Scanning completed."; });
-  Run();
-  EXPECT_GT(main.results.vbatvwResults.Count(), 30U);
-  Picture(main, "results");
-}
-
 TEST_F(DisplayTest, TicksOfAThreatReachItsTraces) {
   frmMain& main = Start();
   Click("ImgStartScanMouseMove");
@@ -374,20 +331,16 @@ TEST_F(DisplayTest, WhatWasFoundIsRemovedAndRestored) {
   // Time to look at the progress.
   host->pause = Milliseconds(20);
   Click("cmdRemoveSpywares");
-  robot.Then(
-      "the removal's progress",
-      [&] {
-        const wxWindow* bar = Widget("pbrRemoveSpyware");
-        return bar != nullptr && bar->IsShownOnScreen();
-      },
-      [&] { AskForPicture(main, "removal"); });
+  Until("the removal's progress", [&] {
+    const wxWindow* bar = Widget("pbrRemoveSpyware");
+    return bar != nullptr && bar->IsShownOnScreen();
+  });
   ClickIn("frmReBootMachine", "cmdClose");
   Until("the summary", [&] { return main.removal.picRemoveSummary.Visible(); });
   Run();
   host->pause = {};
   ExpectInStep(main);
   EXPECT_FALSE(files().Stat(planted));
-  Picture(main, "removal-summary");
 
   Click("cmdFinish");
   Click("cmdRestore");

@@ -1,0 +1,183 @@
+// Shows every window of the program, one after the other, on the sample machine, which is scanned
+// and cleaned meanwhile. tools/make-window-pictures runs it and takes the pictures.
+
+#include <functional>
+#include <iostream>
+#include <optional>
+
+#include "base/runtime_error.h"
+#include "core/paths.h"
+#include "core/setting_keys.h"
+#include "ui/application.h"
+#include "ui/wx/wx_host.h"
+
+namespace quarnel {
+namespace {
+
+// The windows, whose questions answer themselves.
+class PictureHost : public WxHost {
+ public:
+  using WxHost::WxHost;
+
+  // Asks on the standard output for a picture of the form's window, and goes on when a line on the
+  // standard input says that it is taken.
+  void Take(const Form& form, std::string_view name) {
+    Settle();
+    const wxRect place = WindowOf(form)->Window()->GetScreenRect();
+    std::cout << name << ' ' << place.width << 'x' << place.height << '+' << place.x << '+'
+              << place.y << std::endl;
+    std::string taken;
+    std::getline(std::cin, taken);
+  }
+  // Clicks a control. A picture of what it sets off is taken as soon as `when` holds.
+  void Click(const Form& form, std::string_view control) {
+    if (const Binding* binding = WindowOf(form)->Find(control)) binding->Widget()->SetFocus();
+    Act([&] { form.Find(control)->ClickByUser(); });
+  }
+  void TakeDuring(const Form& form, std::string_view control, std::string_view name,
+                  std::function<bool()> when) {
+    moment_ = {.form = &form, .name = name, .when = std::move(when)};
+    Click(form, control);
+    if (moment_) throw RuntimeError(ErrorNumber::kInvalidCall, name);
+  }
+
+  Answer MsgBox(const MessageBox& box) override {
+    return box.buttons == MessageButtons::kOk ? Answer::kOk : Answer::kYes;
+  }
+  void RunModal(Form& form) override { form.Close(UnloadMode::kCode); }
+
+ protected:
+  void ProcessFrontEvents(Milliseconds now) override {
+    WxHost::ProcessFrontEvents(now);
+    if (!moment_ || !moment_->when()) return;
+    const Moment moment = *std::exchange(moment_, std::nullopt);
+    Take(*moment.form, moment.name);
+  }
+
+ private:
+  struct Moment {
+    const Form* form;
+    std::string_view name;
+    std::function<bool()> when;
+  };
+
+  // Shows what has changed, and waits until it is painted.
+  void Settle() {
+    constexpr int kTurns = 15;
+    constexpr int kTurn = 25;
+    for (int i = 0; i < kTurns; ++i) {
+      Sync();
+      wxEventLoopBase::GetActive()->YieldFor(wxEVT_CATEGORY_ALL);
+      wxMilliSleep(kTurn);
+    }
+  }
+
+  std::optional<Moment> moment_;
+};
+
+void TakePages(PictureHost& host, const frmMain& main) {
+  host.Take(main, "summary");
+  constexpr std::string_view kPages[] = {"scan",   "defender", "options", "schedule",
+                                         "update", "advanced", "news"};
+  for (int tab = static_cast<int>(std::size(kPages)) - 1; tab >= 0; --tab) {
+    host.Click(main, "imgMainTab(" + std::to_string(tab) + ")");
+    // The first page shows the running scan.
+    if (tab > 0) host.Take(main, kPages[tab]);
+  }
+}
+
+// The first trace of the named threat.
+TreeNodeRef TraceOf(const TreeView& tree, std::string_view threat) {
+  for (const TreeNodeRef& root : tree.Roots()) {
+    if (root->text == threat) return root->children.front();
+  }
+  throw RuntimeError(ErrorNumber::kInvalidCall, threat);
+}
+
+void TakeScanAndRemoval(PictureHost& host, frmMain& main) {
+  TreeView& found = main.results.vbatvwResults;
+  host.TakeDuring(main, "ImgStartScanMouseMove", "scan", [&] { return found.Count() > 12; });
+  host.Take(main, "results");
+
+  // One trace goes to the safe list, all others are removed.
+  host.Click(main, "chkSelectAllDetectedSpywares");
+  host.Act([&] { found.CheckByUser(TraceOf(found, "Sample Mole"), true); });
+  host.Click(main, "ImgAddToIgnoredListNormal");
+  host.Click(main, "chkSelectAllDetectedSpywares");
+  const RemovalPage& removal = main.removal;
+  host.TakeDuring(main, "cmdRemoveSpywares", "removal", [&] {
+    const bool names = removal.lblDeletingCaption.Caption().find("Sample") != std::string::npos;
+    return names && removal.pbrRemoveSpyware.Value() > removal.pbrRemoveSpyware.Max() / 2;
+  });
+  host.Take(main, "removal-summary");
+  host.Click(main, "cmdFinish");
+}
+
+// What some of the forms tell of.
+void PrepareForms(Platform& platform, Application& application) {
+  application.settings().Save(setting::kHomepage, "http://home.example/");
+  RegCreateKeyValue(platform.registry(), hive::kCurrentUser,
+                    "Software\\Microsoft\\Internet Explorer\\Main", "Start Page",
+                    std::string("http://search.example/"));
+  application.forms().wizard.helpPage =
+      GetPathWithSlash(platform.machine().ProgramFolder()) + "sd.html";
+}
+
+void TakeForms(PictureHost& host, Application& application) {
+  for (const Forms::Entry& entry : application.forms().All()) {
+    if (entry.name == application.MainForm().Name()) continue;
+    Form* form = nullptr;
+    host.Act([&] {
+      form = &entry.touch();
+      form->Show();
+    });
+    host.Take(*form, entry.name);
+    host.Act([&] { form->Close(UnloadMode::kCode); });
+  }
+}
+
+void TakeAll() {
+  const std::unique_ptr<Platform> platform = OpenPlatform({});
+  PictureHost host([&](const std::string& page) { return ReadWholeFile(platform->files(), page); });
+  std::optional<Application> application;
+  host.Act([&] {
+    application.emplace(*platform, host, StartOptions{.showSplash = false, .runWizard = false});
+    application->Main();
+  });
+  TakePages(host, application->MainForm());
+  TakeScanAndRemoval(host, application->MainForm());
+  PrepareForms(*platform, *application);
+  TakeForms(host, *application);
+}
+
+class PictureApplication : public wxApp {
+ public:
+  bool OnInit() override {
+    SetExitOnFrameDelete(false);
+    CallAfter([this] {
+      try {
+        TakeAll();
+      } catch (const RuntimeError& error) {
+        std::cerr << "window-pictures: " << error.Description() << '\n';
+        status_ = 1;
+      }
+      ExitMainLoop();
+    });
+    return true;
+  }
+  int OnRun() override {
+    wxApp::OnRun();
+    return status_;
+  }
+
+ private:
+  int status_ = 0;
+};
+
+}  // namespace
+}  // namespace quarnel
+
+int main(int argc, char** argv) {
+  wxApp::SetInstance(new quarnel::PictureApplication);
+  return wxEntry(argc, argv);
+}
