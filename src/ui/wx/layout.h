@@ -13,6 +13,7 @@ enum class Role {
   kPlain,
   kTitle,    // the largest text of a page
   kHeading,  // above a group
+  kStatus,   // a heading of any length, which may be cut in its middle
   kStrong,   // a name that its value follows
   kMuted,    // less important than its surroundings
   kFigure,   // a number that is read from afar

@@ -6,14 +6,23 @@
 // folder.
 namespace quarnel::native {
 
-// Makes a toggle button one of a tab strip: without a frame, picture and text at the left.
-void MakeTab(wxToggleButton& tab);
+// A button without a frame, its picture and text at the left, such as a row of a menu.
+wxButton* NewFlatButton(wxWindow* parent, const wxString& caption, const wxBitmapBundle& picture);
+
+// The same as one of a tab strip, which stays down while it is selected.
+wxToggleButton* NewTab(wxWindow* parent, const wxString& caption, const wxBitmapBundle& picture);
+
+// Changes the caption of one of these.
+void SetFlatCaption(wxAnyButton& button, const wxString& caption);
 
 // Gives a tab its look of a selected or resting one, beside its state as a button.
 void ShowTab(wxToggleButton& tab, bool selected);
 
-// Makes a button flat, its text at the left.
-void MakeRow(wxButton& row);
+// A button that is seen before all others, by the colours that it is given.
+wxButton* NewPrimaryButton(wxWindow* parent, const wxString& caption);
+
+// A radio button whose caption may have several lines.
+wxRadioButton* NewOption(wxWindow* parent);
 
 // Lets a window come up where the program has put it, also under a window manager that places none.
 void KeepPlace(wxTopLevelWindow& window);

@@ -41,7 +41,8 @@ wxColour Accent() { return System(wxSYS_COLOUR_HIGHLIGHT); }
 wxColour AccentText() { return System(wxSYS_COLOUR_HIGHLIGHTTEXT); }
 wxColour AccentLine() { return Signal(Accent()); }
 wxColour SelectedTab() { return Blend(Page(), Accent(), 22); }
-wxColour HoveredTab() { return Blend(Page(), Text(), 8); }
+wxColour Hovered(const wxColour& colour) { return Blend(colour, Text(), 8); }
+wxColour DisabledText() { return System(wxSYS_COLOUR_GRAYTEXT); }
 wxColour Good() { return Signal(wxColour(0x1A, 0x7F, 0x37)); }
 wxColour Attention() { return Signal(wxColour(0xC4, 0x2B, 0x1C)); }
 
@@ -62,6 +63,7 @@ wxFont FontOf(const wxFont& usual, Role role) {
     case Role::kTitle:
       return usual.Scaled(metrics::kTitleFont).Bold();
     case Role::kHeading:
+    case Role::kStatus:
       return usual.Scaled(metrics::kHeadingFont).Bold();
     case Role::kFigure:
       return usual.Scaled(metrics::kFigureFont).Bold();

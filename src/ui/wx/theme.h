@@ -20,7 +20,10 @@ wxColour AccentText();
 // The accent as a line or a text on the page.
 wxColour AccentLine();
 wxColour SelectedTab();
-wxColour HoveredTab();
+// Of what has this colour at rest, while the mouse is over it.
+wxColour Hovered(const wxColour& colour);
+// Of a button that cannot be pressed.
+wxColour DisabledText();
 // Signals that keep their meaning in every theme, at a strength that is readable on Surface.
 wxColour Good();
 wxColour Attention();

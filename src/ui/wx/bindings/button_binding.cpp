@@ -20,20 +20,19 @@ class ButtonBinding : public Binding {
  public:
   ButtonBinding(wxWindow* parent, Control& control, const Layout& layout, const Front& front)
       : Binding(control, front), layout_(layout) {
-    const long style = layout.role == Role::kQuiet ? wxBORDER_NONE : 0;
-    button_ =
-        new wxButton(parent, wxID_ANY, WithKey(Caption()), wxDefaultPosition, wxDefaultSize, style);
-    const bool primary = layout.role == Role::kPrimary;
-    if (primary) {
-      button_->SetBackgroundColour(theme::Accent());
-      button_->SetForegroundColour(theme::AccentText());
+    const int size = layout.iconSize > 0 ? layout.iconSize : metrics::kButtonIcon;
+    if (layout.role == Role::kQuiet) {
+      button_ = native::NewFlatButton(parent, WithKey(Caption()), icons::Get(layout.icon, size));
+    } else if (IsPrimary()) {
+      button_ = native::NewPrimaryButton(parent, WithKey(Caption()));
       button_->SetFont(button_->GetFont().Bold());
-    }
-    if (!layout.icon.empty()) {
-      const int size = layout.iconSize > 0 ? layout.iconSize : metrics::kButtonIcon;
-      button_->SetBitmap(primary ? icons::Get(layout.icon, size, theme::AccentText())
-                                 : icons::Get(layout.icon, size));
-      button_->SetBitmapMargins(metrics::Scaled(*button_, wxSize(metrics::kTightGap, 0)));
+      ShowPicture(icons::Get(layout.icon, size, theme::AccentText()));
+      if (!layout.icon.empty()) {
+        button_->SetBitmapDisabled(icons::Get(layout.icon, size, theme::DisabledText()));
+      }
+    } else {
+      button_ = new wxButton(parent, wxID_ANY, WithKey(Caption()));
+      ShowPicture(icons::Get(layout.icon, size));
     }
     Fit();
     button_->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) {
@@ -50,14 +49,29 @@ class ButtonBinding : public Binding {
 
  protected:
   bool Update() override {
+    if (IsPrimary()) {
+      const bool enabled = control().Enabled();
+      button_->SetBackgroundColour(enabled ? theme::Accent() : theme::Border());
+      button_->SetForegroundColour(enabled ? theme::AccentText() : theme::DisabledText());
+    }
     const wxString caption = WithKey(Caption());
     if (button_->GetLabel() == caption) return false;
-    button_->SetLabel(caption);
+    if (layout_.role == Role::kQuiet) {
+      native::SetFlatCaption(*button_, caption);
+    } else {
+      button_->SetLabel(caption);
+    }
     Fit();
     return true;
   }
 
  private:
+  bool IsPrimary() const { return layout_.role == Role::kPrimary; }
+  void ShowPicture(const wxBitmapBundle& picture) {
+    if (!picture.IsOk()) return;
+    button_->SetBitmap(picture);
+    button_->SetBitmapMargins(metrics::Scaled(*button_, wxSize(metrics::kGap, 0)));
+  }
   // What a picture is called is not drawn on it.
   const std::string& Caption() const {
     const auto* button = dynamic_cast<const Button*>(&control());
@@ -82,16 +96,12 @@ class TabBinding : public Binding {
  public:
   TabBinding(wxWindow* parent, Control& control, const Layout& layout, const Front& front)
       : Binding(control, front), caption_(layout.text) {
-    tab_ = new wxToggleButton(parent, wxID_ANY, WithKey(caption_), wxDefaultPosition, wxDefaultSize,
-                              wxBORDER_NONE | wxBU_LEFT);
-    tab_->SetBitmap(icons::Get(layout.icon, metrics::kTabIcon));
-    tab_->SetBitmapMargins(metrics::Scaled(*tab_, wxSize(metrics::kGap, 0)));
+    tab_ = native::NewTab(parent, WithKey(caption_), icons::Get(layout.icon, metrics::kTabIcon));
     tab_->SetMinSize(metrics::Scaled(*tab_, wxSize(metrics::kTabWidth, metrics::kTabHeight)));
     tab_->Bind(wxEVT_TOGGLEBUTTON, [this](wxCommandEvent&) {
       // Also the selected one: a click on it takes its page back to the beginning.
       Act([this] { this->control().ClickByUser(); });
     });
-    native::MakeTab(*tab_);
     Attach(tab_);
   }
   std::string_view KeyCaption() const override { return caption_; }
@@ -100,10 +110,7 @@ class TabBinding : public Binding {
  protected:
   bool Update() override {
     const wxString caption = WithKey(caption_);
-    if (tab_->GetLabel() != caption) {
-      tab_->SetLabel(caption);
-      native::MakeTab(*tab_);
-    }
+    if (tab_->GetLabel() != caption) native::SetFlatCaption(*tab_, caption);
     const bool selected = !control().Visible();
     if (tab_->GetValue() != selected) tab_->SetValue(selected);
     native::ShowTab(*tab_, selected);
@@ -122,14 +129,9 @@ class MenuRowBinding : public Binding {
  public:
   MenuRowBinding(wxWindow* parent, MenuItem& item, const Layout& layout, const Front& front)
       : Binding(item, front), item_(item) {
-    row_ = new wxButton(parent, wxID_ANY, ToWx(item.Caption()), wxDefaultPosition, wxDefaultSize,
-                        wxBORDER_NONE | wxBU_LEFT);
-    if (!layout.icon.empty()) {
-      row_->SetBitmap(icons::Get(layout.icon, metrics::kSmallIcon));
-      row_->SetBitmapMargins(metrics::Scaled(*row_, wxSize(metrics::kTightGap, 0)));
-    }
+    row_ = native::NewFlatButton(parent, ToWx(item.Caption()),
+                                 icons::Get(layout.icon, metrics::kSmallIcon));
     row_->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { Act([this] { item_.ClickByUser(); }); });
-    native::MakeRow(*row_);
     Attach(row_);
   }
   std::string Shown() const override { return FromWx(row_->GetLabel()); }
@@ -140,7 +142,7 @@ class MenuRowBinding : public Binding {
                                                   : row_->GetParent()->GetBackgroundColour());
     const wxString caption = ToWx(item_.Caption());
     if (row_->GetLabel() == caption) return false;
-    row_->SetLabel(caption);
+    native::SetFlatCaption(*row_, caption);
     return true;
   }
 
@@ -189,7 +191,7 @@ class OptionBinding : public Binding {
     // its own that nobody sees takes that place.
     none_ = new wxRadioButton(parent, wxID_ANY, "", wxDefaultPosition, wxDefaultSize, wxRB_GROUP);
     none_->Hide();
-    radio_ = new wxRadioButton(parent, wxID_ANY, "");
+    radio_ = native::NewOption(parent);
     radio_->Bind(wxEVT_RADIOBUTTON,
                  [this](wxCommandEvent&) { Act([this] { option_.ClickByUser(); }); });
     Attach(radio_);

@@ -18,7 +18,7 @@ class LabelBinding : public Binding {
   LabelBinding(wxWindow* parent, Label& label, const Layout& layout, const Front& front)
       : Binding(label, front), label_(label), role_(layout.role) {
     long style = wxST_NO_AUTORESIZE;
-    if (role_ == Role::kPath) style |= wxST_ELLIPSIZE_MIDDLE;
+    if (IsCut()) style |= wxST_ELLIPSIZE_MIDDLE;
     // A text takes no part in what the mouse does; where that matters, it stands in a window that
     // does.
     wxWindow* around = parent;
@@ -29,7 +29,7 @@ class LabelBinding : public Binding {
     }
     text_ = new wxStaticText(around, wxID_ANY, "", wxDefaultPosition, wxDefaultSize, style);
     text_->SetFont(theme::FontOf(parent->GetFont(), role_));
-    if (role_ == Role::kPath || role_ == Role::kTitle) text_->SetMinSize({1, -1});
+    if (IsCut() || role_ == Role::kTitle) text_->SetMinSize({1, -1});
     if (role_ == Role::kTitle) OnResize(*text_, [this] { WrapTitle(); });
     if (layout.width > 0) text_->SetMinSize({metrics::Scaled(*text_, layout.width), -1});
     wrapWidth_ = metrics::Scaled(*text_, layout.width > 0 ? layout.width : metrics::kReadableWidth);
@@ -53,9 +53,12 @@ class LabelBinding : public Binding {
                                 ? theme::MutedText()
                                 : theme::Of(label_.ForeColour());
     if (text_->GetForegroundColour() != colour) text_->SetForegroundColour(colour);
+    if (label_.Bold() && text_->GetFont().GetWeight() != wxFONTWEIGHT_BOLD) {
+      text_->SetFont(text_->GetFont().Bold());
+    }
     if (shown_ == label_.Caption()) return false;
     shown_ = label_.Caption();
-    if (role_ == Role::kPath) {
+    if (IsCut()) {
       text_->SetLabelText(ToWxLine(shown_));
       return false;
     }
@@ -80,6 +83,8 @@ class LabelBinding : public Binding {
     LayOutAround(*parent);
     parent->Layout();
   }
+
+  bool IsCut() const { return role_ == Role::kPath || role_ == Role::kStatus; }
 
   // A title takes as many lines as its place needs.
   void WrapTitle() {

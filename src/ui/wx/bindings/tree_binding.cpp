@@ -15,8 +15,9 @@ class TreeBinding : public Binding {
  public:
   TreeBinding(wxWindow* parent, TreeView& tree, const Layout& layout, const Front& front)
       : Binding(tree, front), tree_(tree), ticks_(layout.ticks || tree.NodeCheck) {
+    const long header = tree.Columns().empty() ? wxDV_NO_HEADER : 0;
     widget_ = new wxDataViewCtrl(parent, wxID_ANY, wxDefaultPosition, wxDefaultSize,
-                                 wxDV_SINGLE | wxDV_ROW_LINES | wxBORDER_THEME);
+                                 wxDV_SINGLE | wxDV_ROW_LINES | wxBORDER_THEME | header);
     widget_->SetMinSize(metrics::Scaled(
         *widget_, wxSize(layout.width > 0 ? layout.width : metrics::kFieldWidth,
                          layout.height > 0 ? layout.height : metrics::kTreeHeight)));

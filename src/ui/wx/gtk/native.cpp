@@ -2,15 +2,30 @@
 
 #include <gtk/gtk.h>
 
+#include "ui/wx/metrics.h"
+
 namespace quarnel::native {
 namespace {
 
-void AlignLeft(GtkWidget* button) {
-  gtk_button_set_relief(GTK_BUTTON(button), GTK_RELIEF_NONE);
-  GtkWidget* content = gtk_bin_get_child(GTK_BIN(button));
-  if (content == nullptr) return;
-  // Picture and text stand in an alignment of their own.
-  gtk_widget_set_halign(content, GTK_ALIGN_START);
+// Picture and text stand in an alignment of their own, which is a new one after each change.
+void AlignLeft(wxAnyButton& button) {
+  GtkWidget* content = gtk_bin_get_child(GTK_BIN(button.GetHandle()));
+  if (content != nullptr) gtk_widget_set_halign(content, GTK_ALIGN_START);
+}
+
+template <typename Button>
+Button* NewFlat(wxWindow* parent, const wxString& caption, const wxBitmapBundle& picture) {
+  auto* button = new Button(parent, wxID_ANY, caption, wxDefaultPosition, wxDefaultSize,
+                            wxBORDER_NONE | wxBU_LEFT);
+  GtkWidget* widget = button->GetHandle();
+  gtk_button_set_relief(GTK_BUTTON(widget), GTK_RELIEF_NONE);
+  if (picture.IsOk()) {
+    button->SetBitmap(picture);
+    // Beside what the toolkit leaves there.
+    gtk_widget_set_margin_end(gtk_button_get_image(GTK_BUTTON(widget)), metrics::kTightGap);
+  }
+  AlignLeft(*button);
+  return button;
 }
 
 // The window exists but is not yet on the screen. The toolkit makes it at the screen's corner with
@@ -24,12 +39,27 @@ void PutInPlace(GtkWidget* widget, gpointer data) {
 
 }  // namespace
 
-void MakeTab(wxToggleButton& tab) { AlignLeft(tab.GetHandle()); }
+wxButton* NewFlatButton(wxWindow* parent, const wxString& caption, const wxBitmapBundle& picture) {
+  return NewFlat<wxButton>(parent, caption, picture);
+}
+
+wxToggleButton* NewTab(wxWindow* parent, const wxString& caption, const wxBitmapBundle& picture) {
+  return NewFlat<wxToggleButton>(parent, caption, picture);
+}
+
+void SetFlatCaption(wxAnyButton& button, const wxString& caption) {
+  button.SetLabel(caption);
+  AlignLeft(button);
+}
 
 // The desktop's theme marks a button that is held down.
 void ShowTab(wxToggleButton&, bool) {}
 
-void MakeRow(wxButton& row) { AlignLeft(row.GetHandle()); }
+wxButton* NewPrimaryButton(wxWindow* parent, const wxString& caption) {
+  return new wxButton(parent, wxID_ANY, caption);
+}
+
+wxRadioButton* NewOption(wxWindow* parent) { return new wxRadioButton(parent, wxID_ANY, ""); }
 
 void KeepPlace(wxTopLevelWindow& window) {
   g_signal_connect_after(window.GetHandle(), "realize", G_CALLBACK(PutInPlace), &window);

@@ -51,7 +51,7 @@ FormLayout WizardLayout(std::string_view form, std::vector<Layout> answers,
   text.push_back(Spring());
   return {.form = form,
           .content = Column({
-                                Row({Picture("quarnel", kHeroIcon),
+                                Row({Column({Picture("quarnel", kHeroIcon), Spring()}),
                                      Column(std::move(text)).Gap(kWideGap).Grow()})
                                     .Gap(kDialogPadding)
                                     .High(kWizardHeight)

@@ -54,12 +54,16 @@ Layout JobCard() {
       Picture("scanning", kLargeIcon),
       Column(
           {
-              Put("lblStatus").As(Role::kHeading),
-              Put("lblPercentageCompleted"),
-              Put("pbgMain"),
-              Put("lblScanning").As(Role::kPath),
-              Put("lblDeletingCaption").As(Role::kPath),
-              Put("pbrRemoveSpyware").Called("Removal"),
+              Column({Put("lblScanSummary").As(Role::kTitle)}).On("picRemoveSummary"),
+              Column({Put("lblStatus").As(Role::kStatus)}).Unless("picRemoveSummary"),
+              Column({Put("lblPercentageCompleted"), Put("pbgMain"),
+                      Put("lblScanning").As(Role::kPath)})
+                  .Gap(kTightGap)
+                  .On("pbgMain"),
+              Column({Put("lblDeletingCaption").As(Role::kPath),
+                      Put("pbrRemoveSpyware").Called("Removal")})
+                  .Gap(kTightGap)
+                  .On("pbrRemoveSpyware"),
               Column({Put("lblBackupProgress").As(Role::kPath), Put("pgbBackup").Called("Backup")})
                   .Gap(kTightGap)
                   .On("picBackupProgress"),
@@ -189,8 +193,7 @@ Layout RemovalSummary() {
                          .Gap(kTightGap)
                          .Grow());
   }
-  return Card({}, {Put("lblScanSummary").As(Role::kTitle),
-                   Put("lblScanSummaryMessage").As(Role::kWrapped),
+  return Card({}, {Put("lblScanSummaryMessage").As(Role::kWrapped),
                    Put("lblRemoveSummaryMessage").As(Role::kWrapped), Row(std::move(levels)),
                    Row({Spring(), Put("cmdRemoveSpyware2").With("remove"),
                         Put("cmdFinish").As(Role::kPrimary)})})

@@ -1,7 +1,10 @@
 #include "ui/wx/native.h"
 
 #include <wx/access.h>
+#include <wx/dcclient.h>
+#include <wx/msw/wrapwin.h>
 
+#include "ui/wx/metrics.h"
 #include "ui/wx/theme.h"
 
 namespace quarnel::native {
@@ -21,17 +24,93 @@ class NamedAccessible : public wxAccessible {
   wxString name_;
 };
 
+// The toolkit draws a button without a frame in its colour alone, as long as it has one of its own.
+// What answers to mouse and keyboard is added here.
+template <typename Button>
+class Flat : public Button {
+ public:
+  Flat(wxWindow* parent, const wxString& caption, long style)
+      : Button(parent, wxID_ANY, caption, wxDefaultPosition, wxDefaultSize, style | wxBORDER_NONE) {
+    this->SetBackgroundColour(theme::Page());
+    for (const auto& crossing : {wxEVT_ENTER_WINDOW, wxEVT_LEAVE_WINDOW}) {
+      this->Bind(crossing, [this](wxMouseEvent& event) {
+        event.Skip();
+        this->Refresh();
+      });
+    }
+  }
+
+  bool MSWOnDraw(WXDRAWITEMSTRUCT* item) override {
+    const wxColour rest = this->m_backgroundColour;
+    const bool hovered = this->IsThisEnabled() && this->IsMouseInWindow();
+    if (hovered) this->m_backgroundColour = theme::Hovered(rest);
+    const bool drawn = Button::MSWOnDraw(item);
+    this->m_backgroundColour = rest;
+    const auto& drawing = *reinterpret_cast<const DRAWITEMSTRUCT*>(item);
+    const UINT focus = drawing.itemState & (ODS_FOCUS | ODS_NOFOCUSRECT);
+    if (focus == ODS_FOCUS) {
+      RECT frame = drawing.rcItem;
+      InflateRect(&frame, -kFocusInset, -kFocusInset);
+      DrawFocusRect(drawing.hDC, &frame);
+    }
+    return drawn;
+  }
+
+ private:
+  static constexpr int kFocusInset = 2;
+};
+
+template <typename Button>
+Button* NewFlat(wxWindow* parent, const wxString& caption, const wxBitmapBundle& picture) {
+  auto* button = new Flat<Button>(parent, caption, wxBU_LEFT);
+  if (!picture.IsOk()) return button;
+  button->SetBitmap(picture);
+  button->SetBitmapMargins(metrics::Scaled(*button, wxSize(metrics::kGap, 0)));
+  return button;
+}
+
+// The toolkit's own has one line.
+class Option : public wxRadioButton {
+ public:
+  explicit Option(wxWindow* parent) { Create(parent, wxID_ANY, ""); }
+
+  WXDWORD MSWGetStyle(long style, WXDWORD* extended) const override {
+    return wxRadioButton::MSWGetStyle(style, extended) | BS_MULTILINE;
+  }
+
+ protected:
+  wxSize DoGetBestSize() const override {
+    const wxString caption = GetLabelText();
+    const wxSize lines = wxClientDC(const_cast<Option*>(this)).GetMultiLineTextExtent(caption);
+    wxSize size = wxRadioButton::DoGetBestSize();
+    size.x += lines.x - GetTextExtent(caption).x;
+    size.IncTo({-1, lines.y});
+    return size;
+  }
+};
+
 }  // namespace
 
-// A button with a colour is drawn by the toolkit, which leaves the frame out where none is wanted.
-void MakeTab(wxToggleButton& tab) { ShowTab(tab, false); }
+wxButton* NewFlatButton(wxWindow* parent, const wxString& caption, const wxBitmapBundle& picture) {
+  return NewFlat<wxButton>(parent, caption, picture);
+}
+
+wxToggleButton* NewTab(wxWindow* parent, const wxString& caption, const wxBitmapBundle& picture) {
+  return NewFlat<wxToggleButton>(parent, caption, picture);
+}
+
+void SetFlatCaption(wxAnyButton& button, const wxString& caption) { button.SetLabel(caption); }
 
 void ShowTab(wxToggleButton& tab, bool selected) {
   const wxColour colour = selected ? theme::SelectedTab() : theme::Page();
   if (tab.GetBackgroundColour() != colour) tab.SetBackgroundColour(colour);
 }
 
-void MakeRow(wxButton& row) { row.SetBackgroundColour(theme::Page()); }
+wxButton* NewPrimaryButton(wxWindow* parent, const wxString& caption) {
+  return new Flat<wxButton>(parent, caption, 0);
+}
+
+wxRadioButton* NewOption(wxWindow* parent) { return new Option(parent); }
 
 // The system does.
 void KeepPlace(wxTopLevelWindow&) {}
