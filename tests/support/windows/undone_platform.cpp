@@ -44,71 +44,53 @@ class UndoneFiles : public Files {
   std::optional<DirectoryEntry> Stat(std::string_view path) override { return files_.Stat(path); }
   std::vector<DirectoryEntry> List(std::string_view folder) override { return files_.List(folder); }
   std::unique_ptr<File> Open(std::string_view path, OpenMode mode) override {
-    if (mode != OpenMode::kRead) Keep(path);
-    return files_.Open(path, mode);
+    return (mode == OpenMode::kRead ? files_ : Kept(path)).Open(path, mode);
   }
-  void Delete(std::string_view path) override {
-    Keep(path);
-    files_.Delete(path);
-  }
-  void DeleteFolder(std::string_view path) override {
-    Keep(path);
-    files_.DeleteFolder(path);
-  }
-  void CreateFolder(std::string_view path) override {
-    Keep(path);
-    files_.CreateFolder(path);
-  }
+  void Delete(std::string_view path) override { Kept(path).Delete(path); }
+  void DeleteFolder(std::string_view path) override { Kept(path).DeleteFolder(path); }
+  void CreateFolder(std::string_view path) override { Kept(path).CreateFolder(path); }
   void Move(std::string_view from, std::string_view to) override {
-    Keep(from);
-    Keep(to);
-    files_.Move(from, to);
+    Kept(from);
+    Kept(to).Move(from, to);
   }
   void ReplaceFile(std::string_view from, std::string_view to) override {
-    Keep(from);
-    Keep(to);
-    files_.ReplaceFile(from, to);
+    Kept(from);
+    Kept(to).ReplaceFile(from, to);
   }
   std::unique_ptr<HeldFolders> HoldFolders() override {
     return std::make_unique<HeldFoldersByPath>(*this, [this](const std::string& path) {
       return std::make_unique<HeldFolderByPath>(*this, path);
     });
   }
-  void Copy(std::string_view from, std::string_view to) override {
-    Keep(to);
-    files_.Copy(from, to);
-  }
+  void Copy(std::string_view from, std::string_view to) override { Kept(to).Copy(from, to); }
   void SetAttributes(std::string_view path, uint32_t attributes) override {
-    Keep(path);
-    files_.SetAttributes(path, attributes);
+    Kept(path).SetAttributes(path, attributes);
   }
   FileTimes Times(std::string_view path) override { return files_.Times(path); }
   void SetTimes(std::string_view path, const FileTimes& times) override {
-    Keep(path);
-    files_.SetTimes(path, times);
+    Kept(path).SetTimes(path, times);
   }
 
  private:
   // Notes what stands at a path before it is changed for the first time.
-  void Keep(std::string_view changed) {
-    if (!kept_.insert(ToUpper(changed)).second) return;
+  Files& Kept(std::string_view changed) {
+    if (!kept_.insert(ToUpper(changed)).second) return files_;
     std::string path(changed);
     const auto entry = files_.Stat(path);
     if (!entry) {
       undo_.Add([this, path] { Remove(path); });
-      return;
-    }
-    if (entry->IsFolder()) {
+    } else if (entry->IsFolder()) {
       undo_.Add([this, path] { CreateFolders(files_, path); });
-      for (const DirectoryEntry& below : files_.List(path)) Keep(path + "\\" + below.name);
-      return;
+      for (const DirectoryEntry& below : files_.List(path)) Kept(path + "\\" + below.name);
+    } else {
+      undo_.Add([this, path, entry = *entry, bytes = ReadWholeFile(files_, path)] {
+        IgnoringErrors([&] { files_.SetAttributes(path, file_attribute::kNormal); });
+        WriteWholeFile(files_, path, bytes);
+        files_.SetModified(path, entry.modified);
+        files_.SetAttributes(path, entry.attributes);
+      });
     }
-    undo_.Add([this, path, entry = *entry, bytes = ReadWholeFile(files_, path)] {
-      IgnoringErrors([&] { files_.SetAttributes(path, file_attribute::kNormal); });
-      WriteWholeFile(files_, path, bytes);
-      files_.SetModified(path, entry.modified);
-      files_.SetAttributes(path, entry.attributes);
-    });
+    return files_;
   }
 
   void Remove(const std::string& path) {
@@ -123,57 +105,15 @@ class UndoneFiles : public Files {
   std::unique_ptr<UndoneFiles> withoutLinks_;
 };
 
-struct KeyName {
-  uint32_t root;
-  std::string path;
-};
-
-class UndoneKey : public RegistryKey {
- public:
-  UndoneKey(std::unique_ptr<RegistryKey> key, Registry& registry, UndoList& undo, KeyName name)
-      : key_(std::move(key)), registry_(registry), undo_(undo), name_(std::move(name)) {}
-
-  RegistryStatus Query(std::string_view name, RawValue& value) override {
-    return key_->Query(name, value);
+// Each value of a key, as it stands.
+std::vector<std::pair<std::string, RawValue>> ValuesOf(RegistryKey& key) {
+  std::vector<std::pair<std::string, RawValue>> values;
+  std::string name;
+  for (uint32_t i = 0; key.EnumValue(i, name) == RegistryStatus::kSuccess; ++i) {
+    key.Query(name, values.emplace_back(name, RawValue()).second);
   }
-  RegistryStatus Set(std::string_view name, const RawValue& value) override {
-    Keep(name);
-    return key_->Set(name, value);
-  }
-  RegistryStatus DeleteValue(std::string_view name) override {
-    Keep(name);
-    return key_->DeleteValue(name);
-  }
-  RegistryStatus EnumKey(uint32_t index, std::string& name) override {
-    return key_->EnumKey(index, name);
-  }
-  RegistryStatus EnumValue(uint32_t index, std::string& name) override {
-    return key_->EnumValue(index, name);
-  }
-
- private:
-  void Keep(std::string_view value) {
-    RawValue before;
-    const bool isThere = key_->Query(value, before) == RegistryStatus::kSuccess;
-    undo_.Add([&registry = registry_, key = name_, name = std::string(value), before, isThere] {
-      std::unique_ptr<RegistryKey> open;
-      if (registry.Open(key.root, key.path, registry_access::kReadWrite, open) !=
-          RegistryStatus::kSuccess) {
-        return;
-      }
-      if (isThere) {
-        open->Set(name, before);
-      } else {
-        open->DeleteValue(name);
-      }
-    });
-  }
-
-  std::unique_ptr<RegistryKey> key_;
-  Registry& registry_;
-  UndoList& undo_;
-  KeyName name_;
-};
+  return values;
+}
 
 class UndoneRegistry : public Registry {
  public:
@@ -181,24 +121,16 @@ class UndoneRegistry : public Registry {
 
   RegistryStatus Open(uint32_t root, std::string_view path, uint32_t access,
                       std::unique_ptr<RegistryKey>& key) override {
-    const RegistryStatus status = registry_.Open(root, path, access, key);
-    if (status == RegistryStatus::kSuccess) Wrap(key, root, path);
-    return status;
+    Registry& kept = access == registry_access::kRead ? registry_ : Kept(root, path);
+    return kept.Open(root, path, access, key);
   }
-
   RegistryStatus Create(uint32_t root, std::string_view path,
                         std::unique_ptr<RegistryKey>& key) override {
-    KeepAbsence(root, path);
-    const RegistryStatus status = registry_.Create(root, path, key);
-    if (status == RegistryStatus::kSuccess) Wrap(key, root, path);
-    return status;
+    return Kept(root, path).Create(root, path, key);
   }
-
   RegistryStatus Delete(uint32_t root, std::string_view path) override {
-    KeepValues(root, path);
-    return registry_.Delete(root, path);
+    return Kept(root, path).Delete(root, path);
   }
-
   std::string SetKeySecurity(uint32_t root, std::string_view path, std::string_view account,
                              uint32_t access) override {
     return registry_.SetKeySecurity(root, path, account, access);
@@ -206,45 +138,34 @@ class UndoneRegistry : public Registry {
   std::string AccountName() override { return registry_.AccountName(); }
 
  private:
-  void Wrap(std::unique_ptr<RegistryKey>& key, uint32_t root, std::string_view path) {
-    key = std::make_unique<UndoneKey>(std::move(key), registry_, undo_,
-                                      KeyName{root, std::string(path)});
-  }
-
-  // Notes the topmost key on a path that is to be made.
-  void KeepAbsence(uint32_t root, std::string_view path) {
-    for (size_t end = 0; end < path.size(); ++end) {
-      end = std::min(path.find('\\', end), path.size());
-      std::string key(path.substr(0, end));
-      std::unique_ptr<RegistryKey> open;
-      if (key.empty() || registry_.Open(root, key, registry_access::kRead, open) !=
-                             RegistryStatus::kFileNotFound) {
-        continue;
-      }
-      undo_.Add([this, root, key] { DeleteKeyTree(registry_, root, key, nullptr); });
-      return;
+  // Notes what stands at a key before it is changed for the first time: its values, or the topmost
+  // key on its path that is to be made.
+  Registry& Kept(uint32_t root, std::string_view changed) {
+    if (!kept_.emplace(root, ToUpper(changed)).second) return registry_;
+    std::unique_ptr<RegistryKey> key;
+    const auto open = [&](const std::string& path) {
+      return registry_.Open(root, path, registry_access::kRead, key);
+    };
+    std::string path;
+    for (const std::string& name : Split(changed, "\\")) {
+      path += (path.empty() ? "" : "\\") + name;
+      if (name.empty() || open(path) != RegistryStatus::kFileNotFound) continue;
+      undo_.Add([this, root, path] { DeleteKeyTree(registry_, root, path, nullptr); });
+      return registry_;
     }
-  }
-
-  void KeepValues(uint32_t root, std::string_view path) {
-    std::unique_ptr<RegistryKey> open;
-    if (registry_.Open(root, path, registry_access::kRead, open) != RegistryStatus::kSuccess) {
-      return;
-    }
-    std::vector<std::pair<std::string, RawValue>> values;
-    std::string name;
-    for (uint32_t i = 0; open->EnumValue(i, name) == RegistryStatus::kSuccess; ++i) {
-      open->Query(name, values.emplace_back(name, RawValue()).second);
-    }
-    undo_.Add([this, root, key = std::string(path), values] {
-      std::unique_ptr<RegistryKey> made;
-      if (registry_.Create(root, key, made) != RegistryStatus::kSuccess) return;
-      for (const auto& [value, raw] : values) made->Set(value, raw);
+    if (open(path) != RegistryStatus::kSuccess) return registry_;
+    undo_.Add([this, root, path, values = ValuesOf(*key)] {
+      std::unique_ptr<RegistryKey> again;
+      if (registry_.Create(root, path, again) != RegistryStatus::kSuccess) return;
+      for (const auto& [name, value] : ValuesOf(*again)) again->DeleteValue(name);
+      for (const auto& [name, value] : values) again->Set(name, value);
     });
+    return registry_;
   }
 
   Registry& registry_;
   UndoList& undo_;
+  std::set<std::pair<uint32_t, std::string>> kept_;
 };
 
 class UndonePlatform : public Platform {
