@@ -16,16 +16,16 @@ class FailingFiles : public Files {
   int failAt = 0;  // 0: never
   int steps = 0;
 
-  void Step() {
+  Files& Step() {
     if (++steps == failAt) throw RuntimeError(ErrorNumber::kDiskFull);
+    return files_;
   }
   Files& WithoutLinks() override { return *this; }
   std::optional<DirectoryEntry> Stat(std::string_view path) override { return files_.Stat(path); }
   std::vector<DirectoryEntry> List(std::string_view folder) override { return files_.List(folder); }
   std::unique_ptr<File> Open(std::string_view path, OpenMode mode) override {
     if (mode == OpenMode::kRead) return files_.Open(path, mode);
-    Step();
-    return std::make_unique<FailingFile>(*this, files_.Open(path, mode));
+    return std::make_unique<FailingFile>(*this, Step().Open(path, mode));
   }
   std::unique_ptr<HeldFolders> HoldFolders() override {
     return std::make_unique<HeldFoldersByPath>(*this, [this](const std::string& folder) {
@@ -37,8 +37,7 @@ class FailingFiles : public Files {
   void CreateFolder(std::string_view path) override { files_.CreateFolder(path); }
   void Move(std::string_view from, std::string_view to) override { files_.Move(from, to); }
   void ReplaceFile(std::string_view from, std::string_view to) override {
-    Step();
-    files_.ReplaceFile(from, to);
+    Step().ReplaceFile(from, to);
   }
   void Copy(std::string_view from, std::string_view to) override { files_.Copy(from, to); }
   void SetAttributes(std::string_view path, uint32_t attributes) override {

@@ -22,7 +22,6 @@
 #include "signatures/sha256.h"
 #include "signatures/signature_files.h"
 #include "signatures/taxonomy.h"
-#include "support/posix/programs.h"
 #include "support/test_host.h"
 
 namespace quarnel {
@@ -234,13 +233,6 @@ ProofFolder::~ProofFolder() {
   fs::remove_all(path_, ignored);
 }
 
-void ProofFolder::BecomeCopyOf(const ProofFolder& other) const {
-  fs::remove_all(path_);
-  if (RunProgram({"cp", "-a", other.path_, path_}) != 0) {
-    throw std::runtime_error("no copy of the machine");
-  }
-}
-
 void PlantProof(const std::string& folder) {
   CreateMachine(folder, {});
   fs::create_directory(folder + "/drive_d");
@@ -364,7 +356,7 @@ void ProofTest::SetUp() {
 
 TracedRun ProofTest::Run(const Program& program, const Intervention& intervention,
                          std::string_view from) {
-  machine.BecomeCopyOf(original);
+  CopyFolder(original.Path(), machine.Path());
   return RunTraced(program, intervention, from);
 }
 

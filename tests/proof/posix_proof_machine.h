@@ -27,8 +27,6 @@ class ProofFolder {
   ProofFolder(const ProofFolder&) = delete;
   ProofFolder& operator=(const ProofFolder&) = delete;
   const std::string& Path() const { return path_; }
-  // Makes it an exact copy of another one, with attributes and times.
-  void BecomeCopyOf(const ProofFolder& other) const;
 
  private:
   std::string path_;

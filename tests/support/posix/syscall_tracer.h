@@ -4,6 +4,7 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace quarnel {
 
@@ -39,5 +40,11 @@ std::string WhyNoTracing();
 // output is kept, its standard error is lost, and writing to either is no counted call.
 TracedRun RunTraced(const std::function<int()>& program, const Intervention& intervention,
                     std::string_view from = {});
+
+// Becomes a program with the text as its standard input. Returns only when that failed.
+int BecomeProgram(const std::vector<std::string>& words, const std::string& input);
+
+// Makes a folder an exact copy of another one, with attributes and times.
+void CopyFolder(const std::string& from, const std::string& to);
 
 }  // namespace quarnel
