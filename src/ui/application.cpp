@@ -1,6 +1,5 @@
 #include "ui/application.h"
 
-#include "base/runtime_error.h"
 #include "core/product.h"
 #include "core/startup.h"
 #include "ui/wizard.h"
@@ -20,7 +19,7 @@ bool Application::Main() {
   if (options_.runWizard && IsFirstStart(settings_)) {
     platform_.desktop().Announce(kWindowClass, WizardCaption(settings_));
     // The program is there without it, too.
-    IgnoringErrors([&] { RunWizard(forms_); });
+    Reporting(log_, "RunWizard", [&] { RunWizard(forms_); });
   }
   platform_.desktop().Announce(kWindowClass, MainCaption(settings_));
   MainForm().Show();

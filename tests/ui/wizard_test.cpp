@@ -79,18 +79,24 @@ TEST_F(WizardTest, NextWritesTheAnswers) {
 TEST_F(WizardTest, BackGoesBackAndExitLeaves) {
   int visits = 0;
   Play({});
+  // Before the first page there is nothing to go back to.
+  host.players["frmWizard1"] = [&](Form& form) {
+    shown.emplace_back("frmWizard1");
+    form.Find(shown.size() == 1 ? "cmdBack" : "cmdNext")->ClickByUser();
+  };
   host.players["frmWizard2"] = [&](Form& form) {
     shown.emplace_back("frmWizard2");
     form.Find(++visits == 1 ? "cmdBack" : "cmdExit")->ClickByUser();
   };
   application = std::make_unique<Application>(platform(), host, StartOptions{});
   RunWizard(application->forms());
-  EXPECT_THAT(shown, ElementsAre("frmWizard1", "frmWizard2", "frmWizard1", "frmWizard2"));
+  EXPECT_THAT(shown,
+              ElementsAre("frmWizard1", "frmWizard1", "frmWizard2", "frmWizard1", "frmWizard2"));
   // A page that is closed without a button leaves as well.
-  shown.clear();
+  shown = {"before"};
   host.players["frmWizard2"] = [&](Form& form) { form.Close(UnloadMode::kUser); };
   RunWizard(application->forms());
-  EXPECT_THAT(shown, ElementsAre("frmWizard1"));
+  EXPECT_THAT(shown, ElementsAre("before", "frmWizard1"));
 }
 
 TEST_F(WizardTest, RunsBeforeTheWindowAtTheFirstStartOnly) {
