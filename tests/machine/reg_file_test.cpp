@@ -37,11 +37,10 @@ std::string Shown(const RegStep& step) {
 }
 
 TEST(RegFileTest, ReadsEveryFormOfALine) {
-  struct Case {
+  const struct {
     std::string_view line;
     std::string_view step;  // without the key
-  };
-  const Case cases[] = {
+  } cases[] = {
       {R"("a"="b")", R"(<a> "b")"},
       {R"(@="default")", R"(<> "default")"},
       {R"(  "spaced"  =  "x"  ; comment)", R"(<spaced> "x")"},
@@ -63,7 +62,7 @@ TEST(RegFileTest, ReadsEveryFormOfALine) {
       {R"("t"=hex(ffff0001):)", "<t> hex(ffff0001):"},
       {R"("t"=hex(4):01,02)", "<t> hex(4):01,02"},
   };
-  for (const Case& test : cases) {
+  for (const auto& test : cases) {
     const RegFile file = Parse("[HKEY_CURRENT_USER\\K]\n" + std::string(test.line) + "\n");
     ASSERT_FALSE(file.error) << test.line << ": " << file.error->reason;
     ASSERT_EQ(file.steps.size(), 2U) << test.line;

@@ -224,7 +224,14 @@ TEST_F(FilesTest, SaysWhatKindOfFailureItIs) {
   EXPECT_EQ(Read(Path("read-only")), "kept");
 }
 
-TEST_F(FilesTest, MovesFilesAndFolders) {
+TEST_F(FilesTest, MovesAndReplaces) {
+  Make("settings.new", "new");
+  Make("settings.ini", "old");
+  files().ReplaceFile(Path("settings.new"), Path("SETTINGS.ini"));
+  EXPECT_EQ(Read(Path("settings.ini")), "new");
+  EXPECT_EQ(Names(Scratch()), Strings{"settings.ini"});
+  files().Delete(Path("settings.ini"));
+
   files().CreateFolder(Path("from"));
   Make("from\\a", "1");
   files().Move(Path("FROM"), Path("to"));
@@ -238,14 +245,6 @@ TEST_F(FilesTest, MovesFilesAndFolders) {
   if (!OnRunningSystem()) {
     EXPECT_EQ(Names(Scratch())[0], "B");
   }
-}
-
-TEST_F(FilesTest, ReplacesAFileInOneStep) {
-  Make("settings.ini", "old");
-  Make("settings.new", "new");
-  files().ReplaceFile(Path("settings.new"), Path("SETTINGS.ini"));
-  EXPECT_EQ(Read(Path("settings.ini")), "new");
-  EXPECT_EQ(Names(Scratch()), Strings{"settings.ini"});
 }
 
 TEST_F(FilesTest, ReplacesAWholeFileByWayOfAnother) {

@@ -59,11 +59,10 @@ TEST(PeReader, TakesEntryOneAmongOthers) {
 }
 
 TEST(PeReader, AnswersNothingToDamagedFiles) {
-  struct Case {
+  const struct {
     const char* name;
     std::function<void(std::string&)> damage;
-  };
-  const Case cases[] = {
+  } cases[] = {
       {"empty", [](std::string& f) { f.clear(); }},
       {"header behind the end", [](std::string& f) { SetU32(f, 60, 0xFFFFFFFF); }},
       {"other signature", [](std::string& f) { f[64] = 'N'; }},
@@ -87,7 +86,7 @@ TEST(PeReader, AnswersNothingToDamagedFiles) {
        }},
       {"other fixed signature", [](std::string& f) { SetU32(f, kVersion + 40, 0); }},
   };
-  for (const Case& test : cases) {
+  for (const auto& test : cases) {
     std::string file = Sample();
     test.damage(file);
     const Reading reading(file);

@@ -32,17 +32,16 @@ class RegistryTest : public PlatformTest {
 };
 
 TEST_F(RegistryTest, ReadsValuesAsTheProgramSeesThem) {
-  struct Case {
-    const char* what;
-    RawValue raw;
-    std::optional<RegistryValue> value;
-  };
   const auto wide = [](std::string_view text) {
     std::string bytes;
     for (const char c : text) bytes.append({c, '\0'});
     return bytes;
   };
-  const Case cases[] = {
+  const struct {
+    const char* what;
+    RawValue raw;
+    std::optional<RegistryValue> value;
+  } cases[] = {
       {"text", {ValueType::kString, wide({"ab\0", 3})}, "ab"},
       {"empty text", {ValueType::kString, wide({"\0", 1})}, ""},
       {"no bytes", {ValueType::kString, ""}, ""},
@@ -62,7 +61,7 @@ TEST_F(RegistryTest, ReadsValuesAsTheProgramSeesThem) {
       {"unknown type", {static_cast<ValueType>(0x12345), "1234"}, std::nullopt},
   };
   const auto key = Make("values");
-  for (const Case& test : cases) {
+  for (const auto& test : cases) {
     EXPECT_EQ(ValueFromRaw(test.raw), test.value) << test.what;
     ASSERT_EQ(key->Set(test.what, test.raw), kSuccess) << test.what;
     RawValue raw;
@@ -206,16 +205,12 @@ TEST_F(RegistryTest, DeleteKeyTreeGoesInnermostFirst) {
   EXPECT_EQ(turns, 4);
   EXPECT_EQ(Open(Key("tree")), kFileNotFound);
   EXPECT_EQ(DeleteKeyTree(registry(), kRoot, Key("tree"), nullptr), kFileNotFound);
-}
-
-TEST_F(RegistryTest, DeleteKeyTreeEndsWhenSomebodyMakesKeysAnew) {
+  // It ends when somebody makes keys anew.
   Make("tree\\back");
-  int turns = 0;
-  const auto revive = [&] {
-    ++turns;
-    Make("tree\\back");
-  };
-  EXPECT_EQ(DeleteKeyTree(registry(), kRoot, Key("tree"), revive), kAccessDenied);
+  turns = 0;
+  EXPECT_EQ(DeleteKeyTree(registry(), kRoot, Key("tree"),
+                          [&] { turns += Make("tree\\back") != nullptr; }),
+            kAccessDenied);
   EXPECT_EQ(turns, 1);
 }
 

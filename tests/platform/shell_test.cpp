@@ -15,6 +15,7 @@ class ShellTest : public PlatformTest {
 };
 
 TEST_F(ShellTest, RunsOnlyPrograms) {
+  EXPECT_FALSE(shell().FindExecutable(Path("missing.htm")));
   EXPECT_FALSE(shell().Run(Path("missing.exe"), "0"));
   EXPECT_FALSE(shell().Run(Scratch(), "0"));
   EXPECT_FALSE(shell().Run(Make("text.exe", "this is no program\n"), "0"));
@@ -39,10 +40,6 @@ TEST_F(ShellTest, FindsTheTargetsOfShortcuts) {
   for (const std::string_view name : {"torn.lnk", "text.lnk", "missing.lnk"}) {
     EXPECT_FALSE(shell().ShortcutTarget(Path(name))) << name;
   }
-}
-
-TEST_F(ShellTest, FindsNoProgramForAMissingFile) {
-  EXPECT_FALSE(shell().FindExecutable(Path("missing.htm")));
 }
 
 TEST_F(ShellTest, DoesNotRegisterWhatIsNoComponent) {
@@ -90,13 +87,12 @@ struct OtherTemp : MachineIn {
 };
 
 TEST_F(ShellTest, OpensAnAddressOrSaysWhyNot) {
-  struct Case {
+  const struct {
     std::optional<std::string> temp;
     std::string_view text, title;
     MessageIcon icon;
     bool hasBrowser = true, runs = true, leavesFile = false;
-  };
-  const Case cases[] = {
+  } cases[] = {
       {std::nullopt, "Sorry! file  cannot be created.", "Title", MessageIcon::kInformation},
       {Path("missing"), "Sorry! file  cannot be created.", "Title", MessageIcon::kInformation},
       {Scratch(), "Could not find associated application!", "Browser Not Found",
@@ -104,7 +100,7 @@ TEST_F(ShellTest, OpensAnAddressOrSaysWhyNot) {
       {Scratch(), "Page not Opened.", "URL Failed", MessageIcon::kNone, true, false},
       {Scratch(), "", "", MessageIcon::kNone},
   };
-  for (const Case& test : cases) {
+  for (const auto& test : cases) {
     ScriptedShell shell;
     if (!test.hasBrowser) shell.browser.reset();
     shell.runs = test.runs;

@@ -54,11 +54,10 @@ TEST(Shortcut, ReadsOldAndNetworkForms) {
 }
 
 TEST(Shortcut, AnswersNothingWhereNoTargetIs) {
-  struct Case {
+  const struct {
     const char* name;
     std::function<void(std::string&)> damage;
-  };
-  const Case cases[] = {
+  } cases[] = {
       {"other header size", [](std::string& l) { l[0] = 0x4D; }},
       {"no link info", [](std::string& l) { SetU32(l, 20, 0x80); }},
       {"link info forbidden", [](std::string& l) { SetU32(l, 20, 0x182); }},
@@ -73,7 +72,7 @@ TEST(Shortcut, AnswersNothingWhereNoTargetIs) {
          SetU32(l, kHeader + 20, 0xFFFFFFF0);
        }},
   };
-  for (const Case& test : cases) {
+  for (const auto& test : cases) {
     std::string link = MakeShortcut("C:\\a.exe");
     test.damage(link);
     EXPECT_FALSE(ReadShortcutTarget(link)) << test.name;

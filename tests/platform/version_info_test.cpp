@@ -57,11 +57,10 @@ TEST_F(VersionInfoTest, AnswersNothingWithoutARecord) {
 }
 
 TEST(DescribeVersion, NamesSystemTypeAndSubtype) {
-  struct Case {
+  const struct {
     uint32_t system, type, subtype;
     std::string_view systemName, typeName, subtypeName;
-  };
-  const Case cases[] = {
+  } cases[] = {
       {0x10001, 1, 0, "DOS-Win16", "App", ""},
       {0x10004, 2, 7, "DOS-Win32", "DLL", ""},
       {0x20002, 3, 1, "OS/2-16 PM-16", "Driver", "Printer drv"},
@@ -71,7 +70,7 @@ TEST(DescribeVersion, NamesSystemTypeAndSubtype) {
       {0, 7, 0, "Unknown", "Lib", ""},
       {0xFFFFFFFF, 6, 0, "Unknown", "Unknown", ""},
   };
-  for (const Case& test : cases) {
+  for (const auto& test : cases) {
     FixedVersionRecord record;
     record.operatingSystem = test.system;
     record.type = test.type;

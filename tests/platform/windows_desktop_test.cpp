@@ -56,6 +56,9 @@ TEST_F(WindowsDesktopTest, ClosesBrowserWindowsOnly) {
   const OtherWindow browser(L"IEFrame", WS_VISIBLE);
   const OtherWindow folder(L"CabinetWClass");
   const OtherWindow editor(L"QuarnelTestEditor");
+  int visited = 0;
+  desktop().EnumWindows([&](WindowId, std::string_view) { return ++visited < 2; });
+  EXPECT_EQ(visited, 2);
   CloseBrowserWindows(desktop());
   EXPECT_TRUE(Eventually([&] { return !browser.IsOpen() && !folder.IsOpen(); }));
   EXPECT_TRUE(editor.IsOpen());
@@ -75,16 +78,6 @@ TEST_F(WindowsDesktopTest, TheAnnouncedWindowIsNeverSeenNorClosed) {
   EXPECT_EQ(desktop().FindWindow(kClass, caption), id);
   desktop().Announce(kClass, "");
   EXPECT_FALSE(IsWindow(window));
-}
-
-TEST_F(WindowsDesktopTest, EnumerationEndsWhenTold) {
-  const OtherWindow one(L"QuarnelTestEditor");
-  int all = 0;
-  desktop().EnumWindows([&](WindowId, std::string_view) { return ++all > 0; });
-  EXPECT_GT(all, 0);
-  int visited = 0;
-  desktop().EnumWindows([&](WindowId, std::string_view) { return ++visited < 1; });
-  EXPECT_EQ(visited, 1);
 }
 
 }  // namespace

@@ -68,10 +68,6 @@ std::string PathOf(const ProofFile& file) {
   return std::string(kFolders[file.drive]) + "\\" + file.name;
 }
 
-std::string CookieName(int number) {
-  return "visitor@site" + std::to_string(number) + ".example[1].txt";
-}
-
 void SetValue(Registry& registry, const std::string& path, std::string_view name,
               const RawValue& value) {
   std::unique_ptr<RegistryKey> key;
@@ -145,7 +141,8 @@ void PlantSignatures(Platform& platform) {
 }
 
 std::string CookiePath(Machine& machine, int number) {
-  return GetSpecialFolderPath(machine, csidl::kCookies) + CookieName(number);
+  return GetSpecialFolderPath(machine, csidl::kCookies) + "visitor@site" + std::to_string(number) +
+         ".example[1].txt";
 }
 
 std::string WhatFileIs(Files& files, const std::string& path) {

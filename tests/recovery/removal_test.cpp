@@ -65,12 +65,6 @@ class RemovalTest : public ScanTest {
     TickAll();
     removal.cmdRemoveSpywares_Click();
   }
-  void Tick(std::string_view text, bool ticked) {
-    for (const TreeNodeRef& node : resultsPage.vbatvwResults.InOrder()) {
-      if (WithoutPrefixes(node->text) == text) node->checked = ticked;
-    }
-  }
-
   // "trace: fate (detail)" of every trace of the saved report.
   std::vector<std::string> Fates() {
     std::vector<std::string> fates;
@@ -83,11 +77,7 @@ class RemovalTest : public ScanTest {
     }
     return fates;
   }
-  std::vector<std::string> Messages() {
-    std::vector<std::string> texts;
-    for (const MessageBox& box : host.messages) texts.push_back(box.text);
-    return texts;
-  }
+
   Settings settings{registry(), "Quarnel"};
   RemovalPage removalPage{form};
   CookieScan cookieScan{context, "Quarnel"};
@@ -133,9 +123,10 @@ TEST_F(RemovalTest, SaysWhyItDoesNotStart) {
   removal.cmdRemoveSpywares_Click();
   page.ImgStopScanMouseMove.SetVisible(true);
   RemoveEverything();
-  EXPECT_THAT(Messages(),
-              ElementsAre("There is no Spyware/Adware in the results list.", "Nothing selected.",
-                          "Please wait while [Scanning Process] is running."));
+  ASSERT_EQ(host.messages.size(), 3U);
+  EXPECT_EQ(host.messages[0].text, "There is no Spyware/Adware in the results list.");
+  EXPECT_EQ(host.messages[1].text, "Nothing selected.");
+  EXPECT_EQ(host.messages[2].text, "Please wait while [Scanning Process] is running.");
   EXPECT_EQ(host.messages[0].title, "Quarnel");
   EXPECT_EQ(host.messages[0].icon, MessageIcon::kInformation);
   EXPECT_TRUE(Exists(Path("a.txt")));
@@ -192,7 +183,7 @@ TEST_F(RemovalTest, KeepsWhatIsNotTickedOrExempt) {
   const std::string unticked = AddFile("unticked.txt");
   const std::string exempt = AddFile("exempt.txt");
   TickAll();
-  Tick(unticked, false);
+  resultsPage.vbatvwResults.At(3)->checked = false;
   resultsPage.lvwIgnoredSpywares.Add({.text = ToUpper(exempt)});
   removal.cmdRemoveSpywares_Click();
   EXPECT_TRUE(Exists(unticked));

@@ -262,7 +262,11 @@ TEST_F(RestoreTest, NamesWhatIsDamagedAndRestoresTheRest) {
     return text;
   };
   const auto cutHead = [](const std::string& text) { return text.substr(text.find('\n') + 1); };
-  struct Case {
+  using namespace restore_point;
+  const std::string all = "11111";
+  const std::string otherArchive = Read(PointFile(other, kFiles));
+  const std::string otherManifest = Read(PointFile(other, kManifest));
+  const struct {
     const char* what;
     std::string_view ending;
     Damage damage;
@@ -270,12 +274,7 @@ TEST_F(RestoreTest, NamesWhatIsDamagedAndRestoresTheRest) {
     std::string strict;
     std::string plain;
     std::string named;
-  };
-  using namespace restore_point;
-  const std::string all = "11111";
-  const std::string otherArchive = Read(PointFile(other, kFiles));
-  const std::string otherManifest = Read(PointFile(other, kManifest));
-  const Case cases[] = {
+  } cases[] = {
       {"flipped byte of a file", kFiles, flipAt("CONTENT"), "01111", "01111", "first.exe"},
       {"archive without its end", kFiles, cutLast(30), all, all, ""},
       {"archive without its directory", kFiles, cutAt("PK\1\2"), all, all, ""},
@@ -297,7 +296,7 @@ TEST_F(RestoreTest, NamesWhatIsDamagedAndRestoresTheRest) {
   };
   for (const bool strict : {true, false}) {
     settings.Save(setting::kStrict, strict ? "1" : "0");
-    for (const Case& test : cases) {
+    for (const auto& test : cases) {
       SCOPED_TRACE(Join({test.what, strict ? "strict" : "plain"}, ", "));
       const std::string damagedFile = PointFile(report, test.ending);
       const std::string whole = Read(damagedFile);

@@ -90,7 +90,7 @@ TEST_F(ResultsTest, IgnoredProgramStaysInTheListsWithoutAChild) {
   EXPECT_EQ(resultsPage.txtAdwareSpyware.Caption(), "1");
 }
 
-TEST_F(ResultsTest, RootTickGoesDownAndNeverUp) {
+TEST_F(ResultsTest, TicksOfARootGoDownAndNeverUp) {
   AddFile("C:\\1", "A");
   AddFile("C:\\2", "A");
   TreeView& tree = resultsPage.vbatvwResults;
@@ -101,14 +101,10 @@ TEST_F(ResultsTest, RootTickGoesDownAndNeverUp) {
   results.vbatvwResults_nodeCheck(tree.At(3));
   EXPECT_TRUE(tree.At(1)->checked);
   EXPECT_EQ(host.MousePointer(), Pointer::kDefault);
-}
-
-TEST_F(ResultsTest, SelectAllTicksTreesAndThreats) {
-  AddFile("C:\\1", "A");
-  AddFile("C:\\2", "B");
+  AddFile("C:\\3", "B");
   resultsPage.chkSelectAllDetectedSpywares.SetValue(1);
   results.chkSelectAllDetectedSpywares_Click();
-  for (const TreeNodeRef& node : resultsPage.vbatvwResults.InOrder()) EXPECT_TRUE(node->checked);
+  for (const TreeNodeRef& node : tree.InOrder()) EXPECT_TRUE(node->checked);
   for (const TreeItem& item : resultsPage.sfttvwResults.Items()) EXPECT_TRUE(item.checked);
   for (const ListRow& row : resultsPage.lvwPicRemoveListOfSpywareFoundAndToBeRemoved.Rows()) {
     EXPECT_TRUE(row.checked);

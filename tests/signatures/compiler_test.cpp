@@ -85,16 +85,15 @@ TEST(Compiler, RefusesWhatReadersWouldMisread) {
   // the last of an odd one, behind which a blank comes.
   const char lineFeed = static_cast<char>('\n' - 'M');
   const char endMark = static_cast<char>('\x1A' - 'E');
-  struct Case {
+  const auto longFile = [](size_t over) {
+    return "a,b,1,1,p,," + std::string(kLongestLine - 12 + over, 'x');
+  };
+  const struct {
     std::string S::*source;
     std::string reason;  // a part of it; empty for lines that are taken
     std::vector<std::string> lines;
     size_t at = 2;
-  };
-  const auto longFile = [](size_t over) {
-    return "a,b,1,1,p,," + std::string(kLongestLine - 12 + over, 'x');
-  };
-  const Case cases[] = {
+  } cases[] = {
       {&S::registry, "", {"a,b,1,2,key,,"}},
       {&S::registry, "6 fields", {"a,b,1,2,key,"}},
       {&S::registry, "8 fields", {"a,b,1,2,key,,data,more"}},
@@ -127,7 +126,7 @@ TEST(Compiler, RefusesWhatReadersWouldMisread) {
       {&S::levels, "blanks", {"[Level]\na name=1"}, 3},
       {&S::levels, "is not a number", {"[level]\nname=32768"}, 3},
   };
-  for (const Case& c : cases) {
+  for (const auto& c : cases) {
     for (const std::string& line : c.lines) {
       SCOPED_TRACE(line.substr(0, 80));
       SignatureSources sources;

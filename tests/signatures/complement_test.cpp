@@ -25,10 +25,9 @@ class ComplementTest : public SignatureFolderTest {
 };
 
 TEST_F(ComplementTest, ZeroBytesAreSkippedAndTheTargetKeepsItsTail) {
-  struct Case {
+  const struct {
     std::string_view source, before, after;
-  };
-  const Case cases[] = {
+  } cases[] = {
       {"", "", ""},
       {"", "old", "old"},
       {"\x41\x00"sv, "", "\xBE"},
@@ -37,7 +36,7 @@ TEST_F(ComplementTest, ZeroBytesAreSkippedAndTheTargetKeepsItsTail) {
       {"\x00\x00"sv, "a", "a"},
       {"\xFF\x00"sv, "", "\x00"sv},
   };
-  for (const Case& c : cases) {
+  for (const auto& c : cases) {
     EXPECT_EQ(Transformed(c.source, c.before), c.after);
     if (c.before.empty()) {
       EXPECT_EQ(ComplementBytes(c.source), c.after);
