@@ -33,7 +33,7 @@ void Tray::Sync() {
       };
     };
     icon_->Bind(wxEVT_TASKBAR_LEFT_DCLICK, hand(&TrayIcon::DoubleClick));
-    icon_->Bind(wxEVT_TASKBAR_RIGHT_UP, hand(&TrayIcon::RightClick));
+    icon_->Bind(wxEVT_TASKBAR_CLICK, hand(&TrayIcon::RightClick));
   }
   const bool attention = control_.Picture().find("Red") != std::string::npos;
   icon_->SetIcon(icons::Get(attention ? "tray-attention" : "quarnel", metrics::kSmallIcon),
