@@ -387,7 +387,7 @@ void FormWindow::PassKeyboard() {
   }
   const bool isNew = place != keyboardPlace_;
   keyboardPlace_ = place;
-  if (place == nullptr || !window_->IsActive()) return;
+  if (place == nullptr || (shown_ && !window_->IsActive())) return;
   const wxWindow* focused = wxWindow::FindFocus();
   if (isNew || focused == nullptr || !ShowsInItsWindow(*focused)) place->Widget()->SetFocus();
 }
@@ -459,10 +459,13 @@ void FormWindow::SyncState() {
   const WindowState state = form_->StateOfWindow();
   if (form_->Visible() != shown_) {
     shown_ = form_->Visible();
-    if (layout_.kind == WindowKind::kPopup && shown_) {
+    const bool popup = shown_ && layout_.kind == WindowKind::kPopup;
+    if (popup && layout_.keyboard.empty()) {
       window_->ShowWithoutActivating();
     } else {
       window_->Show(shown_);
+      // Such windows are kept out of the way unless they ask.
+      if (popup) window_->Raise();
     }
   }
   if (!shown_) return;

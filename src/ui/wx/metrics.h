@@ -45,8 +45,6 @@ inline constexpr int kScrollStep = 12;
 // A line of text longer than this is tiring to read.
 inline constexpr int kReadableWidth = 500;
 inline constexpr int kMessageWidth = 380;
-// Of an option with a long caption, which must fit beside another card in the smallest window.
-inline constexpr int kOptionWidth = 240;
 inline constexpr int kPopupTextWidth = 280;
 
 inline constexpr int kMainWidth = 980;

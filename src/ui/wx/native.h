@@ -24,6 +24,9 @@ wxButton* NewPrimaryButton(wxWindow* parent, const wxString& caption);
 // A radio button whose caption may have several lines.
 wxRadioButton* NewOption(wxWindow* parent);
 
+// Lets the box or circle stand in a place too narrow for its caption, until that is broken anew.
+void LetCaptionShrink(wxControl& mark);
+
 // Lets a window come up where the program has put it, also under a window manager that places none.
 void KeepPlace(wxTopLevelWindow& window);
 

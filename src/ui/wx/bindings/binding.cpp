@@ -45,6 +45,14 @@ void Binding::OnResize(wxWindow& widget, const Handler& fit) {
   });
 }
 
+void Binding::LayOutAround(wxWindow& widget) {
+  wxWindow* parent = widget.GetParent();
+  if (parent == nullptr || widget.IsTopLevel()) return;
+  // From the outermost box inwards: each must have its size before what it holds is laid out.
+  LayOutAround(*parent);
+  parent->Layout();
+}
+
 void Binding::WatchMouse(wxWindow& widget) {
   if (!control_.MouseMove) return;
   widget.Bind(wxEVT_ENTER_WINDOW, [this](wxMouseEvent& event) {

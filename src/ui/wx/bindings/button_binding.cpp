@@ -11,11 +11,6 @@
 namespace quarnel {
 namespace {
 
-// A long caption takes several lines.
-wxString InLines(wxWindow& widget, const wxString& caption, int width = metrics::kReadableWidth) {
-  return Wrapped(widget, caption, metrics::Scaled(widget, width));
-}
-
 class ButtonBinding : public Binding {
  public:
   ButtonBinding(wxWindow* parent, Control& control, const Layout& layout, const Front& front)
@@ -151,17 +146,59 @@ class MenuRowBinding : public Binding {
   wxButton* row_;
 };
 
-class CheckBinding : public Binding {
+// A box or a circle to mark, with a caption that may take several lines. A wrapped one takes as
+// many as its place needs, others are broken where lines would be tiring to read.
+class MarkBinding : public Binding {
+ public:
+  MarkBinding(Captioned& control, const Layout& layout, const Front& front)
+      : Binding(control, front), captioned_(control), wrapped_(layout.role == Role::kWrapped) {}
+  std::string_view KeyCaption() const override { return captioned_.Caption(); }
+
+ protected:
+  void AttachMark(wxControl* mark) {
+    mark_ = mark;
+    markWidth_ = mark->GetBestSize().x;
+    mark->SetLabel(" ");
+    lineHeight_ = mark->GetBestSize().y;
+    if (wrapped_) {
+      native::LetCaptionShrink(*mark);
+      OnResize(*mark, [this] { ShowCaption(); });
+    }
+    Attach(mark);
+  }
+  bool ShowCaption() {
+    const int reading = metrics::Scaled(*mark_, metrics::kReadableWidth);
+    const int room = mark_->GetSize().x - markWidth_ - metrics::Scaled(*mark_, metrics::kGap);
+    const bool placed = wrapped_ && room > markWidth_;
+    const wxString caption =
+        Wrapped(*mark_, WithKey(captioned_.Caption()), placed ? room : reading);
+    if (mark_->GetLabel() == caption) return false;
+    mark_->SetLabel(caption);
+    mark_->InvalidateBestSize();
+    if (!wrapped_) return true;
+    // The best size is never less than the one the widget has.
+    const int more = caption.Freq('\n') * mark_->GetCharHeight();
+    mark_->SetMinSize({2 * markWidth_, lineHeight_ + more});
+    mark_->CallAfter([mark = mark_] { LayOutAround(*mark); });
+    return false;
+  }
+
+ private:
+  Captioned& captioned_;
+  bool wrapped_;
+  wxControl* mark_ = nullptr;
+  int markWidth_ = 0;  // without a caption
+  int lineHeight_ = 0;
+};
+
+class CheckBinding : public MarkBinding {
  public:
   CheckBinding(wxWindow* parent, CheckBox& box, const Layout& layout, const Front& front)
-      : Binding(box, front),
-        box_(box),
-        width_(layout.width > 0 ? layout.width : metrics::kReadableWidth) {
+      : MarkBinding(box, layout, front), box_(box) {
     check_ = new wxCheckBox(parent, wxID_ANY, "", wxDefaultPosition, wxDefaultSize, wxCHK_3STATE);
     check_->Bind(wxEVT_CHECKBOX, [this](wxCommandEvent&) { Act([this] { box_.ClickByUser(); }); });
-    Attach(check_);
+    AttachMark(check_);
   }
-  std::string_view KeyCaption() const override { return box_.Caption(); }
   std::string Shown() const override {
     return std::to_string(static_cast<int>(check_->Get3StateValue()));
   }
@@ -170,11 +207,7 @@ class CheckBinding : public Binding {
   bool Update() override {
     const auto state = static_cast<wxCheckBoxState>(box_.Value());
     if (check_->Get3StateValue() != state) check_->Set3StateValue(state);
-    const wxString caption = InLines(*check_, WithKey(box_.Caption()), width_);
-    if (check_->GetLabel() == caption) return false;
-    check_->SetLabel(caption);
-    check_->InvalidateBestSize();
-    return true;
+    return ShowCaption();
   }
 
  private:
@@ -183,10 +216,10 @@ class CheckBinding : public Binding {
   wxCheckBox* check_;
 };
 
-class OptionBinding : public Binding {
+class OptionBinding : public MarkBinding {
  public:
-  OptionBinding(wxWindow* parent, OptionButton& option, const Front& front)
-      : Binding(option, front), option_(option) {
+  OptionBinding(wxWindow* parent, OptionButton& option, const Layout& layout, const Front& front)
+      : MarkBinding(option, layout, front), option_(option) {
     // Of a group of radio buttons one is always chosen, while of options none may be. A button of
     // its own that nobody sees takes that place.
     none_ = new wxRadioButton(parent, wxID_ANY, "", wxDefaultPosition, wxDefaultSize, wxRB_GROUP);
@@ -194,19 +227,14 @@ class OptionBinding : public Binding {
     radio_ = native::NewOption(parent);
     radio_->Bind(wxEVT_RADIOBUTTON,
                  [this](wxCommandEvent&) { Act([this] { option_.ClickByUser(); }); });
-    Attach(radio_);
+    AttachMark(radio_);
   }
-  std::string_view KeyCaption() const override { return option_.Caption(); }
   std::string Shown() const override { return FlagText(radio_->GetValue()); }
 
  protected:
   bool Update() override {
     if (radio_->GetValue() != option_.Value()) (option_.Value() ? radio_ : none_)->SetValue(true);
-    const wxString caption = InLines(*radio_, WithKey(option_.Caption()));
-    if (radio_->GetLabel() == caption) return false;
-    radio_->SetLabel(caption);
-    radio_->InvalidateBestSize();
-    return true;
+    return ShowCaption();
   }
 
  private:
@@ -223,7 +251,7 @@ std::unique_ptr<Binding> BindButton(wxWindow* parent, Control& control, const La
     return std::make_unique<CheckBinding>(parent, *box, layout, front);
   }
   if (auto* option = dynamic_cast<OptionButton*>(&control)) {
-    return std::make_unique<OptionBinding>(parent, *option, front);
+    return std::make_unique<OptionBinding>(parent, *option, layout, front);
   }
   if (auto* item = dynamic_cast<MenuItem*>(&control)) {
     return std::make_unique<MenuRowBinding>(parent, *item, layout, front);

@@ -76,14 +76,6 @@ class LabelBinding : public Binding {
   }
 
  private:
-  // From the outermost box inwards: each must have its size before what it holds is laid out.
-  static void LayOutAround(wxWindow& widget) {
-    wxWindow* parent = widget.GetParent();
-    if (parent == nullptr || widget.IsTopLevel()) return;
-    LayOutAround(*parent);
-    parent->Layout();
-  }
-
   bool IsCut() const { return role_ == Role::kPath || role_ == Role::kStatus; }
 
   // A title takes as many lines as its place needs.

@@ -61,6 +61,11 @@ wxButton* NewPrimaryButton(wxWindow* parent, const wxString& caption) {
 
 wxRadioButton* NewOption(wxWindow* parent) { return new wxRadioButton(parent, wxID_ANY, ""); }
 
+void LetCaptionShrink(wxControl& mark) {
+  GtkWidget* caption = gtk_bin_get_child(GTK_BIN(mark.GetHandle()));
+  if (GTK_IS_LABEL(caption)) gtk_label_set_ellipsize(GTK_LABEL(caption), PANGO_ELLIPSIZE_END);
+}
+
 void KeepPlace(wxTopLevelWindow& window) {
   g_signal_connect_after(window.GetHandle(), "realize", G_CALLBACK(PutInPlace), &window);
 }

@@ -103,6 +103,8 @@ FormLayout MenuLayoutOfTray() {
                      })
                   .Gap(kNoGap)
                   .Padding(kPopupPadding),
+          .cancelButton = "lblMenuClose",
+          .keyboard = {"mnuMaxmimaize"},
           .behind = {"imgMenuPopupAbove", "imgMenuPopupBelow"}};
 }
 

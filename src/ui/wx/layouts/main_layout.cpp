@@ -231,31 +231,42 @@ Layout Page(std::string_view panel, std::string_view title, std::string_view exp
   return Column(std::move(items)).Gap(kWideGap).Padding(kPagePadding).On(panel).Grow();
 }
 
+// Boxes and circles to mark, one under the other.
+Layout Marks(std::string_view heading, std::initializer_list<std::string_view> controls) {
+  std::vector<Layout> items;
+  for (const std::string_view control : controls) items.push_back(Put(control).As(Role::kWrapped));
+  return Card(heading, std::move(items));
+}
+
 Layout OptionsLayout() {
+  Layout scan = Marks("Scan", {"chkScanRegitry", "chkScanMemory", "chkScanCookies", "chkDeepScan",
+                               "chkDoNotShowIgnoredItem"});
+  scan.items.push_back(Put("lvwHardDrives").Called("Drives").Ticks());
+  Layout protection =
+      Marks("Protection", {"chkMemorySheild", "chkStartupShield", "chkSelfDownloadingActivex",
+                           "chkDisplayHijakRestoreAlerts", "chkAlertsBlocksSpywareAdware"});
+  protection.items.push_back(Text("The shields come with a later version.").As(Role::kMuted));
+  for (const std::string_view box : {"chkStrict", "chkReportLorrimesh"}) {
+    protection.items.push_back(Put(box).As(Role::kWrapped));
+  }
+  Layout updates = Marks("Updates", {"chkEnableAutoUpdaterNotifications"});
+  updates.items.push_back(
+      Row({Text("Hours between two looks:"), Put("cmbHours").Called("Hours between two looks")}));
+  updates.items.push_back(
+      Row({Text("Last update:").As(Role::kMuted), Put("lblLastUpdateDefinationDate").Grow()})
+          .Gap(kTightGap));
   Layout left = Column({
-      Card("Scan",
-           {Put("chkScanRegitry"), Put("chkScanMemory"), Put("chkScanCookies"), Put("chkDeepScan"),
-            Put("chkDoNotShowIgnoredItem"), Put("lvwHardDrives").Called("Drives").Ticks()}),
-      Card("When the window is closed",
-           {Put("optCloseOptions(0)"), Put("optCloseOptions(1)"), Put("optCloseOptions(2)")}),
-      Card("Open browsers at a removal",
-           {Put("optShowAlways"), Put("optCloseAllIEAndDonotShowIfFuture"),
-            Put("optSkipClosingAndDonotShow")}),
+      std::move(scan),
+      Marks("When the window is closed",
+            {"optCloseOptions(0)", "optCloseOptions(1)", "optCloseOptions(2)"}),
+      Marks("Open browsers at a removal",
+            {"optShowAlways", "optCloseAllIEAndDonotShowIfFuture", "optSkipClosingAndDonotShow"}),
   });
   Layout right = Column({
-      Card("Protection",
-           {Put("chkMemorySheild"), Put("chkStartupShield"), Put("chkSelfDownloadingActivex"),
-            Put("chkDisplayHijakRestoreAlerts"), Put("chkAlertsBlocksSpywareAdware"),
-            Text("The shields come with a later version.").As(Role::kMuted), Put("chkStrict"),
-            Put("chkReportLorrimesh")}),
-      Card("Start", {Put("chkRunAtStartup"), Put("chkMinimizeToTrayWindowAtStartup")}),
-      Card("Updates",
-           {Put("chkEnableAutoUpdaterNotifications").Wide(kOptionWidth),
-            Row({Text("Hours between two looks:"),
-                 Put("cmbHours").Called("Hours between two looks")}),
-            Row({Text("Last update:").As(Role::kMuted), Put("lblLastUpdateDefinationDate").Grow()})
-                .Gap(kTightGap)}),
-      Card("When the program is left", {Put("optOnClose(0)"), Put("optOnClose(1)")}),
+      std::move(protection),
+      Marks("Start", {"chkRunAtStartup", "chkMinimizeToTrayWindowAtStartup"}),
+      std::move(updates),
+      Marks("When the program is left", {"optOnClose(0)", "optOnClose(1)"}),
   });
   return Page("PicSecondTabConfiguration", "Options", "Changes are kept at once.",
               {Scroll({Row({std::move(left).Grow(), std::move(right).Grow()})}).Grow()});

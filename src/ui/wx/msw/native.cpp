@@ -112,6 +112,9 @@ wxButton* NewPrimaryButton(wxWindow* parent, const wxString& caption) {
 
 wxRadioButton* NewOption(wxWindow* parent) { return new Option(parent); }
 
+// The system cuts what has no room.
+void LetCaptionShrink(wxControl&) {}
+
 // The system does.
 void KeepPlace(wxTopLevelWindow&) {}
 
