@@ -6,6 +6,9 @@
 // folder.
 namespace quarnel::native {
 
+// Makes the system's own controls known, before the first window.
+void InitControls();
+
 // A button without a frame, its picture and text at the left, such as a row of a menu.
 wxButton* NewFlatButton(wxWindow* parent, const wxString& caption, const wxBitmapBundle& picture);
 

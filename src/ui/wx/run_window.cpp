@@ -5,6 +5,7 @@
 #include "core/product.h"
 #include "ui/application.h"
 #include "ui/wx/message_dialog.h"
+#include "ui/wx/native.h"
 #include "ui/wx/text.h"
 #include "ui/wx/wx_host.h"
 
@@ -47,6 +48,7 @@ class WindowApplication : public wxApp {
 
  private:
   void Start() {
+    native::InitControls();
     host_->Act([this] {
       application_ = std::make_unique<Application>(*platform_, *host_, StartOptions{});
       if (!application_->Main()) host_->EndProcess();

@@ -83,4 +83,7 @@ void SetAccessibleName(wxWindow& widget, const wxString& name) {
   }
 }
 
+// The toolkit does.
+void InitControls() {}
+
 }  // namespace quarnel::native

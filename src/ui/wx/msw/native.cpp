@@ -3,6 +3,8 @@
 #include <wx/access.h>
 #include <wx/dcclient.h>
 #include <wx/msw/wrapwin.h>
+// It needs the header above.
+#include <commctrl.h>
 
 #include "ui/wx/metrics.h"
 #include "ui/wx/theme.h"
@@ -120,6 +122,11 @@ void KeepPlace(wxTopLevelWindow&) {}
 
 void SetAccessibleName(wxWindow& widget, const wxString& name) {
   widget.SetAccessible(new NamedAccessible(&widget, name));
+}
+
+void InitControls() {
+  const INITCOMMONCONTROLSEX classes{sizeof(INITCOMMONCONTROLSEX), ICC_USEREX_CLASSES};
+  InitCommonControlsEx(&classes);
 }
 
 }  // namespace quarnel::native
