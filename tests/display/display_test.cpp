@@ -1,11 +1,11 @@
 // The windows on a real display, driven by real mouse and keyboard events.
 
 #include <gmock/gmock.h>
-#include <wx/uiaction.h>
 
 #include <map>
 
 #include "core/paths.h"
+#include "core/setting_keys.h"
 #include "display/robot.h"
 #include "recovery/restore_point.h"
 #include "scan/folders.h"
@@ -94,14 +94,13 @@ class DisplayTest : public PlatformTest {
     robot.Click(control, [this, control, form] { return Widget(control, form); });
   }
   void Until(std::string what, std::function<bool()> when) {
-    robot.Then(std::move(what), std::move(when), [] {});
+    robot.Until(std::move(what), std::move(when));
   }
   void Run() { EXPECT_TRUE(robot.Run(kPatience)) << "waited for " << robot.Waiting(); }
   // Lets the window come to rest.
   void Settle() {
     const wxLongLong start = wxGetUTCTimeMillis();
-    robot.Then(
-        "rest", [start] { return wxGetUTCTimeMillis() - start > 300; }, [] {});
+    Until("rest", [start] { return wxGetUTCTimeMillis() - start > 300; });
     Run();
     host->Sync();
   }
@@ -164,6 +163,14 @@ class DisplayTest : public PlatformTest {
       const Form* shown = Shown(form);
       return shown == nullptr ? nullptr : Widget(control, shown);
     });
+  }
+
+  static std::string Clipboard() {
+    wxTextDataObject text;
+    if (!wxTheClipboard->Open()) return {};
+    wxTheClipboard->GetData(text);
+    wxTheClipboard->Close();
+    return text.GetText().utf8_string();
   }
 
   static constexpr int kPatience = 30;
@@ -264,18 +271,7 @@ TEST_F(DisplayTest, ScanIsPausedAndStoppedByHand) {
   });
   Click("imgPause");
   robot.AnswerBox("OK");
-  wxLongLong pressed;
-  const auto stop = [this] { return Widget("ImgStopScanMouseMove"); };
-  robot.ClickAt(
-      "Stop", Robot::Ready(stop), [stop] { return Robot::MiddleOf(*stop()); },
-      [&pressed] { pressed = wxGetUTCTimeMillis(); });
-  Until("the question", [] { return Robot::Shown("MessageBox") != nullptr; });
-  robot.Then(
-      "its time", [] { return true; },
-      [&] {
-        const long took = (wxGetUTCTimeMillis() - pressed).ToLong();
-        RecordProperty("stop_answered_ms", static_cast<int>(took));
-      });
+  Click("ImgStopScanMouseMove");
   robot.AnswerBox("Yes");
   Until("the scan's end", [&] { return main.scan.lblStatus.Caption() == "Scanning cancelled."; });
   Run();
@@ -294,28 +290,43 @@ TEST_F(DisplayTest, TicksOfAThreatReachItsTraces) {
   ASSERT_TRUE(tree.At(1)->checked);
   auto* widget = dynamic_cast<wxDataViewCtrl*>(Widget("vbatvwResults"));
   ASSERT_NE(widget, nullptr);
-  const auto rowOfThreat = [&] {
-    return widget->GetItemRect(wxDataViewItem(tree.At(1).get()), widget->GetColumn(0));
+  const auto find = [widget] { return widget; };
+  const auto inTheRow = [&](int x) {
+    return [&, x](wxWindow&) {
+      const wxRect row =
+          widget->GetItemRect(wxDataViewItem(tree.At(1).get()), widget->GetColumn(0));
+      if (row.IsEmpty()) return wxDefaultPosition;
+      return widget->ClientToScreen(row.GetTopLeft()) + widget->FromDIP(wxPoint(x, row.height / 2));
+    };
   };
-  // A row that has just come is still moved about.
-  constexpr int kTurnsAtRest = 8;
-  robot.ClickAt(
-      "the tick",
-      [&, last = wxRect(), turns = 0]() mutable {
-        const wxRect row = rowOfThreat();
-        turns = !row.IsEmpty() && row == last ? turns + 1 : 0;
-        last = row;
-        return turns >= kTurnsAtRest;
-      },
-      [&] {
-        const wxRect row = rowOfThreat();
-        // The box stands at the left of the text.
-        return widget->ClientToScreen(row.GetTopLeft()) +
-               widget->FromDIP(wxPoint(10, row.height / 2));
-      });
+  // The box stands at the left of the text.
+  robot.Click("the tick", find, inTheRow(10));
   Until("no tick", [&] { return !tree.At(1)->checked && !tree.At(2)->checked; });
   Run();
   ExpectInStep(main);
+
+  // The same row's menu copies the results.
+  host->SetClipboardText("nothing");
+  robot.Click("the row", find, inTheRow(60), wxMOUSE_BTN_RIGHT);
+  robot.ChooseFromMenu();
+  robot.AnswerBox("OK");
+  Until("the copy", [] { return Clipboard().find("Threat") != std::string::npos; });
+  Run();
+}
+
+TEST_F(DisplayTest, RowsOfTheTrayMenuAreClicked) {
+  frmMain& main = Start();
+  host->Act([&] { main.trayIcon.RightClick(); });
+  const frmMenuPopUp& menu = application->forms().menuPopUp.Touch();
+  const std::string before = menu.lblMnuCookieSheild.Caption();
+  ClickIn("frmMenuPopUp", "mnuCookieSheild");
+  Until("the other state", [&] { return menu.lblMnuCookieSheild.Caption() != before; });
+  Run();
+  ExpectInStep(application->forms().menuPopUp.Touch());
+  ClickIn("frmMenuPopUp", "MNUSchedule");
+  Until("the schedule", [&] { return main.tabs.PicFifthTabSchedule.Visible(); });
+  Run();
+  EXPECT_EQ(Shown("frmMenuPopUp"), nullptr);
 }
 
 TEST_F(DisplayTest, WhatWasFoundIsRemovedAndRestored) {
@@ -323,6 +334,8 @@ TEST_F(DisplayTest, WhatWasFoundIsRemovedAndRestored) {
       RestorePointFile(machine(), "Older_20200102030405", restore_point::kFiles);
   CreateFolders(files(), BackupFolder(machine()));
   WriteWholeFile(files(), older, "");
+  // A strict restore brings the file to its own drive, wherever the program lies.
+  settings.Save(setting::kStrict, "1");
   frmMain& main = Start();
   Click("ImgStartScanMouseMove");
   Until("the scan's end", [&] { return main.scan.lblStatus.Caption() == "Scanning completed."; });
@@ -348,32 +361,35 @@ TEST_F(DisplayTest, WhatWasFoundIsRemovedAndRestored) {
     const Form* form = Shown("frmRestore");
     return form == nullptr ? nullptr : dynamic_cast<wxListCtrl*>(Widget("lvwBackups", form));
   };
-  const auto clickAt = [&](int row, int column) {
-    wxRect cell;
-    list()->GetSubItemRect(std::max(row, 0), column, cell);
-    const int y = row < 0 ? cell.y / 2 : cell.y + cell.height / 2;
-    Robot::ClickAt(list()->ClientToScreen(wxPoint(cell.x + cell.width / 2, y)));
-  };
-  // By a click on the heads of the columns, and once more the other way round.
-  std::vector<std::string> first;
-  const auto noteFirst = [&] { first.push_back(list()->GetItemText(0).utf8_string()); };
+  // A cell, at a part of its width: two clicks at one place may be a double click.
   constexpr int kHead = -1;
-  // Two clicks at one place that follow too soon are a double click.
-  const auto sorted = [&](int column, bool ascending) {
-    return [&, column, ascending, turns = 0]() mutable {
-      constexpr int kTurnsBetweenClicks = 30;
-      return list()->GetSortIndicator() == column &&
-             list()->IsAscendingSortIndicator() == ascending && ++turns > kTurnsBetweenClicks;
-    };
+  const auto click = [&](int row, int column, int share) {
+    robot.Click("the restore points", list, [&, row, column, share](wxWindow& widget) {
+      wxRect cell;
+      list()->GetSubItemRect(std::max(row, 0), column, cell);
+      if (cell.IsEmpty()) return wxDefaultPosition;
+      const int y = row == kHead ? cell.y / 2 : cell.y + cell.height / 2;
+      return widget.ClientToScreen(wxPoint(cell.x + cell.width / share, y));
+    });
   };
-  const auto isAtRest = [&list, turns = 0]() mutable {
-    constexpr int kTurnsAtRest = 20;
-    return list() != nullptr && ++turns > kTurnsAtRest;
+  std::vector<std::string> first;
+  const auto expectOrder = [&](int column, bool ascending) {
+    robot.Then(
+        "their order",
+        [&, column, ascending] {
+          const wxListCtrl* shown = list();
+          return shown != nullptr && shown->GetSortIndicator() == column &&
+                 shown->IsAscendingSortIndicator() == ascending;
+        },
+        [&] { first.push_back(list()->GetItemText(0).utf8_string()); });
   };
-  robot.Then("the restore points", isAtRest, [&] { clickAt(kHead, 0); });
-  robot.Then("their order", sorted(0, true), [&] { noteFirst(), clickAt(kHead, 0); });
-  robot.Then("their order", sorted(0, false), [&] { noteFirst(), clickAt(kHead, 1); });
-  robot.Then("their order", sorted(1, true), [&] { noteFirst(), clickAt(1, 0); });
+  click(kHead, 0, 2);
+  expectOrder(0, true);
+  click(kHead, 0, 3);
+  expectOrder(0, false);
+  click(kHead, 1, 2);
+  expectOrder(1, true);
+  click(1, 0, 2);
   Until("the chosen one", [&] {
     const auto* rows = dynamic_cast<const ListView*>(Shown("frmRestore")->Find("lvwBackups"));
     return rows->SelectedRow() && !rows->At(*rows->SelectedRow()).text.starts_with("Older");
@@ -395,30 +411,15 @@ TEST_F(DisplayTest, MenuSelectsAPageAndClosingAsks) {
   frmMain& main = Start();
   const auto window = [this, &main]() -> wxWindow* { return WindowOf(main)->Window(); };
   robot.Press("the menu", window, 'O', wxMOD_ALT);
-  robot.Then(
-      "its entry", [] { return true; },
-      [] {
-        wxUIActionSimulator user;
-        user.Char(WXK_DOWN);
-        user.Char(WXK_RETURN);
-      });
+  robot.ChooseFromMenu();
   Until("the options", [&] { return main.tabs.PicSecondTabConfiguration.Visible(); });
   Run();
-  const auto question = [this]() -> const Form* {
-    for (const Form* form : host->LoadedForms()) {
-      if (form->Name() == "frmClose" && form->Visible()) return form;
-    }
-    return nullptr;
-  };
   const auto close = [&](const std::string& answer) {
     robot.Press("close", window, WXK_F4, wxMOD_ALT);
-    robot.Click(answer, [this, question, answer]() -> wxWindow* {
-      const Form* form = question();
-      return form == nullptr ? nullptr : Widget(answer, form);
-    });
+    ClickIn("frmClose", answer);
   };
   close("cmdCancel");
-  Until("the window's stay", [&] { return question() == nullptr && main.Visible(); });
+  Until("the window's stay", [&] { return Shown("frmClose") == nullptr && main.Visible(); });
   Run();
   close("cmdYes");
   // The end of the program ends its message loops.

@@ -1,10 +1,11 @@
 #include "display/robot.h"
 
-#include <wx/stopwatch.h>
 #include <wx/uiaction.h>
 #include <wx/utils.h>
 
 #include <cstdlib>
+
+#include "display/hand.h"
 
 namespace quarnel {
 namespace {
@@ -16,85 +17,137 @@ constexpr int kTurn = 25;
 // events go through connections of their own.
 const char* const kDisplay = std::getenv("DISPLAY");
 
+// Whether a widget can be used and stands still: one that has just been opened, or has come back to
+// the front, is still moved about. Asked once a turn.
+class AtRest {
+ public:
+  AtRest(Robot::Find find, Robot::Place place) : find_(std::move(find)), place_(std::move(place)) {}
+
+  // How many turns it has stood at place().
+  int Turns() {
+    wxWindow* widget = find_();
+    const bool usable = widget != nullptr && widget->IsShownOnScreen() && widget->IsEnabled();
+    const wxPoint place = usable ? place_(*widget) : wxDefaultPosition;
+    const bool rests = place != wxDefaultPosition && place == last_;
+    last_ = place;
+    return turns_ = rests ? turns_ + 1 : 0;
+  }
+  wxPoint place() const { return last_; }
+  wxWindow& widget() const { return *find_(); }
+  void Anew() { turns_ = 0; }
+
+ private:
+  Robot::Find find_;
+  Robot::Place place_;
+  wxPoint last_ = wxDefaultPosition;
+  int turns_ = 0;
+};
+
+constexpr int kTurnsAtRest = 4;
+
+// One click. The system must have seen the mouse arrive before it knows whose click it is; where it
+// gives it to another window all the same, the user tries once more.
+class Clicking {
+ public:
+  Clicking(AtRest target, wxMouseButton button) : target_(std::move(target)), button_(button) {}
+
+  bool Done() {
+    // The system may tell the place where it last was told to be for a tenth of a second.
+    constexpr int kTurnsToArrive = 5;
+    constexpr int kPatience = 40;
+    if (pressed_) {
+      if (hand::HasClicked()) return true;
+      if (++turnsPressed_ < kPatience) return false;
+      pressed_ = false;
+      target_.Anew();
+    }
+    const int turns = target_.Turns();
+    if (turns == kTurnsAtRest) hand::MoveTo(target_.place());
+    if (turns < kTurnsAtRest + kTurnsToArrive) return false;
+    if (hand::IsOver(target_.widget(), target_.place())) {
+      hand::Click(target_.widget(), target_.place(), button_);
+      pressed_ = true;
+      turnsPressed_ = 0;
+    } else if (turns > kPatience) {
+      // Something else has moved it.
+      target_.Anew();
+    }
+    return false;
+  }
+
+ private:
+  AtRest target_;
+  wxMouseButton button_;
+  bool pressed_ = false;
+  int turnsPressed_ = 0;
+};
+
 }  // namespace
 
 Robot::Robot() {
   if (kDisplay != nullptr) wxSetEnv("DISPLAY", wxString::FromUTF8(kDisplay));
   timer_.Bind(wxEVT_TIMER, [this](wxTimerEvent&) { Turn(); });
+  wxEvtHandler::AddFilter(this);
 }
 
-Robot::~Robot() { timer_.Stop(); }
+Robot::~Robot() {
+  wxEvtHandler::RemoveFilter(this);
+  timer_.Stop();
+}
 
 void Robot::Then(std::string what, std::function<bool()> when, std::function<void()> act) {
-  steps_.push_back({std::move(what), std::move(when), std::move(act)});
+  steps_.push_back({std::move(what), [when = std::move(when), act = std::move(act)] {
+                      if (!when()) return false;
+                      act();
+                      return true;
+                    }});
 }
 
-std::function<bool()> Robot::Ready(const std::function<wxWindow*()>& find) {
-  // A window that has just been opened, or has come back to the front, is still moved about.
-  constexpr int kTurnsAtRest = 4;
-  return [find, place = wxPoint(-1, -1), turns = 0]() mutable {
-    wxWindow* widget = find();
-    if (widget == nullptr || !widget->IsShownOnScreen() || !widget->IsEnabled()) return false;
-    auto* window = dynamic_cast<wxTopLevelWindow*>(wxGetTopLevelParent(widget));
-    const wxPoint middle = MiddleOf(*widget);
-    const bool rests = middle == place && (window == nullptr || window->IsActive());
-    turns = rests ? turns + 1 : 0;
-    place = middle;
-    return turns >= kTurnsAtRest;
-  };
+void Robot::Until(std::string what, std::function<bool()> when) {
+  steps_.push_back({std::move(what), std::move(when)});
 }
 
-void Robot::Click(std::string what, const std::function<wxWindow*()>& find) {
-  ClickAt(std::move(what), Ready(find), [find] { return MiddleOf(*find()); });
-}
-
-void Robot::ClickAt(std::string what, std::function<bool()> when, std::function<wxPoint()> place,
-                    std::function<void()> pressing) {
-  // The system must have seen the mouse arrive before it knows whose click it is.
-  constexpr int kTurnsAtRest = 3;
-  Then(what, std::move(when), [place = std::move(place)] {
-    wxUIActionSimulator user;
-    user.MouseMove(place());
+void Robot::Click(std::string what, Find find, Place place, wxMouseButton button) {
+  Until(std::move(what), [click = Clicking({std::move(find), std::move(place)}, button)]() mutable {
+    return click.Done();
   });
+}
+
+void Robot::Press(std::string what, const Find& find, int key, int modifiers) {
+  Until(std::move(what), [rest = AtRest(find, MiddleOf), key, modifiers]() mutable {
+    if (rest.Turns() < kTurnsAtRest || !hand::TypesInto(rest.widget())) return false;
+    return wxUIActionSimulator().Char(key, modifiers);
+  });
+}
+
+void Robot::ChooseFromMenu() {
   Then(
-      std::move(what), [turns = 0]() mutable { return ++turns >= kTurnsAtRest; },
-      [pressing = std::move(pressing)] {
-        if (pressing) pressing();
+      "the menu's entry", [this] { return menuIsOpen_; },
+      [] {
         wxUIActionSimulator user;
-        user.MouseClick();
+        user.Char(WXK_DOWN);
+        user.Char(WXK_RETURN);
       });
 }
 
-void Robot::Press(std::string what, const std::function<wxWindow*()>& find, int key,
-                  int modifiers) {
-  Then(std::move(what), Ready(find), [key, modifiers] {
-    wxUIActionSimulator user;
-    user.Char(key, modifiers);
-  });
-}
-
 void Robot::AnswerBox(const std::string& button) {
-  Click("the box's button " + button, [button]() -> wxWindow* {
+  const auto find = [button]() -> wxWindow* {
     wxWindow* box = Shown("MessageBox");
     return box == nullptr ? nullptr : wxWindow::FindWindowByName(button, box);
-  });
-  // Until it has gone the windows behind it take no click.
-  Then(
-      "the box's end",
-      [button] {
-        // Another one may follow at once.
-        wxWindow* box = Shown("MessageBox");
-        return box == nullptr || wxWindow::FindWindowByName(button, box) == nullptr;
-      },
-      [] {});
+  };
+  Click("the box's button " + button, find);
+  // Until it has gone the windows behind it take no click; another one may follow at once.
+  Until("the box's end", [find] { return find() == nullptr; });
 }
 
 bool Robot::Run(int seconds) {
   wxGUIEventLoop loop;
   loop_ = &loop;
-  deadline_ = static_cast<long>(wxGetUTCTimeMillis().GetValue()) + seconds * 1000L;
+  deadline_ = wxGetUTCTimeMillis() + seconds * 1000LL;
   timer_.Start(kTurn);
   loop.Run();
+  // The program's end, which ends every loop, may be what the last step was for.
+  Turn();
   timer_.Stop();
   loop_ = nullptr;
   return steps_.empty();
@@ -102,7 +155,7 @@ bool Robot::Run(int seconds) {
 
 void Robot::Turn() {
   if (inTurn_ || loop_ == nullptr) return;
-  const bool late = static_cast<long>(wxGetUTCTimeMillis().GetValue()) > deadline_;
+  const bool late = wxGetUTCTimeMillis() > deadline_;
   if (steps_.empty() || late) {
     // A box that nobody answers would hold the loop for ever.
     if (late) {
@@ -112,18 +165,15 @@ void Robot::Turn() {
     if (wxEventLoopBase::GetActive() == loop_) loop_->ScheduleExit();
     return;
   }
-  if (!steps_.front().when()) return;
   inTurn_ = true;
-  const Step step = std::move(steps_.front());
-  steps_.pop_front();
-  step.act();
+  if (steps_.front().done()) steps_.pop_front();
   inTurn_ = false;
 }
 
-void Robot::ClickAt(wxPoint place) {
-  wxUIActionSimulator user;
-  user.MouseMove(place);
-  user.MouseClick();
+int Robot::FilterEvent(wxEvent& event) {
+  if (event.GetEventType() == wxEVT_MENU_OPEN) menuIsOpen_ = true;
+  if (event.GetEventType() == wxEVT_MENU_CLOSE) menuIsOpen_ = false;
+  return Event_Skip;
 }
 
 wxPoint Robot::MiddleOf(const wxWindow& widget) {

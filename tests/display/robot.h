@@ -10,21 +10,25 @@ namespace quarnel {
 
 // A user: does one thing after the other by real mouse and keyboard events, each as soon as its
 // moment has come. It works inside whatever message loop runs, also inside a scan.
-class Robot {
+class Robot : private wxEventFilter {
  public:
+  using Find = std::function<wxWindow*()>;
+  // A place on the screen, in pixels; wxDefaultPosition as long as there is none.
+  using Place = std::function<wxPoint(wxWindow&)>;
+
   Robot();
-  ~Robot();
+  ~Robot() override;
 
   // Does `act` as soon as `when` holds.
   void Then(std::string what, std::function<bool()> when, std::function<void()> act);
-  // Clicks the widget that `find` gives, as soon as it can be clicked.
-  void Click(std::string what, const std::function<wxWindow*()>& find);
-  // Clicks a place on the screen, in pixels, as soon as `when` holds. `pressing` is called right
-  // before.
-  void ClickAt(std::string what, std::function<bool()> when, std::function<wxPoint()> place,
-               std::function<void()> pressing = {});
+  void Until(std::string what, std::function<bool()> when);
+  // Clicks the widget that `find` gives, as soon as it can be clicked and is at rest.
+  void Click(std::string what, Find find, Place place = MiddleOf,
+             wxMouseButton button = wxMOUSE_BTN_LEFT);
   // Presses a key as soon as the window that `find` gives can take it.
-  void Press(std::string what, const std::function<wxWindow*()>& find, int key, int modifiers);
+  void Press(std::string what, const Find& find, int key, int modifiers);
+  // Chooses the first entry of the menu that is open, or opens next.
+  void ChooseFromMenu();
   // Clicks a button of the message box that shows.
   void AnswerBox(const std::string& button);
 
@@ -36,11 +40,6 @@ class Robot {
   // Called, perhaps often, when the time is up.
   std::function<void()> onLate;
 
-  // Whether the widget that `find` gives can be clicked, and its window is at rest and in front.
-  // Asked once a turn.
-  static std::function<bool()> Ready(const std::function<wxWindow*()>& find);
-  // A click at once, where the mouse is already over the window.
-  static void ClickAt(wxPoint place);
   static wxPoint MiddleOf(const wxWindow& widget);
   // The window on the screen with this name; null when there is none.
   static wxWindow* Shown(const wxString& name);
@@ -48,16 +47,17 @@ class Robot {
  private:
   struct Step {
     std::string what;
-    std::function<bool()> when;
-    std::function<void()> act;
+    std::function<bool()> done;  // asked once a turn
   };
   void Turn();
+  int FilterEvent(wxEvent& event) override;
 
   wxTimer timer_;
   std::deque<Step> steps_;
   wxEventLoopBase* loop_ = nullptr;
-  long deadline_ = 0;
+  wxLongLong deadline_;
   bool inTurn_ = false;
+  bool menuIsOpen_ = false;
 };
 
 }  // namespace quarnel
