@@ -32,7 +32,7 @@ HtmlPage::HtmlPage(wxWindow* parent, Reader read, LinkHandler follow)
 void HtmlPage::Paint(const wxString& body) {
   const auto hex = [](const wxColour& colour) { return colour.GetAsString(wxC2S_HTML_SYNTAX); };
   SetPage("<html><body bgcolor=\"" + hex(theme::Surface()) + "\" text=\"" + hex(theme::Text()) +
-          "\" link=\"" + hex(theme::AccentLine()) + "\">" + body + "</body></html>");
+          "\" link=\"" + hex(theme::Link()) + "\">" + body + "</body></html>");
 }
 
 void HtmlPage::Open(const std::string& location, const std::string& localPage) {

@@ -30,6 +30,9 @@ wxRadioButton* NewOption(wxWindow* parent);
 // Lets the box or circle stand in a place too narrow for its caption, until that is broken anew.
 void LetCaptionShrink(wxControl& mark);
 
+// Frames a list of rows as the system's own lists are.
+void FrameList(wxWindow& list);
+
 // Lets a window come up where the program has put it, also under a window manager that places none.
 void KeepPlace(wxTopLevelWindow& window);
 

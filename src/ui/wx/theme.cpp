@@ -40,6 +40,7 @@ wxColour MutedText() { return Blend(Surface(), Text(), 68); }
 wxColour Accent() { return System(wxSYS_COLOUR_HIGHLIGHT); }
 wxColour AccentText() { return System(wxSYS_COLOUR_HIGHLIGHTTEXT); }
 wxColour AccentLine() { return Signal(Accent()); }
+wxColour Link() { return System(wxSYS_COLOUR_HOTLIGHT); }
 wxColour SelectedTab() { return Blend(Page(), Accent(), 22); }
 wxColour Hovered(const wxColour& colour) { return Blend(colour, Text(), 8); }
 wxColour DisabledText() { return System(wxSYS_COLOUR_GRAYTEXT); }

@@ -17,8 +17,9 @@ wxColour Text();
 wxColour MutedText();
 wxColour Accent();
 wxColour AccentText();
-// The accent as a line or a text on the page.
+// The accent as a line on the page.
 wxColour AccentLine();
+wxColour Link();
 wxColour SelectedTab();
 // Of what has this colour at rest, while the mouse is over it.
 wxColour Hovered(const wxColour& colour);

@@ -8,6 +8,7 @@
 #include "controls/tree_view.h"
 #include "ui/wx/bindings/binding.h"
 #include "ui/wx/metrics.h"
+#include "ui/wx/native.h"
 #include "ui/wx/text.h"
 
 namespace quarnel {
@@ -20,6 +21,7 @@ class VirtualList : public wxListCtrl {
       : wxListCtrl(parent, wxID_ANY, wxDefaultPosition, wxDefaultSize,
                    wxLC_REPORT | wxLC_VIRTUAL | wxLC_SINGLE_SEL | wxBORDER_THEME) {
     if (ticks) EnableCheckBoxes();
+    native::FrameList(*this);
   }
   std::function<std::string(long row, long column)> cell;
   std::function<bool(long row)> ticked;

@@ -111,7 +111,7 @@ class TreeBinding : public Binding {
     fittedWidth_ = 0;
     FitColumns();
   }
-  // The first column takes what the others leave.
+  // The first column takes what the others leave, and beside others never less than one of them.
   void FitColumns() {
     const unsigned count = widget_->GetColumnCount();
     const int width = widget_->GetClientSize().x;
@@ -119,7 +119,7 @@ class TreeBinding : public Binding {
     fittedWidth_ = width;
     const int others =
         metrics::Scaled(*widget_, metrics::kTextColumn) * static_cast<int>(count - 1);
-    const int least = metrics::Scaled(*widget_, metrics::kTextColumn);
+    const int least = count > 1 ? metrics::Scaled(*widget_, metrics::kTextColumn) : 1;
     widget_->GetColumn(0)->SetWidth(
         std::max(width - others - metrics::Scaled(*widget_, metrics::kWideGap), least));
   }

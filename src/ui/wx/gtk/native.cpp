@@ -3,6 +3,7 @@
 #include <gtk/gtk.h>
 
 #include "ui/wx/metrics.h"
+#include "ui/wx/theme.h"
 
 namespace quarnel::native {
 namespace {
@@ -64,6 +65,19 @@ wxRadioButton* NewOption(wxWindow* parent) { return new wxRadioButton(parent, wx
 void LetCaptionShrink(wxControl& mark) {
   GtkWidget* caption = gtk_bin_get_child(GTK_BIN(mark.GetHandle()));
   if (GTK_IS_LABEL(caption)) gtk_label_set_ellipsize(GTK_LABEL(caption), PANGO_ELLIPSIZE_END);
+}
+
+// The toolkit's frame of such a list has sides missing; a plain one has the colour of the style.
+void FrameList(wxWindow& list) {
+  list.SetWindowStyle((list.GetWindowStyle() & ~wxBORDER_MASK) | wxBORDER_SIMPLE);
+  const wxString style =
+      "* { border-color: " + theme::Border().GetAsString(wxC2S_HTML_SYNTAX) + "; }";
+  GtkCssProvider* provider = gtk_css_provider_new();
+  gtk_css_provider_load_from_data(provider, style.utf8_str(), -1, nullptr);
+  gtk_style_context_add_provider(gtk_widget_get_style_context(list.m_wxwindow),
+                                 GTK_STYLE_PROVIDER(provider),
+                                 GTK_STYLE_PROVIDER_PRIORITY_APPLICATION);
+  g_object_unref(provider);
 }
 
 void KeepPlace(wxTopLevelWindow& window) {

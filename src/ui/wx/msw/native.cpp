@@ -117,6 +117,9 @@ wxRadioButton* NewOption(wxWindow* parent) { return new Option(parent); }
 // The system cuts what has no room.
 void LetCaptionShrink(wxControl&) {}
 
+// The list is one of them.
+void FrameList(wxWindow&) {}
+
 // The system does.
 void KeepPlace(wxTopLevelWindow&) {}
 
