@@ -97,6 +97,7 @@ TreeNodeRef TraceOf(const TreeView& tree, std::string_view threat) {
 void TakeScanAndRemoval(PictureHost& host, frmMain& main) {
   TreeView& found = main.results.vbatvwResults;
   host.TakeDuring(main, "ImgStartScanMouseMove", "scan", [&] { return found.Count() > 12; });
+  host.Act([&] { found.ClickByUser(found.Roots().front()); });
   host.Take(main, "results");
 
   // One trace goes to the safe list, all others are removed.
