@@ -178,7 +178,9 @@ class MarkBinding : public Binding {
     if (!wrapped_) return true;
     // The best size is never less than the one the widget has.
     const int more = caption.Freq('\n') * mark_->GetCharHeight();
-    mark_->SetMinSize({2 * markWidth_, lineHeight_ + more});
+    const wxSize size(2 * markWidth_, lineHeight_ + more);
+    if (mark_->GetMinSize() == size) return false;
+    mark_->SetMinSize(size);
     mark_->CallAfter([mark = mark_] { LayOutAround(*mark); });
     return false;
   }
