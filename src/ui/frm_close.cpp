@@ -22,6 +22,12 @@ void frmClose::Form_Load() {
                         "- Click [Cancel] to cancel this action.");
 }
 
+// An answer of some earlier time must not close the window now.
+void frmClose::Form_QueryUnload(bool& /*cancel*/, UnloadMode mode) {
+  if (mode != UnloadMode::kUser) return;
+  Reporting(s_.log, "Form_QueryUnload of frmClose", [&] { SaveAnswer(Answer::kCancel, false); });
+}
+
 void frmClose::SaveAnswer(Answer answer, bool withBox) {
   if (withBox) {
     s_.settings.Save(setting::kSkipMessages, std::to_string(chkSkipMessages.Value()));

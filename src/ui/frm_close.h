@@ -7,7 +7,7 @@
 namespace quarnel {
 
 // Asks what closing the window means. The answer goes to the settings `Button` and
-// `chkSkipMessages`; closed without an answer it leaves both as they are.
+// `chkSkipMessages`; a user who closes it without an answer has cancelled.
 class frmClose : public Form {
  public:
   explicit frmClose(Services services);
@@ -20,6 +20,7 @@ class frmClose : public Form {
 
  protected:
   void Form_Load() override;
+  void Form_QueryUnload(bool& cancel, UnloadMode mode) override;
 
  private:
   void SaveAnswer(Answer answer, bool withBox);

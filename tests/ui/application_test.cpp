@@ -204,6 +204,10 @@ TEST_F(ApplicationTest, ClosingFollowsTheAnswer) {
   EXPECT_TRUE(main.Visible());
   EXPECT_TRUE(closeWith("cmdYes", false));  // a plain Yes closes
   EXPECT_EQ(main.options.closeOptions.Chosen(), 2);
+  // The answer is that of an earlier time: no answer now is none to close.
+  host.players["frmClose"] = [](Form& form) { form.Close(UnloadMode::kUser); };
+  EXPECT_FALSE(main.Close(UnloadMode::kUser));
+  EXPECT_TRUE(main.Visible());
   EXPECT_FALSE(closeWith("cmdNo", true));
   EXPECT_FALSE(main.Visible());
   EXPECT_EQ(main.tools.lblAllowBHO.Tag(), "0");
