@@ -53,7 +53,6 @@ TEST_F(FilesTest, OpenModesKeepEmptyOrExtendAFile) {
 }
 
 TEST_F(FilesTest, FindsPathsInAnyCaseWithEitherSlash) {
-  files().CreateFolder(Path("Folder"));
   Make("Folder\\File.TXT", "found");
   const std::string drive = Scratch().substr(0, 2);
   const std::string rest = Scratch().substr(2);
@@ -158,7 +157,6 @@ TEST_F(FilesTest, SaysWhatKindOfFailureItIs) {
   Make("read-only", "kept");
   files().SetAttributes(Path("read-only"), file_attribute::kReadOnly);
   files().CreateFolder(Path("folder"));
-  files().CreateFolder(Path("full"));
   Make("full\\x");
   const std::string missing = Path("missing");
   const std::string pathless = Path("no\\such\\x");
@@ -232,7 +230,6 @@ TEST_F(FilesTest, MovesAndReplaces) {
   EXPECT_EQ(Names(Scratch()), Strings{"settings.ini"});
   files().Delete(Path("settings.ini"));
 
-  files().CreateFolder(Path("from"));
   Make("from\\a", "1");
   files().Move(Path("FROM"), Path("to"));
   EXPECT_EQ(Names(Scratch()), Strings{"to"});
@@ -300,10 +297,6 @@ TEST_F(FilesTest, ReplacesSeveralFilesInTheirOrder) {
 }
 
 TEST_F(FilesTest, HeldFoldersTakeManyFilesAtOnce) {
-  const auto put = [](HeldFolder& folder, const std::string& name, std::string_view bytes) {
-    folder.Create(name + ".new")->Write(bytes);
-    return [&folder, name] { folder.PutInPlace(name + ".NEW", name); };
-  };
   for (const int count : {3, 30}) {
     const std::string base = Path("held" + std::to_string(count));
     const auto folders = files().WithoutLinks().HoldFolders();
@@ -316,7 +309,9 @@ TEST_F(FilesTest, HeldFoldersTakeManyFilesAtOnce) {
     std::vector<std::function<void()>> places;
     for (int i = 0; i < count; ++i) {
       const std::string name = "file" + std::to_string(i);
-      places.push_back(put(i % 2 == 0 ? top : deep, name, std::to_string(i)));
+      HeldFolder& folder = i % 2 == 0 ? top : deep;
+      folder.Create(name + ".new")->Write(std::to_string(i));
+      places.push_back([&folder, name] { folder.PutInPlace(name + ".NEW", name); });
     }
     folders->Flush();
     for (const auto& place : places) place();

@@ -23,12 +23,6 @@ class RegistryTest : public PlatformTest {
     std::unique_ptr<RegistryKey> key;
     return registry().Open(kRoot, path, registry_access::kRead, key);
   }
-  std::vector<std::string> ValueNames(RegistryKey& key) {
-    std::vector<std::string> names;
-    std::string name;
-    for (uint32_t i = 0; key.EnumValue(i, name) == kSuccess; ++i) names.push_back(name);
-    return names;
-  }
 };
 
 TEST_F(RegistryTest, ReadsValuesAsTheProgramSeesThem) {
@@ -87,7 +81,10 @@ TEST_F(RegistryTest, ValuesAreFoundInAnyCaseAndKeepTheirFirstSpelling) {
   set("apple", 7U);
   set("ZEBRA", "2");
   // Values have no order that holds everywhere.
-  EXPECT_THAT(ValueNames(*key), testing::UnorderedElementsAre("Zebra", "", "apple"));
+  Strings names(3);
+  for (uint32_t i = 0; i < 3; ++i) EXPECT_EQ(key->EnumValue(i, names[i]), kSuccess);
+  EXPECT_THAT(names, testing::UnorderedElementsAre("Zebra", "", "apple"));
+  EXPECT_EQ(key->EnumValue(3, names[0]), kNoMoreItems);
   EXPECT_EQ(QueryText(registry(), kRoot, ToUpper(Key("values")), "zebra"), "2");
   EXPECT_EQ(QueryText(registry(), kRoot, Key("values"), ""), "default");
   EXPECT_EQ(QueryText(registry(), kRoot, Key("values"), "Apple"), "7");

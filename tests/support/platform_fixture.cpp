@@ -22,6 +22,7 @@ std::string PlatformTest::Path(std::string_view name) const {
 
 std::string PlatformTest::Make(std::string_view name, std::string_view bytes) {
   std::string path = Path(name);
+  CreateFolders(files(), path.substr(0, path.rfind('\\')));
   WriteWholeFile(files(), path, bytes);
   return path;
 }

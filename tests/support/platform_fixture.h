@@ -34,7 +34,7 @@ class PlatformTest : public ::testing::Test {
   // The test's folder, and a path in it.
   const std::string& Scratch() const { return scratch_; }
   std::string Path(std::string_view name) const;
-  // Makes a file in the test's folder; its path.
+  // Makes a file in the test's folder, with the folders on the way to it; its path.
   std::string Make(std::string_view name, std::string_view bytes = "x");
   std::string Read(std::string_view path) { return ReadWholeFile(files(), path); }
   bool Exists(std::string_view path) { return files().Stat(path).has_value(); }
