@@ -336,7 +336,7 @@ void FormWindow::MakeMenus() {
         continue;
       }
       auto* control = dynamic_cast<MenuItem*>(form_->Find(entry));
-      if (control == nullptr) continue;
+      if (control == nullptr || !control->Visible()) continue;
       wxMenuItem* item = menu->Append(wxID_ANY, ToWx(control->Caption()) + " ");
       menu->Bind(
           wxEVT_MENU,
