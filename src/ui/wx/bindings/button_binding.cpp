@@ -214,7 +214,6 @@ class CheckBinding : public MarkBinding {
 
  private:
   CheckBox& box_;
-  int width_;
   wxCheckBox* check_;
 };
 
