@@ -49,10 +49,13 @@ class WindowApplication : public wxApp {
  private:
   void Start() {
     native::InitControls();
-    host_->Act([this] {
+    bool started = false;
+    host_->Act([&] {
       application_ = std::make_unique<Application>(*platform_, *host_, StartOptions{});
-      if (!application_->Main()) host_->EndProcess();
+      started = application_->Main();
     });
+    // Nothing is on the screen then by which a user could end it.
+    if (!started) host_->Act([this] { host_->EndProcess(); });
   }
 
   std::unique_ptr<Platform> platform_;

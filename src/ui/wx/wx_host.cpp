@@ -69,7 +69,11 @@ void WxHost::Act(const Handler& action) {
     stillSince_ = outerStill;
   }
   if (!failure.empty()) {
-    Act([&] { MsgBox({.text = failure, .icon = MessageIcon::kCritical}); });
+    Act([&] {
+      MsgBox({.text = failure,
+              .title = FromWx(wxTheApp->GetAppDisplayName()),
+              .icon = MessageIcon::kCritical});
+    });
   }
   Settle();
 }
