@@ -29,6 +29,10 @@ wxBitmapBundle Get(std::string_view name, int size, const wxColour& colour) {
 
 wxBitmapBundle Get(std::string_view name, int size) { return Get(name, size, theme::Text()); }
 
+std::string_view NameOfType(std::string_view path) {
+  return EndsWithText(path, ".exe") ? "trace-program" : "trace-file";
+}
+
 wxIconBundle ProgramIcons() {
   wxIconBundle icons;
   for (const int size : {16, 24, 32, 48, 64, 128}) {

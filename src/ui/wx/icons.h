@@ -17,6 +17,9 @@ wxBitmapBundle Get(std::string_view name, int size);
 // The same in one given colour for currentColor.
 wxBitmapBundle Get(std::string_view name, int size, const wxColour& colour);
 
+// The name of the icon for a file, by the ending of its path.
+std::string_view NameOfType(std::string_view path);
+
 // For windows, task bar and tray.
 wxIconBundle ProgramIcons();
 

@@ -59,8 +59,9 @@ struct Layout {
   int grow = 0;         // share of the room that is left along the box
   bool narrow = false;  // takes no more than its own width across the box
   bool centred = false;
-  bool ticks = false;  // rows have check boxes
-  int width = 0;       // at least this wide, or high
+  bool ticks = false;   // rows have check boxes
+  int fileColumn = -1;  // of the paths of files, whose types' pictures stand before the rows
+  int width = 0;        // at least this wide, or high
   int height = 0;
   std::vector<ShownWhile> shownWhile = {};  // a box is there while all of these hold
   std::vector<std::pair<std::string, std::string>> menu = {};  // context menu: control, text
@@ -77,6 +78,7 @@ struct Layout {
     return icon = iconName, iconSize = size, std::move(*this);
   }
   Layout&& Ticks() && { return ticks = true, std::move(*this); }
+  Layout&& FilesIn(int column) && { return fileColumn = column, std::move(*this); }
   Layout&& Wide(int pixels) && { return width = pixels, std::move(*this); }
   Layout&& High(int pixels) && { return height = pixels, std::move(*this); }
   // The box is there while the control `control` is visible, or while it is not.

@@ -9,6 +9,7 @@
 #include "ui/wx/bindings/binding.h"
 #include "ui/wx/metrics.h"
 #include "ui/wx/native.h"
+#include "ui/wx/sys_image_list.h"
 #include "ui/wx/text.h"
 
 namespace quarnel {
@@ -25,19 +26,23 @@ class VirtualList : public wxListCtrl {
   }
   std::function<std::string(long row, long column)> cell;
   std::function<bool(long row)> ticked;
+  std::function<int(long row)> picture;
 
  protected:
   wxString OnGetItemText(long row, long column) const override {
     return ToWxLine(cell(row, column));
   }
   bool OnGetItemIsChecked(long row) const override { return ticked && ticked(row); }
-  int OnGetItemImage(long) const override { return -1; }
+  int OnGetItemImage(long row) const override {
+    return picture ? picture(row) : cVBALSysImageList::kNone;
+  }
 };
 
 class ListBinding : public Binding {
  public:
   ListBinding(wxWindow* parent, ListView& list, const Layout& layout, const Front& front)
-      : Binding(list, front), list_(list) {
+      : Binding(list, front), list_(list), fileColumn_(layout.fileColumn) {
+    if (fileColumn_ >= 0) pictures_.Create(metrics::kSmallIcon);
     widget_ = new VirtualList(parent, layout.ticks || list.ItemCheck);
     widget_->SetMinSize(metrics::Scaled(
         *widget_, wxSize(layout.width > 0 ? layout.width : metrics::kFieldWidth,
@@ -47,10 +52,17 @@ class ListBinding : public Binding {
                             metrics::Scaled(*widget_, metrics::kListColumn));
     }
     widget_->cell = [this](long row, long column) {
-      const ListRow& shown = list_.At(RowAt(row));
-      return column == 0 ? shown.text : std::string(shown.SubItem(static_cast<size_t>(column)));
+      return std::string(TextAt(RowAt(row), static_cast<int>(column)));
     };
-    widget_->ticked = [this](long row) { return list_.At(RowAt(row)).checked; };
+    if (fileColumn_ >= 0) {
+      widget_->picture = [this](long row) {
+        return pictures_.ItemIndex(TextAt(RowAt(row), fileColumn_));
+      };
+    }
+    widget_->ticked = [this](long row) {
+      const size_t place = RowAt(row);
+      return place < list_.Count() && list_.At(place).checked;
+    };
     widget_->Bind(wxEVT_LIST_COL_CLICK, [this](wxListEvent& event) { SortBy(event.GetColumn()); });
     const auto tick = [this](wxListEvent& event) {
       const size_t row = RowAt(event.GetIndex());
@@ -81,6 +93,7 @@ class ListBinding : public Binding {
     Sort();
     const auto count = static_cast<long>(order_.size());
     if (widget_->GetItemCount() != count) widget_->SetItemCount(count);
+    LoadPictures();
     FitColumns();
     ShowSelection();
     widget_->Refresh();
@@ -92,6 +105,19 @@ class ListBinding : public Binding {
     const auto index = static_cast<size_t>(place);
     return index < order_.size() && order_[index] < list_.Count() ? order_[index] : list_.Count();
   }
+  // The system may ask for a row that the list has lost since it was last shown.
+  std::string_view TextAt(size_t row, int column) const {
+    if (row >= list_.Count()) return {};
+    const ListRow& shown = list_.At(row);
+    return column == 0 ? std::string_view(shown.text) : shown.SubItem(static_cast<size_t>(column));
+  }
+  // The list takes new pictures as a whole, and not while it paints.
+  void LoadPictures() {
+    const size_t before = pictures_.Count();
+    if (fileColumn_ < 0) return;
+    for (size_t row = 0; row < list_.Count(); ++row) pictures_.ItemIndex(TextAt(row, fileColumn_));
+    if (pictures_.Count() != before) widget_->SetSmallImages(pictures_.hIml());
+  }
   void SortBy(int column) {
     ascending_ = column != column_ || !ascending_;
     column_ = column;
@@ -100,11 +126,7 @@ class ListBinding : public Binding {
   }
   void Sort() {
     if (column_ < 0) return;
-    const auto text = [this](size_t row) {
-      const ListRow& shown = list_.At(row);
-      return column_ == 0 ? std::string_view(shown.text)
-                          : shown.SubItem(static_cast<size_t>(column_));
-    };
+    const auto text = [this](size_t row) { return TextAt(row, column_); };
     std::stable_sort(order_.begin(), order_.end(), [&](size_t left, size_t right) {
       return ascending_ ? text(left) < text(right) : text(right) < text(left);
     });
@@ -133,9 +155,11 @@ class ListBinding : public Binding {
     const auto place = static_cast<size_t>(column);
     int width = widget_->GetTextExtent(ToWx(list_.ColumnHeaders().at(place))).x;
     for (size_t row = 0; row < std::min(list_.Count(), kRowsLookedAt); ++row) {
-      const ListRow& shown = list_.At(row);
-      const std::string text(column == 0 ? std::string_view(shown.text) : shown.SubItem(place));
+      const std::string text(TextAt(row, column));
       width = std::max(width, widget_->GetTextExtent(ToWxLine(text)).x);
+    }
+    if (column == 0 && fileColumn_ >= 0) {
+      width += metrics::Scaled(*widget_, pictures_.IconSizeX() + metrics::kGap);
     }
     return std::min(width + metrics::Scaled(*widget_, metrics::kColumnPadding),
                     metrics::Scaled(*widget_, metrics::kNameColumn));
@@ -160,7 +184,9 @@ class ListBinding : public Binding {
   }
 
   ListView& list_;
+  int fileColumn_;
   VirtualList* widget_;
+  cVBALSysImageList pictures_;
   std::vector<size_t> order_;
   int column_ = -1;
   int fittedWidth_ = 0;

@@ -17,9 +17,8 @@ std::string_view IconNameOf(const TreeNode& node) {
   const std::string_view text = node.text;
   if (text.find("[Ignored]") != std::string_view::npos) return "trace-ignored";
   if (text.find("HKEY_") != std::string_view::npos) return "trace-registry";
-  if (EndsWithText(text, ".exe")) return "trace-program";
   if (text.find("Cookies\\") != std::string_view::npos) return "trace-cookie";
-  return "trace-file";
+  return icons::NameOfType(text);
 }
 
 const wxBitmapBundle& IconOf(const TreeNode& node) {

@@ -60,6 +60,26 @@ wxButton* NewPrimaryButton(wxWindow* parent, const wxString& caption) {
   return new wxButton(parent, wxID_ANY, caption);
 }
 
+wxBitmapBundle PictureOfType(const wxString& ending) {
+  gchar* const type =
+      g_content_type_guess(("file" + ending.Lower()).utf8_str(), nullptr, 0, nullptr);
+  GIcon* const icon = g_content_type_get_icon(type);
+  g_free(type);
+  wxVector<wxBitmap> pictures;
+  for (const int edge : {metrics::kSmallIcon, metrics::kSmallIcon * 2, metrics::kSmallIcon * 3}) {
+    GtkIconInfo* const found = gtk_icon_theme_lookup_by_gicon(gtk_icon_theme_get_default(), icon,
+                                                              edge, GTK_ICON_LOOKUP_FORCE_SIZE);
+    if (found == nullptr) continue;
+    // The bitmap takes it over.
+    if (GdkPixbuf* const pixels = gtk_icon_info_load_icon(found, nullptr)) {
+      pictures.push_back(wxBitmap(pixels));
+    }
+    g_object_unref(found);
+  }
+  g_object_unref(icon);
+  return wxBitmapBundle::FromBitmaps(pictures);
+}
+
 wxRadioButton* NewOption(wxWindow* parent) { return new wxRadioButton(parent, wxID_ANY, ""); }
 
 void LetCaptionShrink(wxControl& mark) {

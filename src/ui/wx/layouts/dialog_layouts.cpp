@@ -164,20 +164,20 @@ FormLayout ConnectionLayout() {
 }
 
 // A list of what is exempt, of which ticked rows can be taken out.
-FormLayout ExemptLayout(std::string_view form, std::string_view list, std::string_view name) {
-  return {.form = form,
-          .kind = WindowKind::kSheet,
-          .content =
-              Column({
-                         Put("lblHeading").As(Role::kHeading),
-                         Put(list).Called(name).Ticks().Wide(kSheetWidth).High(kHtmlHeight).Grow(),
-                         Row({Put("chkSelectAll"), Put("lblCount").As(Role::kMuted), Spring(),
-                              Put("ImgRemoveMouseMove").Called("&Remove from safe list"),
-                              Put("cmdDone").As(Role::kPrimary)}),
-                     })
-                  .Padding(kDialogPadding),
-          .defaultButton = "cmdDone",
-          .cancelButton = "cmdDone"};
+FormLayout ExemptLayout(std::string_view form, Layout list) {
+  return {
+      .form = form,
+      .kind = WindowKind::kSheet,
+      .content = Column({
+                            Put("lblHeading").As(Role::kHeading),
+                            std::move(list).Ticks().Wide(kSheetWidth).High(kHtmlHeight).Grow(),
+                            Row({Put("chkSelectAll"), Put("lblCount").As(Role::kMuted), Spring(),
+                                 Put("ImgRemoveMouseMove").Called("&Remove from safe list"),
+                                 Put("cmdDone").As(Role::kPrimary)}),
+                        })
+                     .Padding(kDialogPadding),
+      .defaultButton = "cmdDone",
+      .cancelButton = "cmdDone"};
 }
 
 FormLayout RestoreLayout() {
@@ -253,8 +253,10 @@ std::vector<FormLayout> DialogLayouts() {
   layouts.push_back(CloseBrowserLayout());
   layouts.push_back(RestartLayout());
   layouts.push_back(RestoreLayout());
-  layouts.push_back(ExemptLayout("frmIngnoredProcesses", "lvwIgnoredProcesses", "Exempt programs"));
-  layouts.push_back(ExemptLayout("frmIngnoredSpywares", "lvwIgnoredSpywares", "Exempt traces"));
+  layouts.push_back(ExemptLayout("frmIngnoredProcesses",
+                                 Put("lvwIgnoredProcesses").Called("Exempt programs").FilesIn(2)));
+  layouts.push_back(
+      ExemptLayout("frmIngnoredSpywares", Put("lvwIgnoredSpywares").Called("Exempt traces")));
   return layouts;
 }
 

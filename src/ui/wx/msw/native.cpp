@@ -5,6 +5,7 @@
 #include <wx/msw/wrapwin.h>
 // It needs the header above.
 #include <commctrl.h>
+#include <shellapi.h>
 
 #include "ui/wx/metrics.h"
 #include "ui/wx/theme.h"
@@ -110,6 +111,22 @@ void ShowTab(wxToggleButton& tab, bool selected) {
 
 wxButton* NewPrimaryButton(wxWindow* parent, const wxString& caption) {
   return new Flat<wxButton>(parent, caption, 0);
+}
+
+wxBitmapBundle PictureOfType(const wxString& ending) {
+  constexpr UINT kByNameAlone = SHGFI_USEFILEATTRIBUTES | SHGFI_ICON;
+  wxIconBundle pictures;
+  for (const UINT size : {UINT{SHGFI_SMALLICON}, UINT{SHGFI_LARGEICON}}) {
+    SHFILEINFOW found = {};
+    if (SHGetFileInfoW(("file" + ending).wc_str(), FILE_ATTRIBUTE_NORMAL, &found, sizeof found,
+                       kByNameAlone | size) == 0) {
+      continue;
+    }
+    wxIcon icon;
+    // Which takes it over.
+    if (icon.CreateFromHICON(found.hIcon)) pictures.AddIcon(icon);
+  }
+  return wxBitmapBundle::FromIconBundle(pictures);
 }
 
 wxRadioButton* NewOption(wxWindow* parent) { return new Option(parent); }
