@@ -6,6 +6,7 @@
 
 #include "base/runtime_error.h"
 #include "ui/wx/message_dialog.h"
+#include "ui/wx/native.h"
 #include "ui/wx/text.h"
 
 namespace quarnel {
@@ -230,6 +231,21 @@ wxWindow* WxHost::ActiveWindow() const {
   return nullptr;
 }
 
+// The window behind a message box. One that has only just been shown may still be on its way, and
+// would come up in front of the box.
+wxWindow* WxHost::ParentOfBox() {
+  constexpr Milliseconds kLongestWay(500);
+  auto* parent = dynamic_cast<wxTopLevelWindow*>(ActiveWindow());
+  wxEventLoopBase* const loop = wxEventLoopBase::GetActive();
+  if (parent == nullptr || loop == nullptr || parent->IsIconized()) return parent;
+  const Milliseconds end = Now() + kLongestWay;
+  while (!native::HasComeUp(*parent) && Now() < end) {
+    loop->YieldFor(wxEVT_CATEGORY_UI);
+    wxMilliSleep(1);
+  }
+  return ActiveWindow();
+}
+
 void WxHost::ShowPointer() {
   const bool busy = MousePointer() == Pointer::kHourglass;
   if (busy == busy_) return;
@@ -276,7 +292,7 @@ Answer WxHost::MsgBox(const MessageBox& box) {
     const Milliseconds pump = nextPump_;
     nextPump_ = Milliseconds(0);
     Arm();
-    answer = ShowMessage(ActiveWindow(), box);
+    answer = ShowMessage(ParentOfBox(), box);
     nextPump_ = pump;
   }
   if (ended_) throw ProcessEnded();
@@ -289,7 +305,7 @@ std::optional<std::string> WxHost::InputBox(std::string_view prompt, std::string
   std::optional<std::string> typed;
   {
     const Depth depth(depth_);
-    wxTextEntryDialog dialog(ActiveWindow(), ToWx(prompt), ToWx(title), ToWx(initial));
+    wxTextEntryDialog dialog(ParentOfBox(), ToWx(prompt), ToWx(title), ToWx(initial));
     Arm();
     if (dialog.ShowModal() == wxID_OK) typed = FromWx(dialog.GetValue());
   }

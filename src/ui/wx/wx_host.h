@@ -67,6 +67,7 @@ class WxHost : public Host {
   void DropGone();
   void EnableBehind(const Form& form);
   wxWindow* ActiveWindow() const;
+  wxWindow* ParentOfBox();
   Milliseconds Now() { return realClock_.Ticks(); }
 
   RealClock realClock_;

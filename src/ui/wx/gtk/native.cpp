@@ -104,6 +104,8 @@ void KeepPlace(wxTopLevelWindow& window) {
   g_signal_connect_after(window.GetHandle(), "realize", G_CALLBACK(PutInPlace), &window);
 }
 
+bool HasComeUp(const wxWindow& window) { return gtk_widget_get_mapped(window.GetHandle()) != 0; }
+
 void SetAccessibleName(wxWindow& widget, const wxString& name) {
   GtkWidget* shown = widget.GetHandle();
   const auto set = [&](GtkWidget* part) {

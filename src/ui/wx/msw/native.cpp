@@ -140,6 +140,8 @@ void FrameList(wxWindow&) {}
 // The system does.
 void KeepPlace(wxTopLevelWindow&) {}
 
+bool HasComeUp(const wxWindow&) { return true; }
+
 void SetAccessibleName(wxWindow& widget, const wxString& name) {
   widget.SetAccessible(new NamedAccessible(&widget, name));
 }
