@@ -34,6 +34,7 @@ inline constexpr int kFieldWidth = 200;
 inline constexpr int kCaptionWidth = 96;  // of a field, at its left
 inline constexpr int kToolsWidth = 170;
 inline constexpr int kSheetWidth = 560;
+inline constexpr int kWizardWidth = 560;
 inline constexpr int kWizardHeight = 210;
 inline constexpr int kListHeight = 96;
 inline constexpr int kTreeHeight = 120;

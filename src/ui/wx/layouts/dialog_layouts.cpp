@@ -54,6 +54,7 @@ FormLayout WizardLayout(std::string_view form, std::vector<Layout> answers,
                                 Row({Column({Picture("quarnel", kHeroIcon), Spring()}),
                                      Column(std::move(text)).Gap(kWideGap).Grow()})
                                     .Gap(kDialogPadding)
+                                    .Wide(kWizardWidth)
                                     .High(kWizardHeight)
                                     .Grow(),
                                 Row({Put("cmdExit"), Put("cmdSkip"), Spring(), Put("cmdBack"),
