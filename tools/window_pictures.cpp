@@ -1,6 +1,8 @@
 // Shows every window of the program, one after the other, on the sample machine, which is scanned
 // and cleaned meanwhile. tools/make-window-pictures runs it and takes the pictures.
 
+#include <wx/uiaction.h>
+
 #include <functional>
 #include <iostream>
 #include <optional>
@@ -138,6 +140,8 @@ void TakeForms(PictureHost& host, Application& application) {
 }
 
 void TakeAll() {
+  // Where it is over no window, which would show what it says of itself.
+  wxUIActionSimulator().MouseMove(0, 0);
   const std::unique_ptr<Platform> platform = OpenPlatform({});
   PictureHost host([&](const std::string& page) { return ReadWholeFile(platform->files(), page); });
   std::optional<Application> application;

@@ -158,7 +158,7 @@ class ListBinding : public Binding {
       const std::string text(TextAt(row, column));
       width = std::max(width, widget_->GetTextExtent(ToWxLine(text)).x);
     }
-    if (column == 0 && fileColumn_ >= 0) {
+    if (column == 0 && pictures_.Count() > 0) {
       width += metrics::Scaled(*widget_, pictures_.IconSizeX() + metrics::kGap);
     }
     return std::min(width + metrics::Scaled(*widget_, metrics::kColumnPadding),
