@@ -68,7 +68,9 @@ FormWindow::FormWindow(Form& form, const FormLayout& layout, wxWindow* parent, c
   auto* outer = new wxBoxSizer(wxVERTICAL);
   Fill(page_, *outer, layout_.content);
   page_->SetSizer(outer);
-  MakeMenus();
+  if (auto* frame = dynamic_cast<wxFrame*>(window_); frame != nullptr && !layout_.menus.empty()) {
+    menuBar_ = std::make_unique<MenuBar>(*frame, form, layout_.menus, front_);
+  }
   SyncContent();
   FitWindow();
   BindWindow();
@@ -321,36 +323,6 @@ void FormWindow::AddRest(wxWindow* parent, GapBox& box) {
   }
 }
 
-void FormWindow::MakeMenus() {
-  auto* frame = dynamic_cast<wxFrame*>(window_);
-  if (frame == nullptr || layout_.menus.empty()) return;
-  auto* bar = new wxMenuBar;
-  for (const MenuLayout& layout : layout_.menus) {
-    const auto* title = dynamic_cast<MenuItem*>(form_->Find(layout.title));
-    if (title == nullptr) continue;
-    auto* menu = new wxMenu;
-    Menu& entries = menus_.emplace_back();
-    for (const std::string& entry : layout.entries) {
-      if (entry.empty()) {
-        menu->AppendSeparator();
-        continue;
-      }
-      auto* control = dynamic_cast<MenuItem*>(form_->Find(entry));
-      if (control == nullptr || !control->Visible()) continue;
-      wxMenuItem* item = menu->Append(wxID_ANY, ToWx(control->Caption()) + " ");
-      menu->Bind(
-          wxEVT_MENU,
-          [this, control](wxCommandEvent&) { front_.run([control] { control->ClickByUser(); }); },
-          item->GetId());
-      entries.controls.push_back(control);
-      entries.items.push_back(item);
-    }
-    menuTitles_.push_back(title->Caption());
-    bar->Append(menu, ToWx(title->Caption()));
-  }
-  frame->SetMenuBar(bar);
-}
-
 // ---- showing -----------------------------------------------------------------------------------
 
 void FormWindow::Sync() {
@@ -364,7 +336,7 @@ void FormWindow::Sync() {
 void FormWindow::SyncContent() {
   bool moved = SyncConditions();
   for (const auto& binding : bindings_) moved = binding->Sync() || moved;
-  SyncMenus();
+  if (menuBar_) menuBar_->Sync();
   ShareKeys();
   if (!moved) return;
   page_->Layout();
@@ -403,28 +375,12 @@ bool FormWindow::SyncConditions() {
   return moved;
 }
 
-void FormWindow::SyncMenus() {
-  for (Menu& menu : menus_) {
-    std::vector<uint64_t> revisions;
-    std::vector<std::string> captions;
-    for (const MenuItem* control : menu.controls) {
-      revisions.push_back(control->Revision());
-      captions.push_back(control->Caption());
-    }
-    if (menu.revisions == revisions) continue;
-    menu.revisions = std::move(revisions);
-    const std::vector<CaptionText> shown = ShareMnemonics(captions);
-    for (size_t i = 0; i < shown.size(); ++i) {
-      menu.items[i]->SetItemLabel(ToWx(shown[i]));
-      menu.items[i]->Enable(menu.controls[i]->Enabled());
-    }
-  }
-}
-
 // No two things that show are reached by the same letter, or none would be.
 void FormWindow::ShareKeys() {
   std::vector<Keyed> keyed;
-  std::vector<std::string> captions = menuTitles_;
+  std::vector<std::string> captions;
+  if (menuBar_) captions = menuBar_->Titles();
+  const size_t titles = captions.size();
   for (const auto& binding : bindings_) {
     const std::string_view caption = binding->KeyCaption();
     if (caption.empty() || !ShowsInItsWindow(*binding->Widget())) continue;
@@ -435,7 +391,7 @@ void FormWindow::ShareKeys() {
   keyed_ = std::move(keyed);
   const std::vector<CaptionText> shared = ShareMnemonics(captions);
   for (size_t i = 0; i < keyed_.size(); ++i) {
-    keyed_[i].binding->SetKey(shared[menuTitles_.size() + i].mnemonic);
+    keyed_[i].binding->SetKey(shared[titles + i].mnemonic);
   }
 }
 

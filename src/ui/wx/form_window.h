@@ -6,9 +6,9 @@
 #include <vector>
 
 #include "controls/form.h"
-#include "controls/simple_controls.h"
 #include "ui/wx/bindings/binding.h"
 #include "ui/wx/layout.h"
+#include "ui/wx/menu_bar.h"
 #include "ui/wx/wx.h"
 
 namespace quarnel {
@@ -48,12 +48,6 @@ class FormWindow {
 
     bool Holds() const;
   };
-  // A menu of the menu bar; the revisions are those of its entries as it shows them.
-  struct Menu {
-    std::vector<MenuItem*> controls;
-    std::vector<wxMenuItem*> items;
-    std::vector<uint64_t> revisions;
-  };
   // A binding with a caption that shows.
   struct Keyed {
     Binding* binding;
@@ -62,7 +56,6 @@ class FormWindow {
   };
 
   void MakeWindow(wxWindow* parent);
-  void MakeMenus();
   void BindWindow();
   void FitWindow();
   wxWindow* BuildBox(wxWindow* parent, const Layout& layout);
@@ -78,7 +71,6 @@ class FormWindow {
   void CollectNames(const Layout& layout);
   void SyncContent();
   void SyncWindow();
-  void SyncMenus();
   void ShareKeys();
   void PassKeyboard();
   bool SyncConditions();
@@ -92,8 +84,7 @@ class FormWindow {
   wxPanel* page_ = nullptr;
   std::vector<std::unique_ptr<Binding>> bindings_;
   std::vector<Condition> conditions_;
-  std::vector<Menu> menus_;
-  std::vector<std::string> menuTitles_;
+  std::unique_ptr<MenuBar> menuBar_;
   std::vector<Keyed> keyed_;
   // The one on the screen of those that take the keyboard.
   const Binding* keyboardPlace_ = nullptr;
