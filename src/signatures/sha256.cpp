@@ -56,6 +56,7 @@ void Compress(std::array<uint32_t, 8>& state, const char* block) {
 }  // namespace
 
 void Sha256::Update(std::string_view bytes) {
+  if (bytes.empty()) return;
   size_t used = static_cast<size_t>(size_ % block_.size());
   size_ += bytes.size();
   if (used != 0) {
