@@ -40,7 +40,7 @@ void FrameList(wxWindow& list);
 // Lets a window come up where the program has put it, also under a window manager that places none.
 void KeepPlace(wxTopLevelWindow& window);
 
-// Whether a window that was shown has come onto the screen.
+// Whether a window that was shown has come onto the screen, and is known to be where it is.
 bool HasComeUp(const wxWindow& window);
 
 // What a screen reader says for a widget that shows no caption of its own.

@@ -104,7 +104,14 @@ void KeepPlace(wxTopLevelWindow& window) {
   g_signal_connect_after(window.GetHandle(), "realize", G_CALLBACK(PutInPlace), &window);
 }
 
-bool HasComeUp(const wxWindow& window) { return gtk_widget_get_mapped(window.GetHandle()) != 0; }
+// Where a window manager puts a frame around it, its place is known some events later.
+bool HasComeUp(const wxWindow& window) {
+  GtkWidget* const widget = window.GetHandle();
+  if (gtk_widget_get_mapped(widget) == 0) return false;
+  wxPoint place;
+  gdk_window_get_root_origin(gtk_widget_get_window(widget), &place.x, &place.y);
+  return window.GetPosition() == place;
+}
 
 void SetAccessibleName(wxWindow& widget, const wxString& name) {
   GtkWidget* shown = widget.GetHandle();
