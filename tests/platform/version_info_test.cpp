@@ -91,7 +91,7 @@ TEST(StringFileInfoText, TakesTheTextBehindTheName) {
   const struct {
     const char* about;
     std::string bytes;
-    std::string_view text = "";
+    std::string_view text = {};
   } cases[] = {
       {"whole", whole, "Labs"},
       {"at an odd place", "x" + whole, "Labs"},
