@@ -332,6 +332,7 @@ TEST_F(DisplayTest, RowsOfTheTrayMenuAreClicked) {
 TEST_F(DisplayTest, WhatWasFoundIsRemovedAndRestored) {
   const std::string older =
       RestorePointFile(machine(), "Older_20200102030405", restore_point::kFiles);
+  DeleteTree(files(), BackupFolder(machine()));
   CreateFolders(files(), BackupFolder(machine()));
   WriteWholeFile(files(), older, "");
   // A strict restore brings the file to its own drive, wherever the program lies.
