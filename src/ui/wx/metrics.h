@@ -62,6 +62,7 @@ inline constexpr float kSmallFont = 0.92F;
 inline constexpr int kNameColumn = 320;
 inline constexpr int kTextColumn = 190;
 inline constexpr int kListColumn = 180;
+inline constexpr int kLeastColumn = 120;   // a path's beginning can be told
 inline constexpr int kColumnPadding = 24;  // beside the text, with room for a check box
 
 inline int Scaled(const wxWindow& window, int length) { return window.FromDIP(length); }

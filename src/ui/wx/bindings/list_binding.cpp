@@ -164,7 +164,21 @@ class ListBinding : public Binding {
     return std::min(width + metrics::Scaled(*widget_, metrics::kColumnPadding),
                     metrics::Scaled(*widget_, metrics::kNameColumn));
   }
-  // Each column gets its share of the room; where there is too little, the list scrolls.
+  // The widest columns give way where there is too little room, as long as they can be read.
+  int WidestIn(int room, std::vector<int> widths) const {
+    std::sort(widths.begin(), widths.end());
+    auto left = static_cast<int>(widths.size());
+    for (const int width : widths) {
+      if (width * left > room) {
+        return std::max(room / left, metrics::Scaled(*widget_, metrics::kLeastColumn));
+      }
+      room -= width;
+      --left;
+    }
+    return widths.back();
+  }
+  // Each column gets its share of the room; where even the narrowed ones want more, the list
+  // scrolls.
   void FitColumns() {
     const int count = widget_->GetColumnCount();
     const int room = widget_->GetClientSize().x;
@@ -174,6 +188,8 @@ class ListBinding : public Binding {
     std::vector<int> widths;
     widths.reserve(static_cast<size_t>(count));
     for (int i = 0; i < count; ++i) widths.push_back(WidthOf(i));
+    const int widest = WidestIn(room, widths);
+    for (int& width : widths) width = std::min(width, widest);
     const int needed = std::accumulate(widths.begin(), widths.end(), 0);
     int left = std::max(room, needed);
     for (int i = 0; i < count; ++i) {
