@@ -9,6 +9,17 @@
 #include "ui/wx/text.h"
 
 namespace quarnel {
+namespace {
+
+// From the outermost box inwards: each must have its size before what it holds is laid out.
+void LayOutAround(wxWindow& widget) {
+  wxWindow* parent = widget.GetParent();
+  if (parent == nullptr || widget.IsTopLevel()) return;
+  LayOutAround(*parent);
+  parent->Layout();
+}
+
+}  // namespace
 
 bool Binding::Sync() {
   if (known_ && revision_ == control_.Revision()) return false;
@@ -45,12 +56,10 @@ void Binding::OnResize(wxWindow& widget, const Handler& fit) {
   });
 }
 
-void Binding::LayOutAround(wxWindow& widget) {
-  wxWindow* parent = widget.GetParent();
-  if (parent == nullptr || widget.IsTopLevel()) return;
-  // From the outermost box inwards: each must have its size before what it holds is laid out.
-  LayOutAround(*parent);
-  parent->Layout();
+void Binding::TakeRoom(wxWindow& widget, const wxSize& room) {
+  if (widget.GetMinSize() == room) return;
+  widget.SetMinSize(room);
+  widget.CallAfter([&widget] { LayOutAround(widget); });
 }
 
 void Binding::WatchMouse(wxWindow& widget) {

@@ -64,8 +64,8 @@ class Binding {
   void Act(const Handler& action);
   // Does `fit` after each change of the widget's size.
   void OnResize(wxWindow& widget, const Handler& fit);
-  // Finds the places anew of all that stands around the widget.
-  static void LayOutAround(wxWindow& widget);
+  // Gives the widget at least this room, and all that stands around it its place anew.
+  static void TakeRoom(wxWindow& widget, const wxSize& room);
   // Hands on the mouse's moves over the widget, where the control waits for them.
   void WatchMouse(wxWindow& widget);
 

@@ -178,10 +178,7 @@ class MarkBinding : public Binding {
     if (!wrapped_) return true;
     // The best size is never less than the one the widget has.
     const int more = caption.Freq('\n') * mark_->GetCharHeight();
-    const wxSize size(2 * markWidth_, lineHeight_ + more);
-    if (mark_->GetMinSize() == size) return false;
-    mark_->SetMinSize(size);
-    mark_->CallAfter([mark = mark_] { LayOutAround(*mark); });
+    TakeRoom(*mark_, {2 * markWidth_, lineHeight_ + more});
     return false;
   }
 

@@ -89,9 +89,7 @@ class LabelBinding : public Binding {
     }
     text_->InvalidateBestSize();
     const int height = std::max(line, text_->GetBestSize().y);
-    if (text_->GetMinSize().y == height) return;
-    text_->SetMinSize({1, height});
-    text_->CallAfter([text = text_] { LayOutAround(*text); });
+    TakeRoom(*text_, {1, height});
   }
 
   Label& label_;

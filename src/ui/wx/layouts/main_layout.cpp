@@ -231,42 +231,34 @@ Layout Page(std::string_view panel, std::string_view title, std::string_view exp
   return Column(std::move(items)).Gap(kWideGap).Padding(kPagePadding).On(panel).Grow();
 }
 
-// Boxes and circles to mark, one under the other.
-Layout Marks(std::string_view heading, std::initializer_list<std::string_view> controls) {
-  std::vector<Layout> items;
-  for (const std::string_view control : controls) items.push_back(Put(control).As(Role::kWrapped));
-  return Card(heading, std::move(items));
-}
+// A box or circle whose caption takes as many lines as its place needs.
+Layout Mark(std::string_view control) { return Put(control).As(Role::kWrapped); }
 
 Layout OptionsLayout() {
-  Layout scan = Marks("Scan", {"chkScanRegitry", "chkScanMemory", "chkScanCookies", "chkDeepScan",
-                               "chkDoNotShowIgnoredItem"});
-  scan.items.push_back(Put("lvwHardDrives").Called("Drives").Ticks());
-  Layout protection =
-      Marks("Protection", {"chkMemorySheild", "chkStartupShield", "chkSelfDownloadingActivex",
-                           "chkDisplayHijakRestoreAlerts", "chkAlertsBlocksSpywareAdware"});
-  protection.items.push_back(Text("The shields come with a later version.").As(Role::kMuted));
-  for (const std::string_view box : {"chkStrict", "chkReportLorrimesh"}) {
-    protection.items.push_back(Put(box).As(Role::kWrapped));
-  }
-  Layout updates = Marks("Updates", {"chkEnableAutoUpdaterNotifications"});
-  updates.items.push_back(
-      Row({Text("Hours between two looks:"), Put("cmbHours").Called("Hours between two looks")}));
-  updates.items.push_back(
-      Row({Text("Last update:").As(Role::kMuted), Put("lblLastUpdateDefinationDate").Grow()})
-          .Gap(kTightGap));
   Layout left = Column({
-      std::move(scan),
-      Marks("When the window is closed",
-            {"optCloseOptions(0)", "optCloseOptions(1)", "optCloseOptions(2)"}),
-      Marks("Open browsers at a removal",
-            {"optShowAlways", "optCloseAllIEAndDonotShowIfFuture", "optSkipClosingAndDonotShow"}),
+      Card("Scan", {Mark("chkScanRegitry"), Mark("chkScanMemory"), Mark("chkScanCookies"),
+                    Mark("chkDeepScan"), Mark("chkDoNotShowIgnoredItem"),
+                    Put("lvwHardDrives").Called("Drives").Ticks()}),
+      Card("When the window is closed",
+           {Mark("optCloseOptions(0)"), Mark("optCloseOptions(1)"), Mark("optCloseOptions(2)")}),
+      Card("Open browsers at a removal",
+           {Mark("optShowAlways"), Mark("optCloseAllIEAndDonotShowIfFuture"),
+            Mark("optSkipClosingAndDonotShow")}),
   });
   Layout right = Column({
-      std::move(protection),
-      Marks("Start", {"chkRunAtStartup", "chkMinimizeToTrayWindowAtStartup"}),
-      std::move(updates),
-      Marks("When the program is left", {"optOnClose(0)", "optOnClose(1)"}),
+      Card("Protection",
+           {Mark("chkMemorySheild"), Mark("chkStartupShield"), Mark("chkSelfDownloadingActivex"),
+            Mark("chkDisplayHijakRestoreAlerts"), Mark("chkAlertsBlocksSpywareAdware"),
+            Text("The shields come with a later version.").As(Role::kMuted), Mark("chkStrict"),
+            Mark("chkReportLorrimesh")}),
+      Card("Start", {Mark("chkRunAtStartup"), Mark("chkMinimizeToTrayWindowAtStartup")}),
+      Card("Updates",
+           {Mark("chkEnableAutoUpdaterNotifications"),
+            Row({Text("Hours between two looks:"),
+                 Put("cmbHours").Called("Hours between two looks")}),
+            Row({Text("Last update:").As(Role::kMuted), Put("lblLastUpdateDefinationDate").Grow()})
+                .Gap(kTightGap)}),
+      Card("When the program is left", {Mark("optOnClose(0)"), Mark("optOnClose(1)")}),
   });
   return Page("PicSecondTabConfiguration", "Options", "Changes are kept at once.",
               {Scroll({Row({std::move(left).Grow(), std::move(right).Grow()})}).Grow()});
