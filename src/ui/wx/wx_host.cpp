@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "base/runtime_error.h"
+#include "core/product.h"
 #include "ui/wx/message_dialog.h"
 #include "ui/wx/native.h"
 #include "ui/wx/text.h"
@@ -71,9 +72,7 @@ void WxHost::Act(const Handler& action) {
   }
   if (!failure.empty()) {
     Act([&] {
-      MsgBox({.text = failure,
-              .title = FromWx(wxTheApp->GetAppDisplayName()),
-              .icon = MessageIcon::kCritical});
+      MsgBox({.text = failure, .title = std::string(kProductName), .icon = MessageIcon::kCritical});
     });
   }
   Settle();
