@@ -10,6 +10,7 @@
 #include "core/paths.h"
 #include "machine/embedded.h"
 #include "machine/sample_plan.h"
+#include "platform/held_folders.h"
 #include "platform/pe_writer.h"
 #include "platform/shortcut.h"
 #include "signatures/compiler.h"
@@ -30,7 +31,7 @@ void WriteWhereDifferent(Files& files, const std::string& path, std::string_view
       present == bytes) {
     return;
   }
-  CreateFolders(files, path.substr(0, path.rfind('\\')));
+  CreateFolders(files, PartsOf(path).folder);
   WriteWholeFile(files, path, bytes);
 }
 

@@ -1,6 +1,7 @@
 #include "support/platform_fixture.h"
 
 #include "base/text.h"
+#include "platform/held_folders.h"
 
 namespace quarnel {
 
@@ -22,7 +23,7 @@ std::string PlatformTest::Path(std::string_view name) const {
 
 std::string PlatformTest::Make(std::string_view name, std::string_view bytes) {
   std::string path = Path(name);
-  CreateFolders(files(), path.substr(0, path.rfind('\\')));
+  CreateFolders(files(), PartsOf(path).folder);
   WriteWholeFile(files(), path, bytes);
   return path;
 }

@@ -24,8 +24,8 @@ void ShowTab(wxToggleButton& tab, bool selected);
 // A button that is seen before all others, by the colours that it is given.
 wxButton* NewPrimaryButton(wxWindow* parent, const wxString& caption);
 
-// The system's picture, in several sizes, for files whose names end so (".txt"); none where it has
-// no such picture.
+// The system's picture, in several sizes, for files whose names end so (".txt", in lower case);
+// none where it has no such picture.
 wxBitmapBundle PictureOfType(const wxString& ending);
 
 // A radio button whose caption may have several lines.

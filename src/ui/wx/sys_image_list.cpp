@@ -2,7 +2,8 @@
 
 #include <algorithm>
 
-#include "base/text.h"
+#include "core/paths.h"
+#include "platform/held_folders.h"
 #include "ui/wx/icons.h"
 #include "ui/wx/native.h"
 #include "ui/wx/text.h"
@@ -12,9 +13,8 @@ namespace {
 
 // With its dot; empty when the name has none.
 std::string EndingOf(std::string_view path) {
-  const std::string_view name = path.substr(path.find_last_of("\\/") + 1);
-  const size_t dot = name.rfind('.');
-  return dot == std::string_view::npos ? std::string() : ToUpper(name.substr(dot));
+  const std::string ending = GetFileExtension(PartsOf(std::string(path)).name);
+  return ending.empty() ? ending : "." + ending;
 }
 
 }  // namespace

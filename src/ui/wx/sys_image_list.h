@@ -39,7 +39,7 @@ class cVBALSysImageList {
   const wxBitmapBundle& At(int index) const { return pictures_.at(static_cast<size_t>(index)); }
 
   int size_ = 0;
-  std::vector<std::string> types_;  // the endings, in upper case
+  std::vector<std::string> types_;  // the endings
   wxVector<wxBitmapBundle> pictures_;
 };
 

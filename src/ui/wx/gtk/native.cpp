@@ -61,8 +61,7 @@ wxButton* NewPrimaryButton(wxWindow* parent, const wxString& caption) {
 }
 
 wxBitmapBundle PictureOfType(const wxString& ending) {
-  gchar* const type =
-      g_content_type_guess(("file" + ending.Lower()).utf8_str(), nullptr, 0, nullptr);
+  gchar* const type = g_content_type_guess(("file" + ending).utf8_str(), nullptr, 0, nullptr);
   GIcon* const icon = g_content_type_get_icon(type);
   g_free(type);
   wxVector<wxBitmap> pictures;
