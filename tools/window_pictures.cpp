@@ -24,18 +24,18 @@ class PictureHost : public WxHost {
   // Asks on the standard output for a picture of the form's window, and goes on when a line on the
   // standard input says that it is taken.
   void Take(const Form& form, std::string_view name) {
-    Settle();
+    WaitUntilPainted();
     const wxRect place = WindowOf(form)->Window()->GetScreenRect();
     std::cout << name << ' ' << place.width << 'x' << place.height << '+' << place.x << '+'
               << place.y << std::endl;
     std::string taken;
     std::getline(std::cin, taken);
   }
-  // Clicks a control. A picture of what it sets off is taken as soon as `when` holds.
   void Click(const Form& form, std::string_view control) {
     if (const Binding* binding = WindowOf(form)->Find(control)) binding->Widget()->SetFocus();
     Act([&] { form.Find(control)->ClickByUser(); });
   }
+  // Clicks a control, and takes a picture of what that sets off as soon as `when` holds.
   void TakeDuring(const Form& form, std::string_view control, std::string_view name,
                   std::function<bool()> when) {
     moment_ = {.form = &form, .name = name, .when = std::move(when)};
@@ -63,8 +63,8 @@ class PictureHost : public WxHost {
     std::function<bool()> when;
   };
 
-  // Shows what has changed, and waits until it is painted.
-  void Settle() {
+  // Shows what has changed first.
+  void WaitUntilPainted() {
     constexpr int kTurns = 15;
     constexpr int kTurn = 25;
     for (int i = 0; i < kTurns; ++i) {

@@ -405,7 +405,6 @@ TEST_F(DisplayTest, WhatWasFoundIsRemovedAndRestored) {
   EXPECT_THAT(first.at(2), ::testing::StartsWith("Older"));
   EXPECT_TRUE(files().Stat(planted));
   EXPECT_EQ(Shown("frmRestore"), nullptr);
-  DeleteTree(files(), BackupFolder(machine()));
 }
 
 TEST_F(DisplayTest, MenuSelectsAPageAndClosingAsks) {
