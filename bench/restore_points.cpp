@@ -128,15 +128,15 @@ void Round(Table& table) {
     for (const ListRow& row : rig.results.lvwFilesToBeDeleted.Rows()) files.Delete(row.text);
   };
   table.Measure("deletion", removeAll);
-  const auto restore = [&](const char* strict) {
+  const auto restore = [&](int strict) {
     rig.settings.Save(setting::kStrict, strict);
     const RestoreReport restored = rig.restore.RestoreSpyware(report.stem);
     Expect(restored.failures.empty() && restored.files == kFolders * kFilesEach,
            "the restore is not whole");
   };
-  table.Measure("restore", [&] { restore("0"); });
+  table.Measure("restore", [&] { restore(0); });
   removeAll();
-  table.Measure("strict restore", [&] { restore("1"); });
+  table.Measure("strict restore", [&] { restore(1); });
 
   Shell(sync);
   table.Measure("zip -q -r", [&] { Shell("cd '" + drive + "' && zip -q -r '" + zip + "' files"); });

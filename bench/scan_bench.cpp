@@ -7,6 +7,7 @@
 #include <iterator>
 #include <stdexcept>
 
+#include "core/existing_files.h"
 #include "core/like.h"
 #include "phase_data.h"
 #include "scan/pattern_set.h"

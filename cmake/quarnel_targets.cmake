@@ -9,6 +9,11 @@ target_compile_options(
                           # Designated initialisers leave the rest at its default on purpose.
                           -Wno-missing-field-initializers)
 target_include_directories(quarnel_flags INTERFACE ${CMAKE_SOURCE_DIR}/src)
+find_program(LLD ld.lld)
+if(LLD AND NOT CMAKE_CROSSCOMPILING)
+  # Links in a fraction of the time.
+  target_link_options(quarnel_flags INTERFACE -fuse-ld=lld)
+endif()
 if(QUARNEL_SANITIZE)
   # Null-dereference analysis reports false finds inside instrumented library code.
   target_compile_options(quarnel_flags INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=all
@@ -18,9 +23,10 @@ if(QUARNEL_SANITIZE)
 endif()
 if(CMAKE_BUILD_TYPE STREQUAL "Release")
   target_compile_definitions(quarnel_flags INTERFACE _FORTIFY_SOURCE=2)
-  # GCC 12 takes inlined string code for overlapping copies.
+  # GCC 12 takes inlined string code for overlapping copies, and an alternative that a variant does
+  # not hold for one that is read.
   target_compile_options(quarnel_flags INTERFACE -fstack-protector-strong -Wno-null-dereference
-                                                 -Wno-restrict)
+                                                 -Wno-restrict -Wno-maybe-uninitialized)
 endif()
 
 # Makes the library quarnel_NAME of all sources in the current folder. DEPENDS names the libraries

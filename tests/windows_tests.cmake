@@ -33,8 +33,7 @@ set(machineTests ${unitTests} programs)
 # Those that never ask the machine.
 list(REMOVE_ITEM machineTests base controls console)
 set_tests_properties(${machineTests} PROPERTIES RESOURCE_LOCK machine)
-# A program that hangs must not hold up the others: the longest takes some seconds.
-set_tests_properties(${unitTests} programs PROPERTIES TIMEOUT 120)
+set_tests_properties(programs PROPERTIES TIMEOUT 120)
 
 # Nothing that is built may need more than the oldest system has.
 get_property(built DIRECTORY PROPERTY BUILDSYSTEM_TARGETS)

@@ -5,13 +5,20 @@ namespace {
 
 constexpr std::string_view kDigits = "0123456789ABCDEF";
 
-int DigitValue(char digit) {
-  if (digit >= 'a' && digit <= 'f') return digit - 'a' + 10;
-  const size_t value = kDigits.find(digit);
-  return value == std::string_view::npos ? -1 : static_cast<int>(value);
+}  // namespace
+
+int HexDigit(char c) {
+  if (c >= '0' && c <= '9') return c - '0';
+  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
+  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
+  return -1;
 }
 
-}  // namespace
+std::string HexNumber(uint32_t number, size_t digits) {
+  std::string text;
+  for (; number != 0 || text.size() < digits; number >>= 4) text += kDigits[number & 0xF];
+  return {text.rbegin(), text.rend()};
+}
 
 std::string HexText(std::string_view bytes) {
   std::string text;
@@ -29,8 +36,8 @@ std::optional<std::string> BytesFromHex(std::string_view text) {
   std::string bytes;
   bytes.reserve(text.size() / 2);
   for (size_t i = 0; i < text.size(); i += 2) {
-    const int high = DigitValue(text[i]);
-    const int low = DigitValue(text[i + 1]);
+    const int high = HexDigit(text[i]);
+    const int low = HexDigit(text[i + 1]);
     if (high < 0 || low < 0) return std::nullopt;
     bytes += static_cast<char>(high << 4 | low);
   }

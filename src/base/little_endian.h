@@ -33,6 +33,17 @@ inline void PutU32(std::string& bytes, uint32_t value) {
   PutU16(bytes, value & 0xFFFF);
   PutU16(bytes, value >> 16);
 }
+// Writes over what stands at the offset.
+inline void SetU16(std::string& bytes, size_t offset, uint32_t value) {
+  std::string word;
+  PutU16(word, value);
+  bytes.replace(offset, word.size(), word);
+}
+inline void SetU32(std::string& bytes, size_t offset, uint32_t value) {
+  std::string word;
+  PutU32(word, value);
+  bytes.replace(offset, word.size(), word);
+}
 // UTF-16 code units in order, without a terminator.
 inline void PutWide(std::string& bytes, std::u16string_view text) {
   for (const char16_t unit : text) PutU16(bytes, unit);

@@ -13,6 +13,11 @@ namespace quarnel {
 // Removes blanks (only the character 32) from both ends.
 std::string_view Trim(std::string_view text);
 
+bool IsAscii(std::string_view text);
+
+// What stands in front of the first NUL: names and folders of the system end there.
+std::string_view CutAtNul(std::string_view text);
+
 std::string ToUpper(std::string_view text);
 std::string ToLower(std::string_view text);
 

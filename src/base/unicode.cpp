@@ -3,8 +3,22 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "base/hex.h"
+
 namespace quarnel {
 namespace {
+
+constexpr char16_t kReplacement = 0xFFFD;
+
+// Control characters, line separators, and the marks that turn the direction of writing.
+bool MovesTheCursor(char16_t unit) {
+  return unit < 0x20 || (unit >= 0x7F && unit <= 0x9F) || unit == 0x200E || unit == 0x200F ||
+         (unit >= 0x2028 && unit <= 0x202E) || (unit >= 0x2066 && unit <= 0x2069);
+}
+
+std::u16string HexEscape(char16_t unit) {
+  return ToUtf16(unit < 0x100 ? "\\x" + HexNumber(unit, 2) : "\\u" + HexNumber(unit, 4));
+}
 
 constexpr bool IsHighSurrogate(char32_t c) { return c >= 0xD800 && c <= 0xDBFF; }
 constexpr bool IsLowSurrogate(char32_t c) { return c >= 0xDC00 && c <= 0xDFFF; }
@@ -90,6 +104,30 @@ std::string ToUtf8(std::u16string_view utf16) {
   std::string text = Encode(utf16, true);
   if (ToUtf16(text) != utf16) text = Encode(utf16, false);
   return text;
+}
+
+std::u16string WellFormedUtf16(std::string_view text) {
+  std::u16string units = ToUtf16(text);
+  for (size_t i = 0; i < units.size(); ++i) {
+    if (IsHighSurrogate(units[i]) && i + 1 < units.size() && IsLowSurrogate(units[i + 1])) {
+      ++i;
+    } else if (IsHighSurrogate(units[i]) || IsLowSurrogate(units[i])) {
+      units[i] = kReplacement;
+    }
+  }
+  return units;
+}
+
+std::string Printable(std::string_view text) {
+  std::u16string result;
+  for (const char16_t unit : WellFormedUtf16(text)) {
+    if (MovesTheCursor(unit)) {
+      result += HexEscape(unit);
+    } else {
+      result += unit;
+    }
+  }
+  return ToUtf8(result);
 }
 
 }  // namespace quarnel

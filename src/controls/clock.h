@@ -22,6 +22,9 @@ class Clock {
 
   // Lets `duration` pass: the real clock sleeps, a virtual one jumps.
   virtual void Pass(Milliseconds duration) = 0;
+
+  // Whether it goes on by itself.
+  virtual bool Runs() const = 0;
 };
 
 class RealClock : public Clock {
@@ -29,6 +32,7 @@ class RealClock : public Clock {
   DateTime Now() override;
   Milliseconds Ticks() override;
   void Pass(Milliseconds duration) override;
+  bool Runs() const override { return true; }
 };
 
 // A clock that stands still until it is told to move.
@@ -41,6 +45,7 @@ class VirtualClock : public Clock {
     now_ += duration;
     ticks_ += duration;
   }
+  bool Runs() const override { return false; }
   // Sets date and time; the ticks that timers count by do not jump.
   void SetNow(DateTime now) { now_ = now; }
 

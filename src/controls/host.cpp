@@ -7,21 +7,35 @@ namespace quarnel {
 void Host::DoEvents() {
   const Milliseconds now = clock_->Ticks();
   if (now >= earliest_) FireDue(now);
+  if (events_->HasSources()) RunSources(now);
   ProcessFrontEvents(now);
 }
 
-std::optional<Milliseconds> Host::NextDue() const {
+// The real clock is looked at far more often than it moves.
+void Host::RunSources(Milliseconds now) {
+  if (clock_->Runs() && now == lastLook_) return;
+  lastLook_ = now;
+  events_->Run();
+}
+
+std::optional<Milliseconds> Host::NextDue() {
+  const Milliseconds now = clock_->Ticks();
   std::optional<Milliseconds> next;
-  for (const Timer* timer : timers_) {
-    if (timer->Runs() && (!next || timer->due_ < *next)) next = timer->due_;
+  for (HostTimer* timer : timers_) {
+    if (!timer->CanTick()) continue;
+    timer->SkipIdleTicks(now);
+    if (!next || timer->next_ < *next) next = timer->next_;
   }
+  earliest_ = next.value_or(Milliseconds::max());
   return next;
 }
 
-Timer* Host::FirstDue(Milliseconds now) const {
-  Timer* first = nullptr;
-  for (Timer* timer : timers_) {
-    if (timer->Runs() && timer->due_ <= now && (!first || timer->due_ < first->due_)) first = timer;
+HostTimer* Host::FirstDue(Milliseconds now) const {
+  HostTimer* first = nullptr;
+  for (HostTimer* timer : timers_) {
+    if (timer->CanTick() && timer->next_ <= now && (!first || timer->next_ < first->next_)) {
+      first = timer;
+    }
   }
   return first;
 }
@@ -29,52 +43,69 @@ Timer* Host::FirstDue(Milliseconds now) const {
 void Host::FireDue(Milliseconds now) {
   // Handlers may add, remove and switch timers, and process events themselves, so the next one is
   // looked up anew each time. A timer's next tick is never due at `now` again: the loop ends.
-  while (Timer* timer = FirstDue(now)) {
-    timer->due_ = now + timer->interval_;
+  while (HostTimer* timer = FirstDue(now)) {
+    timer->SetDue(now + timer->interval_);
     timer->inHandler_ = true;
     struct Leave {
       Host& host;
-      Timer* timer;
+      HostTimer* timer;
       ~Leave() {
         const auto& timers = host.timers_;
         if (std::find(timers.begin(), timers.end(), timer) == timers.end()) return;
         timer->inHandler_ = false;
         // Events processed inside the handler have passed this timer over.
-        host.earliest_ = std::min(host.earliest_, timer->due_);
+        host.earliest_ = std::min(host.earliest_, timer->next_);
       }
     } leave{*this, timer};
     // A copy, since the handler may put another one in its place or end the timer's form.
     if (const Handler tick = timer->Tick) tick();
   }
-  earliest_ = NextDue().value_or(Milliseconds::max());
+  NextDue();
 }
 
 void Host::Advance(Milliseconds duration) {
   const Milliseconds end = clock_->Ticks() + duration;
-  while (true) {
-    const std::optional<Milliseconds> next = NextDue();
-    const Milliseconds stop = next ? std::min(*next, end) : end;
-    const Milliseconds now = clock_->Ticks();
-    if (stop > now) clock_->Pass(stop - now);
-    DoEvents();
-    if (clock_->Ticks() >= end) return;
+  do {
+    Step(std::max(end - clock_->Ticks(), Milliseconds(0)));
+  } while (clock_->Ticks() < end);
+}
+
+void Host::Step(std::optional<Milliseconds> limit) {
+  const Milliseconds start = clock_->Ticks();
+  std::optional<Milliseconds> pause = limit;
+  if (const auto next = NextDue()) {
+    const Milliseconds untilNext = std::max(*next - start, Milliseconds(0));
+    pause = std::min(pause.value_or(untilNext), untilNext);
   }
+  if (pause != Milliseconds(0)) Sleep(pause);
+  DoEvents();
+}
+
+void Host::Sleep(std::optional<Milliseconds> pause) {
+  if (clock_->Runs()) return events_->Wait(pause);
+  if (IsUnderWay()) {
+    RealClock real;
+    const Milliseconds start = real.Ticks();
+    events_->Wait(pause);
+    const Milliseconds gone = real.Ticks() - start;
+    return clock_->Pass(pause ? std::min(gone, *pause) : gone);
+  }
+  if (pause) clock_->Pass(*pause);
 }
 
 [[noreturn]] void Host::EndProcess() { throw ProcessEnded(); }
 
 void Host::SetClock(Clock& clock) {
-  const Milliseconds shift = clock.Ticks() - clock_->Ticks();
-  for (Timer* timer : timers_) timer->due_ += shift;
-  earliest_ = Milliseconds(0);
   clock_ = &clock;
+  earliest_ = Milliseconds::max();
+  for (HostTimer* timer : timers_) Restart(*timer);
 }
 
 void Host::Add(Form& form) {
   forms_.push_back(&form);
   // Its timers count from now on, not from when the form was made.
-  for (Timer* timer : timers_) {
-    if (&timer->owner_ == &form) Restart(*timer);
+  for (HostTimer* timer : timers_) {
+    if (timer->IsOf(form)) Restart(*timer);
   }
 }
 
@@ -82,15 +113,15 @@ void Host::Forget(Form& form) {
   if (std::erase(forms_, &form) > 0) FormForgotten(form);
 }
 
-void Host::AddTimer(Timer& timer) {
+void Host::AddTimer(HostTimer& timer) {
   timers_.push_back(&timer);
   Restart(timer);
 }
 
-void Host::RemoveTimer(Timer& timer) { std::erase(timers_, &timer); }
+void Host::RemoveTimer(HostTimer& timer) { std::erase(timers_, &timer); }
 
-void Host::Restart(Timer& timer) {
-  timer.due_ = clock_->Ticks() + timer.interval_;
+void Host::Restart(HostTimer& timer) {
+  timer.SetDue(clock_->Ticks() + timer.interval_);
   earliest_ = std::min(earliest_, timer.due_);
 }
 

@@ -1,10 +1,13 @@
 #pragma once
 
+#include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "base/event_wait.h"
 #include "controls/clock.h"
 #include "controls/form.h"
 #include "controls/screen.h"
@@ -36,17 +39,44 @@ enum class Pointer { kDefault = 0, kHourglass = 11 };
 // processing.
 class Host {
  public:
-  explicit Host(Clock& clock) : clock_(&clock) {}
+  Host(Clock& clock, std::unique_ptr<EventWait> events)
+      : clock_(&clock), events_(std::move(events)) {}
   virtual ~Host() = default;
   Host(const Host&) = delete;
   Host& operator=(const Host&) = delete;
 
   // Runs the handlers of all due timers, each at most once and in the order in which they fell due,
-  // then whatever the front has pending. Costs one look at the clock when there is nothing to do.
+  // then those of event sources and whatever the front has pending. Costs one look at the clock
+  // when there is nothing to do.
   void DoEvents();
 
-  // Lets time go by, firing each timer when it falls due.
+  // Lets time go by, firing each timer when it falls due and running event sources as they come.
   void Advance(Milliseconds duration);
+  // The same until one of these has happened, at most `limit`.
+  void Step(std::optional<Milliseconds> limit);
+
+  // Sleeps until an event comes or a timer falls due, and runs its handler. Under a virtual clock
+  // real time passes only while something is under way in it (UnderWay).
+  virtual void WaitForEvent() { Step(std::nullopt); }
+  // Waits until `condition` holds, which is looked at after each event. Whoever plays the user goes
+  // on meanwhile, as in a modal form; false when nobody is left who could make it hold.
+  virtual bool WaitUntil(const std::function<bool()>& condition) = 0;
+
+  // Where sources of events are entered: sockets, notices of changes, work of other threads.
+  EventWait& events() { return *events_; }
+
+  // Something happens in real time as long as this lives, such as a transfer: a virtual clock goes
+  // on with the real one where it would have jumped.
+  class UnderWay {
+   public:
+    explicit UnderWay(Host& host) : host_(host) { ++host_.underWay_; }
+    ~UnderWay() { --host_.underWay_; }
+    UnderWay(const UnderWay&) = delete;
+    UnderWay& operator=(const UnderWay&) = delete;
+
+   private:
+    Host& host_;
+  };
 
   // Shows a message box and returns the button that was pressed. Timers go on ticking meanwhile.
   virtual Answer MsgBox(const MessageBox& box) = 0;
@@ -69,7 +99,7 @@ class Host {
   void SetMousePointer(Pointer pointer) { pointer_ = pointer; }
 
   Clock& clock() const { return *clock_; }
-  // Timers keep what was left of their intervals.
+  // All intervals begin anew, so that what a clock measures is exact from its first moment on.
   void SetClock(Clock& clock);
 
   // The loaded forms in the order of their loading.
@@ -84,22 +114,29 @@ class Host {
   // The form was unloaded or has ended; nothing but its address may be used.
   virtual void FormForgotten(Form& /*form*/) {}
   // When the next timer falls due; nothing when none runs.
-  std::optional<Milliseconds> NextDue() const;
+  std::optional<Milliseconds> NextDue();
+  bool IsUnderWay() const { return underWay_ > 0; }
 
  private:
   friend class Form;
-  friend class Timer;
+  friend class HostTimer;
   void Add(Form& form);
   void Forget(Form& form);
-  void AddTimer(Timer& timer);
-  void RemoveTimer(Timer& timer);
-  void Restart(Timer& timer);
+  void AddTimer(HostTimer& timer);
+  void RemoveTimer(HostTimer& timer);
+  void Restart(HostTimer& timer);
   void FireDue(Milliseconds now);
-  Timer* FirstDue(Milliseconds now) const;
+  void Sleep(std::optional<Milliseconds> pause);
+  void RunSources(Milliseconds now);
+  HostTimer* FirstDue(Milliseconds now) const;
 
   Clock* clock_;
+  std::unique_ptr<EventWait> events_;
+  int underWay_ = 0;
+  // When event sources were last looked at inside a working handler.
+  Milliseconds lastLook_{-1};
   std::vector<Form*> forms_;
-  std::vector<Timer*> timers_;
+  std::vector<HostTimer*> timers_;
   // No timer falls due before this moment.
   Milliseconds earliest_{0};
   Pointer pointer_ = Pointer::kDefault;

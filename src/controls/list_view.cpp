@@ -55,6 +55,8 @@ void ListView::SetSubItem(size_t index, size_t number, std::string_view text) {
 
 void ListView::SetTag(size_t index, std::string_view tag) { Assign(Mutable(index).tag, tag); }
 
+void ListView::SetLook(size_t index, const Look& look) { Assign(Mutable(index).look, look); }
+
 void ListView::Select(size_t index) {
   Mutable(index);
   for (size_t i = 0; i < rows_.size(); ++i) Assign(rows_[i].selected, i == index);

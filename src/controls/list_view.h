@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "controls/control.h"
+#include "controls/look.h"
 
 namespace quarnel {
 
@@ -18,6 +19,7 @@ struct ListRow {
   std::string tag;
   bool checked = false;
   bool selected = false;
+  Look look;
 
   // SubItem `number` from 1; empty when the row has no such column.
   std::string_view SubItem(size_t number) const {
@@ -49,6 +51,7 @@ class ListView : public Control {
   void SetText(size_t index, std::string_view text);
   void SetSubItem(size_t index, size_t number, std::string_view text);
   void SetTag(size_t index, std::string_view tag);
+  void SetLook(size_t index, const Look& look);
   using Control::SetTag;
   void Select(size_t index);  // and no other row
   std::optional<size_t> SelectedRow() const;

@@ -4,6 +4,7 @@
 #include <charconv>
 #include <cmath>
 
+#include "base/hex.h"
 #include "base/runtime_error.h"
 #include "base/text.h"
 #include "controls/mnemonic.h"
@@ -18,13 +19,7 @@ std::string NumberText(double value) {
   return result.ec == std::errc() ? std::string(buffer.data(), result.ptr) : std::string("0");
 }
 
-std::string ColourText(Colour colour) {
-  constexpr std::string_view kDigits = "0123456789ABCDEF";
-  std::string text(6, '0');
-  auto value = static_cast<uint32_t>(colour);
-  for (size_t i = text.size(); i-- > 0; value >>= 4) text[i] = kDigits[value & 0xF];
-  return text;
-}
+std::string ColourText(Colour colour) { return HexNumber(static_cast<uint32_t>(colour), 6); }
 
 }  // namespace
 

@@ -7,11 +7,9 @@
 #include <vector>
 
 #include "controls/control.h"
+#include "controls/look.h"
 
 namespace quarnel {
-
-// A colour as 0xRRGGBB.
-enum class Colour : uint32_t { kBlack = 0x000000, kRed = 0xFF0000, kHighlight = 0x316AC5 };
 
 // A part of the window that only shows or hides what stands on it.
 class Panel : public Control {

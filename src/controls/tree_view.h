@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "controls/control.h"
+#include "controls/look.h"
 
 namespace quarnel {
 
@@ -24,12 +25,15 @@ struct TreeNode {
   std::vector<std::string> columns;  // column 1 is columns[0]; the text is column 0
   int image = 0;
   int selectedImage = 0;
+  Colour colour = Colour::kBlack;
   bool checked = false;
   bool bold = false;
   bool expanded = false;
   bool hasCheckBox = true;
   TreeNode* parent = nullptr;  // nothing for a root, and for a node that was removed
   std::vector<std::shared_ptr<TreeNode>> children;
+
+  Look LookOf() const { return {.colour = colour, .bold = bold, .picture = image}; }
 };
 
 using TreeNodeRef = std::shared_ptr<TreeNode>;
@@ -73,6 +77,8 @@ class TreeView : public Control {
   void SetChecked(TreeNode& node, bool checked) { Assign(node.checked, checked); }
   void SetText(TreeNode& node, std::string_view text) { Assign(node.text, text); }
   void SetBold(TreeNode& node, bool bold) { Assign(node.bold, bold); }
+  void SetColour(TreeNode& node, Colour colour) { Assign(node.colour, colour); }
+  void SetImage(TreeNode& node, int image) { Assign(node.image, image); }
   void SetExpanded(TreeNode& node, bool expanded) { Assign(node.expanded, expanded); }
   void SetColumn(TreeNode& node, size_t number, std::string_view text);
   void Select(const TreeNodeRef& node);

@@ -90,6 +90,7 @@ std::vector<std::string> CDirDrill::VisitFolder(const std::string& folder) {
   IgnoringErrors([&] { entries = files_.List(folder); });
   for (const DirectoryEntry& entry : entries) {
     if (entry.name.starts_with('.') || !entry.IsFolder()) continue;
+    if (entry.IsLink() && LinkedFolder) LinkedFolder(folder + entry.name);
     if ((entry.attributes & kNotEntered) != 0) continue;
     below.push_back(folder + entry.name);
     ++folderCount_;

@@ -20,6 +20,8 @@ class CDirDrill {
   // handler raises is ignored, as every error inside the walk is.
   std::function<void(bool& cancel, const std::string& path)> NewFile;
   std::function<void(bool& cancel, const std::string& path)> NewFolder;
+  // Comes for a folder that is a link, hidden or not: such a one is not entered.
+  std::function<void(const std::string& path)> LinkedFolder;
   // Comes at the end of every search, also of one that was cancelled or had no folder. The folder
   // in which the search began counts as one.
   std::function<void(long folders, long files)> Done;

@@ -1,6 +1,7 @@
 #include "core/error_log.h"
 
 #include "base/date_time.h"
+#include "core/own_files.h"
 #include "core/paths.h"
 
 namespace quarnel {
@@ -25,7 +26,14 @@ void ErrorLog::WriteErrorLog(std::string_view label, const RuntimeError& error) 
   entry += "\r\n";
   entry.append(33, '-');
   entry += "\r\n";
-  AppendToFile(files_, Path(), entry);
+  try {
+    AppendToOwnFile(files_, machine_, Path(), waiting_ + entry);
+  } catch (const RuntimeError&) {
+    constexpr size_t kMostWaiting = size_t{1} << 16;
+    if (waiting_.size() + entry.size() <= kMostWaiting) waiting_ += entry;
+    throw;
+  }
+  waiting_.clear();
 }
 
 void ErrorLog::NoteInPassing(std::string_view label, const RuntimeError& error) {

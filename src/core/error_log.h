@@ -20,8 +20,9 @@ class ErrorLog {
   // up to the caller.
   void WriteErrorLog(std::string_view label, const RuntimeError& error);
 
-  // The same for one item of many, whose failure its caller tells of by other means: the rest is
-  // not given up when the log cannot be written, as on a full disk.
+  // The same without a failure of its own, so that a log that cannot be written, as on a full disk,
+  // neither hides the error nor ends what would go on: the entry is kept, and follows as soon as
+  // one can be written.
   void NoteInPassing(std::string_view label, const RuntimeError& error);
 
   std::string Path() const;
@@ -31,6 +32,7 @@ class ErrorLog {
   Machine& machine_;
   const Host& host_;
   std::string applicationName_;
+  std::string waiting_;  // entries that could not be written, as far as there is room for them
 };
 
 // A procedure in the reporting mode: at the first failure it is logged under its label and left,
@@ -41,7 +43,7 @@ bool Reporting(ErrorLog& log, std::string_view label, Procedure&& procedure) {
     std::forward<Procedure>(procedure)();
     return true;
   } catch (const RuntimeError& error) {
-    log.WriteErrorLog(label, error);
+    log.NoteInPassing(label, error);
     return false;
   }
 }

@@ -7,6 +7,7 @@
 
 #include "base/runtime_error.h"
 #include "base/text.h"
+#include "core/own_files.h"
 
 namespace quarnel {
 namespace {
@@ -49,7 +50,8 @@ int ShiftedInto(int position, int length, int screenStart, int screenLength) {
 // Nothing when the file stands there but cannot be read.
 std::optional<IniText> cInifile::Read() const {
   try {
-    return IniText(ReadWholeFile(files_, path_, kFileLimit));
+    const std::string path = machine_ ? OwnFileToRead(files_, *machine_, path_) : path_;
+    return IniText(ReadWholeFile(files_, path, kFileLimit));
   } catch (const RuntimeError& error) {
     const bool missing = error.Number() == ErrorNumber::kFileNotFound ||
                          error.Number() == ErrorNumber::kPathNotFound;
@@ -66,10 +68,13 @@ void cInifile::Rewrite(Edit&& edit) {
   if (!ini) return;
   const std::string before = ini->Text();
   if (!edit(*ini)) return;
-  const bool done = ini->Text() == before || IgnoringErrors([&] {
-                      ReplaceWholeFiles(files_, std::array{WholeFile{path_, ini->Text()}});
-                    });
+  const bool done = ini->Text() == before || IgnoringErrors([&] { Replace(ini->Text()); });
   lastReturnCode_ = done ? 1 : 0;
+}
+
+void cInifile::Replace(const std::string& text) {
+  const std::array wanted{WholeFile{path_, text}};
+  machine_ ? ReplaceOwnFiles(files_, *machine_, wanted) : ReplaceWholeFiles(files_, wanted);
 }
 
 std::string cInifile::Value() const {

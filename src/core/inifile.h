@@ -9,6 +9,7 @@
 #include "controls/form.h"
 #include "core/ini_text.h"
 #include "platform/files.h"
+#include "platform/machine.h"
 
 namespace quarnel {
 
@@ -19,6 +20,8 @@ namespace quarnel {
 class cInifile {
  public:
   explicit cInifile(Files& files) : files_(files) {}
+  // For a file of the program's own, by its described path: see core/own_files.h.
+  cInifile(Files& files, Machine& machine) : files_(files), machine_(&machine) {}
 
   long LastReturnCode() const { return lastReturnCode_; }
   bool Success() const { return lastReturnCode_ != 0; }
@@ -62,8 +65,10 @@ class cInifile {
   std::optional<IniText> Read() const;
   template <typename Edit>
   void Rewrite(Edit&& edit);
+  void Replace(const std::string& text);
 
   Files& files_;
+  Machine* machine_ = nullptr;
   std::string path_, section_, key_, default_;
   long lastReturnCode_ = 0;
 };

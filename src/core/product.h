@@ -8,6 +8,9 @@
 namespace quarnel {
 
 inline constexpr std::string_view kProductName = "Quarnel";
+// The executable of the window's program, without its ending. Whichever front runs, "the program"
+// that starts with Windows, is updated or is renamed is this one.
+inline constexpr std::string_view kExecutableName = "quarnel";
 // The maker is named by his address, which the splash shows as a link.
 inline constexpr std::string_view kCompanyName = "www.quarnel.example";
 inline constexpr std::array<int, 4> kFileVersion = {3, 0, 0, 4};

@@ -2,156 +2,133 @@
 
 #include <string_view>
 
-// The table of all settings: section, key, text form, and what its readers assume when it is
-// absent.
+#include "core/setting_forms.h"
+
+// The table of all settings: where each stands, its form, and what its reader assumes when it is
+// absent. Where readers disagree, each has its own key of one place.
 namespace quarnel {
 
-// In which text form a setting holds its value. The four forms of truth are not interchangeable.
-enum class SettingForm {
-  kCheckState,      // "0" or "1", read through Val; the tray menu writes "True" or "False" here
-  kYesNo,           // "Yes" or "No"
-  kTrueFalse,       // "True" or "False"
-  kUpperTrueFalse,  // "TRUE" or "FALSE"
-  kNumber,
-  kText,
-  kDateTime,
+struct SettingPlace {
+  std::string_view section;
+  std::string_view name;
 };
 
-// One line of the table.
+// How one reader, or several that agree, takes the setting of a place.
+template <class Form>
 struct SettingKey {
-  std::string_view section;
-  std::string_view key;
-  SettingForm form;
-  std::string_view fallback;  // what the reader passes when the key is absent
-  // A second reader's fallback where readers disagree on purpose; empty when they agree.
-  std::string_view otherFallback = {};
-  // What the tray menu assumes when it is about to turn the setting over; empty when it never does.
-  std::string_view toggleFallback = {};
+  SettingPlace place;
+  std::string_view fallback;  // what is read when the setting is absent
 
-  // The line for one concrete key, where keys are named at run time.
+  // The key of a reader that takes the same setting otherwise.
+  template <class OtherForm = Form>
+  constexpr SettingKey<OtherForm> ReadAs(std::string_view otherFallback) const {
+    return {place, otherFallback};
+  }
+  // The key of one name, for a line whose names are known at run time.
   constexpr SettingKey Named(std::string_view name) const {
-    return {section, name, form, fallback, otherFallback, toggleFallback};
+    return {{place.section, name}, fallback};
   }
 };
 
 namespace setting {
 
-using enum SettingForm;
-
 inline constexpr std::string_view kOptions = "OptionAndSettings";
 inline constexpr std::string_view kGeneral = "Settings";
-inline constexpr std::string_view kDrivesSection = "Drives";
-// The key of a line whose keys are named at run time.
 inline constexpr std::string_view kNamedAtRunTime = {};
 
-// The scan's own read is the other one.
-inline constexpr SettingKey kScanRegistry{kOptions, "chkScanRegistry", kCheckState, "1", "True"};
-inline constexpr SettingKey kSweepMemory{kOptions, "chkSweepMemory", kCheckState, "1", "True"};
-inline constexpr SettingKey kScanCookies{kOptions, "chkScanCookies", kCheckState,
-                                         "1",      "True",           "False"};
-inline constexpr SettingKey kDeepScan{kOptions, "chkDeepScan", kCheckState, "1"};
-inline constexpr SettingKey kStartupShield{kOptions, "chkStartupShield", kCheckState, "1"};
-inline constexpr SettingKey kDisplayHijakRestoreAlerts{kOptions, "chkDisplayHijakRestoreAlerts",
-                                                       kCheckState, "1"};
-inline constexpr SettingKey kMemorySheildOn{kOptions, "optMemorySheildOn", kCheckState, "1", "True",
-                                            "False"};
-// The opposite of the one above, which the tray menu keeps and nobody reads.
-inline constexpr SettingKey kMemorySheildOff{kOptions, "optMemorySheildOff", kTrueFalse, ""};
-// Restore points come back exactly as their manifests say, and quarantined files never collide.
-inline constexpr SettingKey kStrict{kOptions, "chkStrict", kCheckState, "0"};
-// The ActiveX shield.
-inline constexpr SettingKey kSheild{kOptions, "Sheild", kCheckState, "0"};
-inline constexpr SettingKey kReportLorrimesh{kOptions, "optLorrigrid", kCheckState, "1"};
-inline constexpr SettingKey kRunAtStartup{kOptions, "RunAtStartup", kCheckState,
-                                          "1",      "False",        "True"};
-// Nobody writes it: each of its two readers sees its own fallback.
-inline constexpr SettingKey kShowScreen{kOptions, "ShowScreen", kText, "True", "YES"};
-inline constexpr SettingKey kSkipClosing{kOptions, "SkipClosingAndDonotShow", kTrueFalse, "False"};
-// The removal's read is the other one, here and in the next.
-inline constexpr SettingKey kCloseAllIE{kOptions, "CloseAllIEAndDonotShowIfFuture", kTrueFalse,
-                                        "False", "True"};
-inline constexpr SettingKey kShowAlways{kOptions, "ShowAlways", kTrueFalse, "True", "False"};
-inline constexpr SettingKey kAutomaticScan{kOptions, "chkAutomaticScanYesOrNo", kCheckState, "0"};
-// The other read tells that no schedule was ever applied.
-inline constexpr SettingKey kDay{kOptions, "Day", kNumber, "7", "None"};
-inline constexpr SettingKey kTime{kOptions, "Time", kText, "Null"};
-inline constexpr SettingKey kDate{kOptions, "Date", kText, "Null"};
-inline constexpr SettingKey kProgramUpdated{kOptions, "QNLExe.zip", kDateTime, "[NOT UPDATED YET]",
-                                            "[Not Updated]"};
-inline constexpr SettingKey kSignaturesUpdated{kOptions, "QNLSig.zip", kDateTime, "[Not Updated]"};
-inline constexpr SettingKey kHomepage{kOptions, "Homepage", kText, "ERROR"};
-inline constexpr SettingKey kRebootRequired{kOptions, "Reboot Required", kTrueFalse, "False"};
-inline constexpr SettingKey kMinimizeAtStartup{kGeneral, "MinimizeAtStartup", kCheckState, "0"};
-inline constexpr SettingKey kOnClose{kGeneral, "optOnClose", kText, "Minimize"};
-// The close of the window decides by the other read, so a store without it minimises.
-inline constexpr SettingKey kButton{kGeneral, "Button", kNumber, "2", "7"};
-inline constexpr SettingKey kSkipMessages{kGeneral, "chkSkipMessages", kCheckState, "0"};
-inline constexpr SettingKey kIsFirstTimeAfterSetup{kGeneral, "IsFirstTimeAfterSetup", kTrueFalse,
-                                                   "True"};
-inline constexpr SettingKey kStarupAllowBlock{kGeneral, "Starup-allow-block", kTrueFalse, ""};
-inline constexpr SettingKey kJustAfterInstallation{"BHO", "JustAfterInstallation", kUpperTrueFalse,
-                                                   "TRUE"};
-inline constexpr SettingKey kNotification{"LiveUpdate", "Notification", kYesNo, "Yes"};
-// The timer's read is the other one.
-inline constexpr SettingKey kAfterHours{"LiveUpdate", "AfterHours", kNumber, "11", "3"};
-inline constexpr SettingKey kRestorePoint{"BackupRestore", "RestorePoint", kYesNo, "Yes"};
-inline constexpr SettingKey kDoNotShowIgnoredItem{"chkDoNotShowIgnoredItem",
-                                                  "chkDoNotShowIgnoredItem", kYesNo, "Yes"};
-// A drive as its list shows it; the other read tells that it was never ticked or unticked.
-inline constexpr SettingKey kDrive{kDrivesSection, kNamedAtRunTime, kTrueFalse, "False", "Error"};
-inline constexpr SettingKey kScanStart{"ScanTime", "Start", kDateTime, "[NOT SCANNED YET]"};
-inline constexpr SettingKey kScanEnd{"ScanTime", "End", kDateTime, ""};
-// Absent means the version record's own text: RunningVersion() and SignatureVersion() read them.
-inline constexpr SettingKey kApplicationVersion{"Version", "Application", kText, ""};
-inline constexpr SettingKey kSignatureVersion{"Version", "Signature", kText, ""};
-// A browser setting by its name; absent means that setting's own default.
-inline constexpr SettingKey kBrowserRestore{"BHJ", kNamedAtRunTime, kText, ""};
-// Written by an installer that wants a clean slate.
-inline constexpr SettingKey kResetValue{"Registry Status", "ResetValue", kText, ""};
+// The option page takes the scans as check states, the scan itself as booleans: a torn
+// one must not make it find less.
+inline constexpr SettingKey<CheckState> kScanRegistry{{kOptions, "chkScanRegistry"}, "1"};
+inline constexpr auto kScansRegistry = kScanRegistry.ReadAs<TrueUnlessFalse>("True");
+inline constexpr SettingKey<CheckState> kSweepMemory{{kOptions, "chkSweepMemory"}, "1"};
+inline constexpr auto kScansMemory = kSweepMemory.ReadAs<TrueUnlessFalse>("True");
+inline constexpr SettingKey<CheckState> kScanCookies{{kOptions, "chkScanCookies"}, "1"};
+inline constexpr auto kScansCookies = kScanCookies.ReadAs<TrueUnlessFalse>("True");
+inline constexpr SettingKey<CheckState> kDeepScan{{kOptions, "chkDeepScan"}, "1"};
+inline constexpr auto kScansDeep = kDeepScan.ReadAs<TrueUnlessFalse>("True");
 
-// Every line above, in the same order.
-inline constexpr SettingKey kAll[] = {kScanRegistry,
-                                      kSweepMemory,
-                                      kScanCookies,
-                                      kDeepScan,
-                                      kStartupShield,
-                                      kDisplayHijakRestoreAlerts,
-                                      kMemorySheildOn,
-                                      kMemorySheildOff,
-                                      kStrict,
-                                      kSheild,
-                                      kReportLorrimesh,
-                                      kRunAtStartup,
-                                      kShowScreen,
-                                      kSkipClosing,
-                                      kCloseAllIE,
-                                      kShowAlways,
-                                      kAutomaticScan,
-                                      kDay,
-                                      kTime,
-                                      kDate,
-                                      kProgramUpdated,
-                                      kSignaturesUpdated,
-                                      kHomepage,
-                                      kRebootRequired,
-                                      kMinimizeAtStartup,
-                                      kOnClose,
-                                      kButton,
-                                      kSkipMessages,
-                                      kIsFirstTimeAfterSetup,
-                                      kStarupAllowBlock,
-                                      kJustAfterInstallation,
-                                      kNotification,
-                                      kAfterHours,
-                                      kRestorePoint,
-                                      kDoNotShowIgnoredItem,
-                                      kDrive,
-                                      kScanStart,
-                                      kScanEnd,
-                                      kApplicationVersion,
-                                      kSignatureVersion,
-                                      kBrowserRestore,
-                                      kResetValue};
+inline constexpr SettingKey<CheckState> kStartupShield{{kOptions, "chkStartupShield"}, "1"};
+inline constexpr SettingKey<CheckState> kDisplayHijakRestoreAlerts{
+    {kOptions, "chkDisplayHijakRestoreAlerts"}, "1"};
+inline constexpr SettingKey<CheckState> kMemorySheildOn{{kOptions, "optMemorySheildOn"}, "1"};
+// The opposite of the one above, which the tray menu keeps and nobody reads.
+inline constexpr SettingKey<TrueFalse> kMemorySheildOff{{kOptions, "optMemorySheildOff"}, ""};
+// The ActiveX shield.
+inline constexpr SettingKey<CheckState> kSheild{{kOptions, "Sheild"}, "0"};
+inline constexpr SettingKey<StraightCheckState> kReportLorrimesh{{kOptions, "optLorrigrid"}, "1"};
+inline constexpr SettingKey<CheckState> kRunAtStartup{{kOptions, "RunAtStartup"}, "1"};
+
+// The rows of the tray menu: what is painted, and what is turned over, for which an absent setting
+// is the opposite. They write "True" and "False", which the option page reads as 0.
+inline constexpr auto kTrayCookies = kScanCookies.ReadAs<TrueFalse>("True");
+inline constexpr auto kTrayCookiesTurned = kScanCookies.ReadAs<TrueFalse>("False");
+inline constexpr auto kTrayMemorySheild = kMemorySheildOn.ReadAs<TrueFalse>("True");
+inline constexpr auto kTrayMemorySheildTurned = kMemorySheildOn.ReadAs<TrueFalse>("False");
+inline constexpr auto kTrayRunAtStartup = kRunAtStartup.ReadAs<TrueFalse>("False");
+inline constexpr auto kTrayRunAtStartupTurned = kRunAtStartup.ReadAs<TrueFalse>("True");
+
+// Restore points come back exactly as their manifests say, and quarantined files never collide.
+inline constexpr SettingKey<CheckState> kStrict{{kOptions, "chkStrict"}, "0"};
+
+// Nobody writes it: each of its two readers sees its own fallback.
+inline constexpr SettingKey<Text> kShowScreen{{kOptions, "ShowScreen"}, "True"};
+inline constexpr auto kShowScreenWithOptions = kShowScreen.ReadAs("YES");
+
+// Where nobody can tell what was chosen, the removal asks, and closes nothing unasked.
+inline constexpr SettingKey<TrueFalse> kShowAlways{{kOptions, "ShowAlways"}, "True"};
+inline constexpr auto kRemovalShowAlways = kShowAlways.ReadAs<TrueUnlessFalse>("False");
+inline constexpr SettingKey<TrueFalse> kCloseAllIE{{kOptions, "CloseAllIEAndDonotShowIfFuture"},
+                                                   "False"};
+inline constexpr auto kRemovalCloseAllIE = kCloseAllIE.ReadAs("True");
+inline constexpr SettingKey<TrueFalse> kSkipClosing{{kOptions, "SkipClosingAndDonotShow"}, "False"};
+
+inline constexpr SettingKey<CheckState> kAutomaticScan{{kOptions, "chkAutomaticScanYesOrNo"}, "0"};
+inline constexpr auto kWizardAutomaticScan = kAutomaticScan.ReadAs("1");
+inline constexpr SettingKey<Number> kDay{{kOptions, "Day"}, "7"};
+// Reads as its fallback until a schedule was applied for the first time.
+inline constexpr auto kAppliedDay = kDay.ReadAs<Text>("None");
+inline constexpr SettingKey<Date> kTime{{kOptions, "Time"}, "Null"};
+inline constexpr SettingKey<Date> kDate{{kOptions, "Date"}, "Null"};
+
+inline constexpr SettingKey<Date> kProgramUpdated{{kOptions, "QNLExe.zip"}, "[NOT UPDATED YET]"};
+inline constexpr auto kUpdatePageProgramUpdated = kProgramUpdated.ReadAs("[Not Updated]");
+inline constexpr SettingKey<Date> kSignaturesUpdated{{kOptions, "QNLSig.zip"}, "[Not Updated]"};
+
+inline constexpr SettingKey<Text> kHomepage{{kOptions, "Homepage"}, "ERROR"};
+// The home page of another browser, by the browser's name.
+inline constexpr SettingKey<Text> kHomePageOf{{"HomePage", kNamedAtRunTime}, "about:blank"};
+inline constexpr SettingKey<TrueFalse> kRebootRequired{{kOptions, "Reboot Required"}, "False"};
+inline constexpr SettingKey<CheckState> kMinimizeAtStartup{{kGeneral, "MinimizeAtStartup"}, "0"};
+inline constexpr SettingKey<Text> kOnClose{{kGeneral, "optOnClose"}, "Minimize"};
+inline constexpr SettingKey<Number> kButton{{kGeneral, "Button"}, "2"};
+// The close of the window decides by this one, so a store without it minimises.
+inline constexpr auto kClosingButton = kButton.ReadAs("7");
+inline constexpr SettingKey<CheckState> kSkipMessages{{kGeneral, "chkSkipMessages"}, "0"};
+inline constexpr SettingKey<Text> kIsFirstTimeAfterSetup{{kGeneral, "IsFirstTimeAfterSetup"},
+                                                         "True"};
+inline constexpr SettingKey<TrueFalse> kStarupAllowBlock{{kGeneral, "Starup-allow-block"}, ""};
+inline constexpr SettingKey<UpperTrueFalse> kJustAfterInstallation{{"BHO", "JustAfterInstallation"},
+                                                                   "TRUE"};
+inline constexpr SettingKey<YesNo> kNotification{{"LiveUpdate", "Notification"}, "Yes"};
+inline constexpr SettingKey<Number> kAfterHours{{"LiveUpdate", "AfterHours"}, "11"};
+inline constexpr auto kTimerAfterHours = kAfterHours.ReadAs("3");
+inline constexpr SettingKey<YesNo> kRestorePoint{{"BackupRestore", "RestorePoint"}, "Yes"};
+inline constexpr SettingKey<YesNo> kDoNotShowIgnoredItem{
+    {"chkDoNotShowIgnoredItem", "chkDoNotShowIgnoredItem"}, "Yes"};
+
+// A drive as its list shows it, and whether it was ever ticked or unticked.
+inline constexpr SettingKey<TrueFalse> kDrive{{"Drives", kNamedAtRunTime}, "False"};
+inline constexpr auto kDriveMark = kDrive.ReadAs<Text>("Error");
+
+inline constexpr SettingKey<Date> kScanStart{{"ScanTime", "Start"}, "[NOT SCANNED YET]"};
+inline constexpr SettingKey<Date> kScanEnd{{"ScanTime", "End"}, ""};
+// Absent means the version record's own text: RunningVersion() and SignatureVersion() read them.
+inline constexpr SettingKey<Text> kApplicationVersion{{"Version", "Application"}, ""};
+inline constexpr SettingKey<Text> kSignatureVersion{{"Version", "Signature"}, ""};
+// A browser setting by its name; absent means that setting's own default.
+inline constexpr SettingKey<Text> kBrowserRestore{{"BHJ", kNamedAtRunTime}, ""};
+// Written by an installer that wants a clean slate.
+inline constexpr SettingKey<Text> kResetValue{{"Registry Status", "ResetValue"}, ""};
 
 }  // namespace setting
 

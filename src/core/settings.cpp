@@ -9,8 +9,6 @@
 
 namespace quarnel {
 
-std::span<const SettingKey> AllSettings() { return setting::kAll; }
-
 Settings::Settings(Registry& registry, std::string applicationName)
     : registry_(registry),
       applicationName_(std::move(applicationName)),
@@ -20,39 +18,29 @@ std::string Settings::SectionPath(std::string_view section) const {
   return root_ + "\\" + std::string(section);
 }
 
-std::string Settings::GetSetting(std::string_view section, std::string_view key,
-                                 std::string_view fallback) const {
+std::optional<std::string> Settings::Stored(const SettingPlace& place) const {
   RegistryValue value;
-  if (QueryValue(registry_, hive::kCurrentUser, SectionPath(section), key, value)) {
+  if (QueryValue(registry_, hive::kCurrentUser, SectionPath(place.section), place.name, value)) {
     if (auto* text = std::get_if<std::string>(&value)) return std::move(*text);
   }
-  return std::string(fallback);
+  return std::nullopt;
 }
 
-void Settings::SaveSetting(std::string_view section, std::string_view key, std::string_view value) {
+bool Settings::Has(const SettingPlace& place) const { return Stored(place).has_value(); }
+
+std::string Settings::GetSetting(std::string_view section, std::string_view name,
+                                 std::string_view fallback) const {
+  return Stored({section, name}).value_or(std::string(fallback));
+}
+
+void Settings::SaveSetting(std::string_view section, std::string_view name,
+                           std::string_view value) {
   const RegistryStatus status = RegCreateKeyValue(registry_, hive::kCurrentUser,
-                                                  SectionPath(section), key, std::string(value));
+                                                  SectionPath(section), name, std::string(value));
   if (status != RegistryStatus::kSuccess) {
-    throw RuntimeError(ErrorNumber::kPathFileAccess, std::string(section) + "\\" + std::string(key),
-                       static_cast<long>(status));
+    throw RuntimeError(ErrorNumber::kPathFileAccess,
+                       std::string(section) + "\\" + std::string(name), static_cast<long>(status));
   }
-}
-
-std::string Settings::Get(const SettingKey& setting) const {
-  return GetSetting(setting.section, setting.key, setting.fallback);
-}
-
-std::string Settings::GetOther(const SettingKey& setting) const {
-  return GetSetting(setting.section, setting.key,
-                    setting.otherFallback.empty() ? setting.fallback : setting.otherFallback);
-}
-
-std::string Settings::GetForToggle(const SettingKey& setting) const {
-  return GetSetting(setting.section, setting.key, setting.toggleFallback);
-}
-
-void Settings::Save(const SettingKey& setting, std::string_view value) {
-  SaveSetting(setting.section, setting.key, value);
 }
 
 void Settings::ResetRegistrySettings() {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <span>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -8,9 +8,6 @@
 #include "platform/registry.h"
 
 namespace quarnel {
-
-// All settings with their sections, keys, forms and fallbacks.
-std::span<const SettingKey> AllSettings();
 
 // The two-level store of named text values, under the registry key
 // "Software\VB and VBA Program Settings\" & application name below HKEY_CURRENT_USER.
@@ -20,16 +17,24 @@ class Settings {
  public:
   Settings(Registry& registry, std::string applicationName);
 
-  std::string GetSetting(std::string_view section, std::string_view key,
+  std::string GetSetting(std::string_view section, std::string_view name,
                          std::string_view fallback) const;
-  // Creates section and key as needed; raises kPathFileAccess when the store refuses.
-  void SaveSetting(std::string_view section, std::string_view key, std::string_view value);
+  // Creates section and name as needed; raises kPathFileAccess when the store refuses.
+  void SaveSetting(std::string_view section, std::string_view name, std::string_view value);
 
-  // The same by a line of the table.
-  std::string Get(const SettingKey& setting) const;
-  std::string GetOther(const SettingKey& setting) const;      // with the second fallback
-  std::string GetForToggle(const SettingKey& setting) const;  // with the third
-  void Save(const SettingKey& setting, std::string_view value);
+  // The same by a key of the table, in the key's own form. A value that the form does not take as
+  // it is does not compile.
+  template <class Form>
+  typename Form::Value Get(const SettingKey<Form>& key) const {
+    return Form::Read(GetSetting(key.place.section, key.place.name, key.fallback));
+  }
+  template <class Form, class Value>
+  requires requires(const Value& value) { Form::Write({value}); }
+  void Save(const SettingKey<Form>& key, const Value& value) {
+    SaveSetting(key.place.section, key.place.name, Form::Write({value}));
+  }
+
+  bool Has(const SettingPlace& place) const;
 
   // Empties the store when an installer asked for it by writing any text to
   // `Registry Status`/`ResetValue`; the request goes with the rest, so it runs once.
@@ -39,6 +44,7 @@ class Settings {
 
  private:
   std::string SectionPath(std::string_view section) const;
+  std::optional<std::string> Stored(const SettingPlace& place) const;
 
   Registry& registry_;
   std::string applicationName_;

@@ -3,19 +3,18 @@
 #include <array>
 
 #include "base/runtime_error.h"
+#include "core/existing_files.h"
 #include "core/paths.h"
 #include "core/product.h"
 
 namespace quarnel {
 
 std::string RunningVersion(const Settings& settings) {
-  constexpr SettingKey kKey = setting::kApplicationVersion;
-  return settings.GetSetting(kKey.section, kKey.key, VersionRecordText());
+  return settings.Get(setting::kApplicationVersion.ReadAs(VersionRecordText()));
 }
 
 std::string SignatureVersion(const Settings& settings) {
-  constexpr SettingKey kKey = setting::kSignatureVersion;
-  return settings.GetSetting(kKey.section, kKey.key, VersionRecordText());
+  return settings.Get(setting::kSignatureVersion.ReadAs(VersionRecordText()));
 }
 
 std::string MainCaption(const Settings& settings) {
@@ -38,7 +37,7 @@ bool IsPrevInstanceRunning(Desktop& desktop, const Settings& settings) {
 
 void DeleteOldExe(Files& files, Machine& machine) {
   const std::string path =
-      GetPathWithSlash(machine.ProgramFolder()) + "Old" + machine.ExecutableName() + ".exe";
+      GetPathWithSlash(machine.ProgramFolder()) + "Old" + std::string(kExecutableName) + ".exe";
   IgnoringErrors([&] {
     if (FileExists(files, path)) files.Delete(path);
   });

@@ -135,7 +135,8 @@ int Query(Arguments arguments, const Streams& streams) {
 }
 
 int Sample(Arguments arguments, const Streams& streams) {
-  const std::unique_ptr<Platform> platform = OpenMachine(arguments[0]);
+  // Here, where a running system stands as well.
+  const std::unique_ptr<Platform> platform = OpenMachine(arguments.empty() ? "." : arguments[0]);
   const PlantedSample sample = PlantSample(*platform);
   for (const PlantedTrace& trace : sample.traces) {
     streams.out << PlantedKindName(trace.kind) << '\t' << trace.threat << '\t' << trace.trace
@@ -160,7 +161,7 @@ constexpr Command kCommands[] = {
     {"reg import", 2, 3, Import, "reg import DIR FILE [KEY]", "takes a .reg file over"},
     {"reg export", 2, 3, Export, "reg export DIR FILE [KEY]", "writes a .reg file"},
     {"reg query", 2, 3, Query, "reg query DIR KEY [VALUE]", "shows a key or a value"},
-    {"sample", 1, 1, Sample, "sample DIR", "plants harmless threats and their signatures"},
+    {"sample", 0, 1, Sample, "sample [DIR]", "plants harmless threats and their signatures"},
 };
 
 std::string Usage() {
@@ -183,7 +184,8 @@ int Run(Arguments arguments, const Streams& streams) {
     const Arguments front = arguments.first(words);
     if (Join({front.begin(), front.end()}, " ") != command.words) continue;
     const Arguments rest = arguments.subspan(words);
-    if (rest.size() < command.least || rest.size() > command.most || rest[0].empty()) {
+    if (rest.size() < command.least || rest.size() > command.most ||
+        (!rest.empty() && rest[0].empty())) {
       throw BadCall{"usage: quarnel-machine " + std::string(command.usage)};
     }
     return command.run(rest, streams);
@@ -200,7 +202,7 @@ int RunMachineTool(const std::vector<std::string>& arguments, std::ostream& out,
     return Run(arguments, streams);
   } catch (const BadCall& call) {
     errors << call.reason << '\n';
-    return 2;
+    return 1;
   } catch (const RuntimeError& error) {
     return Fail(streams, error.Description());
   }

@@ -4,6 +4,7 @@
 #include <array>
 #include <utility>
 
+#include "base/hex.h"
 #include "base/little_endian.h"
 #include "base/text.h"
 #include "base/unicode.h"
@@ -21,13 +22,6 @@ constexpr Hive kShortNames[] = {
     {hive::kClassesRoot, "HKCR"}, {hive::kCurrentUser, "HKCU"},   {hive::kLocalMachine, "HKLM"},
     {hive::kUsers, "HKU"},        {hive::kCurrentConfig, "HKCC"},
 };
-
-int HexDigit(char c) {
-  if (c >= '0' && c <= '9') return c - '0';
-  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-  return -1;
-}
 
 // What is thrown within this file only.
 struct ParseFailure {
@@ -253,21 +247,15 @@ std::optional<std::string> PlainText(const RawValue& value) {
   return text;
 }
 
-std::string HexText(uint32_t number, size_t digits) {
-  constexpr std::string_view kDigits = "0123456789abcdef";
-  std::string text(digits, '0');
-  for (; digits > 0; number >>= 4) text[--digits] = kDigits[number & 0xF];
-  return text;
-}
+std::string LowerHex(uint32_t number, size_t digits) { return ToLower(HexNumber(number, digits)); }
 
 // "hex:..." with lines of at most 80 characters, of which `used` are taken on the first.
 std::string ByteList(const RawValue& value, size_t used) {
   constexpr size_t kLineLength = 77;
   std::string text = "hex";
   if (value.type != ValueType::kBinary) {
-    std::string type = HexText(static_cast<uint32_t>(value.type), 8);
-    type.erase(0, std::min(type.find_first_not_of('0'), type.size() - 1));
-    text.append("(").append(type).append(")");
+    const auto type = static_cast<uint32_t>(value.type);
+    text.append("(").append(LowerHex(type, 1)).append(")");
   }
   text += ':';
   used += text.size();
@@ -276,7 +264,7 @@ std::string ByteList(const RawValue& value, size_t used) {
       text += "\\\r\n  ";
       used = 2;
     }
-    text += HexText(static_cast<unsigned char>(value.data[i]), 2);
+    text += LowerHex(static_cast<unsigned char>(value.data[i]), 2);
     if (i + 1 < value.data.size()) text += ',';
     used += 3;
   }
@@ -351,7 +339,7 @@ std::string ValueLine(std::string_view name, const RawValue& value) {
   line += '=';
   if (const auto text = PlainText(value)) return line + Quoted(*text);
   if (value.type == ValueType::kDword && value.data.size() == 4) {
-    return line + "dword:" + HexText(U32At(value.data, 0), 8);
+    return line + "dword:" + LowerHex(U32At(value.data, 0), 8);
   }
   return line + ByteList(value, line.size());
 }

@@ -153,8 +153,8 @@ class Planter {
     const bool keepsValue =
         entry.shown == Shown::kValueAsWritten || entry.shown == Shown::kAsWritten;
     AddTrace(entry.threat, PlantedKind::kRegistry,
-             std::string(HiveName(entry.hive)) + "\\" + (keepsKey ? *key : ToUpper(*key)) +
-                 " -> Value Name: " + (keepsValue ? *value : ToUpper(*value)));
+             RegistryTraceText(HiveName(entry.hive), keepsKey ? *key : ToUpper(*key),
+                               keepsValue ? *value : ToUpper(*value)));
   }
 
   // Where the program looks for them: in its own folder.

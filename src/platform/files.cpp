@@ -2,8 +2,10 @@
 
 #include <algorithm>
 
+#include "base/hex.h"
 #include "base/text.h"
 #include "platform/held_folders.h"
+#include "platform/names.h"
 
 namespace quarnel {
 namespace {
@@ -24,6 +26,24 @@ class FolderByPath : public ListedFolder {
 
 std::unique_ptr<ListedFolder> Files::OpenFolder(std::string_view folder) {
   return std::make_unique<FolderByPath>(*this, folder);
+}
+
+std::optional<DirectoryEntry> Files::Stat(std::string_view path) {
+  std::optional<DirectoryEntry> entry;
+  IgnoringErrors([&] { entry = Look(path); });
+  return entry;
+}
+
+bool TellsAbsence(const RuntimeError& error) {
+  const ErrorNumber number = error.Number();
+  return number == ErrorNumber::kFileNotFound || number == ErrorNumber::kPathNotFound ||
+         number == ErrorNumber::kBadFileName;
+}
+
+void SortByName(std::vector<DirectoryEntry>& entries) {
+  std::sort(entries.begin(), entries.end(), [less = LessText()](const auto& a, const auto& b) {
+    return less(a.name, b.name) || (!less(b.name, a.name) && a.name < b.name);
+  });
 }
 
 std::string ReadWholeFile(Files& files, std::string_view path, uint64_t limit) {
@@ -48,14 +68,10 @@ std::string TemporaryName(std::string_view path) {
   const size_t begin = slash == std::string_view::npos ? 0 : slash + 1;
   // FNV-1a: short enough for any folder, and told apart well enough within one.
   uint32_t hash = 0x811C9DC5;
-  for (const char c : ToUpper(path.substr(begin))) {
+  for (const char c : FoldName(path.substr(begin))) {
     hash = (hash ^ static_cast<unsigned char>(c)) * 0x01000193;
   }
-  std::string name = "~00000000.tmp";
-  for (size_t digit = 8; digit > 0; --digit, hash >>= 4) {
-    name[digit] = "0123456789abcdef"[hash & 0xF];
-  }
-  return std::string(path.substr(0, begin)) + name;
+  return std::string(path.substr(0, begin)) + "~" + ToLower(HexNumber(hash, 8)) + ".tmp";
 }
 
 bool IsTemporaryName(std::string_view name) {

@@ -44,7 +44,11 @@ struct DirectoryEntry {
   uint64_t size = 0;  // bytes; 0 for a folder
   FileTime modified;
 
+  // It is named by its folder, and the rest is not known: it could not be looked at.
+  bool unseen = false;
+
   bool IsFolder() const { return (attributes & file_attribute::kDirectory) != 0; }
+  bool IsLink() const { return (attributes & file_attribute::kReparsePoint) != 0; }
 };
 
 enum class OpenMode {
@@ -96,7 +100,11 @@ class Files {
   virtual Files& WithoutLinks() = 0;
 
   // What stands under this path; nothing when there is none or it cannot be reached.
-  virtual std::optional<DirectoryEntry> Stat(std::string_view path) = 0;
+  std::optional<DirectoryEntry> Stat(std::string_view path);
+
+  // As Stat, for those who must know the difference: nothing only when the system says that nothing
+  // stands there. Raises when it could not tell.
+  virtual std::optional<DirectoryEntry> Look(std::string_view path) = 0;
 
   // The entries of a folder without "." and "..", in the order of their names with letter case
   // folded, as they stand at this moment. Raises when the folder cannot be read.
@@ -132,6 +140,12 @@ class Files {
   virtual void SetTimes(std::string_view path, const FileTimes& times) = 0;
   void SetModified(std::string_view path, FileTime time) { SetTimes(path, {.modified = time}); }
 };
+
+// Whether a failure says that nothing stands under a path, and not that nobody could look.
+bool TellsAbsence(const RuntimeError& error);
+
+// Puts entries into the order that List gives them in.
+void SortByName(std::vector<DirectoryEntry>& entries);
 
 // The whole content of a file; raises as Files::Open does. `limit` is the most it may hold, in
 // bytes: a larger file is kOverflow.

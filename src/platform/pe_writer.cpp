@@ -14,12 +14,6 @@ void AlignTo(std::string& bytes, size_t alignment) {
   bytes.resize((bytes.size() + alignment - 1) / alignment * alignment);
 }
 
-void SetU16(std::string& bytes, size_t offset, uint32_t value) {
-  std::string word;
-  PutU16(word, value);
-  bytes.replace(offset, 2, word);
-}
-
 // One node of the version resource: length, value length, 1 for text, key, value, children.
 // Each part begins at a multiple of 4; the length does not count what pads the node itself.
 std::string Node(std::u16string_view key, std::string_view value, bool isText,
@@ -80,10 +74,10 @@ void PutDirectory(std::string& bytes, uint32_t identifier, uint32_t offset) {
 }
 
 std::string ResourceSection(const std::string& resource) {
-  constexpr uint32_t kIsDirectory = 0x80000000;
+  constexpr uint32_t kSubdirectory = 0x80000000;
   std::string bytes;
-  PutDirectory(bytes, 16, kIsDirectory | 24);
-  PutDirectory(bytes, 1, kIsDirectory | 48);
+  PutDirectory(bytes, 16, kSubdirectory | 24);
+  PutDirectory(bytes, 1, kSubdirectory | 48);
   PutDirectory(bytes, 0x409, 72);
   PutU32(bytes, kResourceAddress + 88);
   PutU32(bytes, static_cast<uint32_t>(resource.size()));

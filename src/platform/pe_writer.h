@@ -19,7 +19,7 @@ FixedVersionRecord ApplicationRecord(uint16_t major, uint16_t minor, uint16_t re
                                      uint16_t build);
 
 // The bytes of a small valid program which returns 0 at once and holds this version resource, for
-// samples and tests. Sources as in pe_reader.h. The texts together must fit 64 KB.
+// samples and tests. Sources as in posix/machine/pe_reader.h. The texts together must fit 64 KB.
 std::string MakeProgram(const ProgramVersion& version);
 
 }  // namespace quarnel

@@ -6,6 +6,8 @@ namespace quarnel {
 class Power {
  public:
   virtual ~Power() = default;
+  // False where no restart can be asked for at all.
+  virtual bool CanRestart() const { return true; }
   // Obtains the right to shut the system down; false when the user may not.
   virtual bool AdjustToken() = 0;
   // Asks the system to restart; false when it declined.

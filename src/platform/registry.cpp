@@ -1,8 +1,6 @@
 #include "platform/registry.h"
 
-#include <array>
-#include <charconv>
-
+#include "base/hex.h"
 #include "base/little_endian.h"
 #include "base/runtime_error.h"
 #include "base/text.h"
@@ -13,8 +11,6 @@ namespace {
 
 constexpr uint32_t kSetValueRight = 2;
 constexpr uint32_t kEnumerateRight = 8;
-
-std::string_view UpToNul(std::string_view text) { return text.substr(0, text.find('\0')); }
 
 std::string TextFromWide(std::string_view bytes) {
   std::u16string wide;
@@ -44,12 +40,6 @@ std::optional<RegistryValue> AsType(const RegistryValue& value, ValueType type) 
     return converted;
   }
   return value;
-}
-
-std::string HexadecimalText(uint32_t number) {
-  std::array<char, 8> digits{};
-  const auto [end, error] = std::to_chars(digits.data(), digits.data() + digits.size(), number, 16);
-  return ToUpper({digits.data(), end});
 }
 
 }  // namespace
@@ -90,7 +80,7 @@ bool GetKeyValue(Registry& registry, uint32_t root, std::string_view path, std::
   RegistryValue value;
   if (!QueryValue(registry, root, path, name, value)) return false;
   const auto* number = std::get_if<uint32_t>(&value);
-  text = number != nullptr ? "&h" + HexadecimalText(*number) : std::get<std::string>(value);
+  text = number != nullptr ? "&h" + HexNumber(*number) : std::get<std::string>(value);
   return true;
 }
 
@@ -147,7 +137,7 @@ RegistryStatus CreateNewKey(Registry& registry, uint32_t root, std::string_view 
 }
 
 void TakeKeyAccess(Registry& registry, uint32_t root, std::string_view path) {
-  registry.SetKeySecurity(root, path, UpToNul(registry.AccountName()), registry_access::kDelete);
+  registry.SetKeySecurity(root, path, CutAtNul(registry.AccountName()), registry_access::kDelete);
 }
 
 RegistryStatus DeleteKey(Registry& registry, uint32_t root, std::string_view path) {
@@ -194,7 +184,7 @@ std::vector<std::string> EnumSubKeys(Registry& registry, uint32_t root, std::str
   }
   std::string name;
   for (uint32_t i = 0; key->EnumKey(i, name) == RegistryStatus::kSuccess; ++i) {
-    names.emplace_back(UpToNul(name));
+    names.emplace_back(CutAtNul(name));
   }
   return names;
 }

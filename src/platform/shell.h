@@ -4,10 +4,6 @@
 #include <string>
 #include <string_view>
 
-#include "controls/host.h"
-#include "platform/files.h"
-#include "platform/machine.h"
-
 namespace quarnel {
 
 // What the desktop shell and the loader do for the program.
@@ -27,10 +23,5 @@ class Shell {
 
 // Registers or unregisters a component: true if its entry ran and returned 0.
 bool RegisterComponent(Shell& shell, std::string_view path, bool registerIt);
-
-// Opens an address in the program that shows files of this extension (without a point). Failures
-// are shown to the user.
-void OpenInBrowser(Shell& shell, Machine& machine, Files& files, Host& host,
-                   std::string_view address, std::string_view extension, std::string_view title);
 
 }  // namespace quarnel

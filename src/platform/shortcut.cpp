@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include "base/little_endian.h"
+#include "base/text.h"
 #include "base/unicode.h"
 
 namespace quarnel {
@@ -24,7 +25,7 @@ constexpr uint32_t kHasNetworkPath = 1 << 1;
 std::string AnsiTextAt(std::string_view block, size_t offset) {
   if (offset >= block.size()) return {};
   const std::string_view rest = block.substr(offset);
-  return std::string(rest.substr(0, rest.find('\0')));
+  return std::string(CutAtNul(rest));
 }
 
 // A text that stands in an ANSI form and perhaps in a Unicode one; the offsets are those of the

@@ -28,4 +28,8 @@ class Terminal {
 // they are first asked for, and the object puts the console back as it was.
 std::unique_ptr<Terminal> OpenTerminal();
 
+// The columns that a printable character takes on a terminal: 2 for a wide one, 0 for one that is
+// drawn into the character before it.
+size_t ColumnsOf(char32_t character);
+
 }  // namespace quarnel

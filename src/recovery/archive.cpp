@@ -21,7 +21,7 @@ namespace {
 
 constexpr char kSideMark = '|';
 
-constexpr size_t kPiece = size_t{1} << 18;
+constexpr size_t kCopiedAtOnce = size_t{1} << 18;
 
 struct DiscardArchive {
   void operator()(zip_t* archive) const { zip_discard(archive); }
@@ -315,7 +315,7 @@ class ZipEntry : public ArchiveEntry {
   void Read(const std::function<void(std::string_view)>& take) override {
     const std::unique_ptr<zip_file_t, CloseEntry> file(zip_fopen_index(archive_, index_, 0));
     if (!file) Raise(zip_get_error(archive_));
-    const auto buffer = std::make_unique<std::array<char, kPiece>>();
+    const auto buffer = std::make_unique<std::array<char, kCopiedAtOnce>>();
     for (;;) {
       const zip_int64_t count = zip_fread(file.get(), buffer->data(), buffer->size());
       if (count < 0) Raise(zip_file_get_error(file.get()));
@@ -353,6 +353,16 @@ std::string SideEntryName(std::string_view path) {
 }
 
 bool IsSideEntry(std::string_view entry) { return entry.starts_with(kSideMark); }
+
+std::string SideFilePath(std::string_view entry) {
+  entry.remove_prefix(std::min<size_t>(1, entry.size()));
+  const size_t slash = entry.find('/');
+  std::string path(entry.substr(0, slash));
+  if (!path.empty()) path += ':';
+  if (slash != std::string_view::npos) path += entry.substr(slash);
+  std::replace(path.begin(), path.end(), '/', '\\');
+  return path;
+}
 
 ArchiveWriter::ArchiveWriter(Files& files, std::string path, Handler pump)
     : files_(files),

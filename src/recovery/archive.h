@@ -23,6 +23,8 @@ std::string EntryName(std::string_view path);
 // back by itself: it begins with a character that no path holds, and only a manifest leads to it.
 std::string SideEntryName(std::string_view path);
 bool IsSideEntry(std::string_view entry);
+// The path of such a file.
+std::string SideFilePath(std::string_view entry);
 
 // A file's copy in an archive.
 struct StoredFile {

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "base/text.h"
+#include "core/existing_files.h"
 #include "core/paths.h"
 #include "platform/held_folders.h"
 #include "recovery/archive.h"
@@ -10,6 +11,7 @@
 #include "recovery/registry_backup.h"
 #include "recovery/registry_snapshot.h"
 #include "recovery/restore_point.h"
+#include "scan/traces.h"
 
 namespace quarnel {
 
@@ -80,14 +82,10 @@ void Backup::BackupRegistry(BackupReport& report, Manifest& manifest) {
     report.failures.push_back({path, reason});
   }
   manifest.texts = text.Lines();
-  enum Column : size_t { kMainKey = 3, kKey = 4, kValueName = 5 };
   const ListView& list = u_.results.lvwRegistryEntriesFound;
   for (size_t i = 0; i < list.Count(); ++i) {
-    const ListRow& row = list.At(i);
-    const ValueItem trace{static_cast<uint32_t>(ValLong(row.SubItem(kMainKey))),
-                          std::string(row.SubItem(kKey)),
-                          std::string(row.SubItem(kValueName)),
-                          {}};
+    RegistryTrace row = RegistryTrace::Of(list.At(i));
+    const ValueItem trace{row.hive, std::move(row.key), std::move(row.valueName), {}};
     const size_t before = manifest.keys.size() + manifest.values.size();
     const auto unread = SnapshotTrace(u_.registry, trace, manifest);
     for (const std::string& item : unread) {

@@ -1,6 +1,7 @@
 #include "recovery/file_removal.h"
 
 #include "base/text.h"
+#include "core/existing_files.h"
 #include "core/paths.h"
 #include "recovery/safe_path.h"
 
@@ -129,7 +130,7 @@ std::string FileRemoval::QuarantineName(std::string_view path) {
   if (!files_.Stat(folder)) files_.CreateFolder(folder);
   const std::string target = folder + "\\" + QuarantinedName(path.substr(path.rfind('\\') + 1));
   std::string name = target;
-  const bool strict = Val(u_.settings.Get(setting::kStrict)) == 1;
+  const bool strict = u_.settings.Get(setting::kStrict) == 1;
   for (int number = 2; strict && files_.Stat(name); ++number) {
     name = target + "_" + std::to_string(number);
   }

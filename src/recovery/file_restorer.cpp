@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "base/text.h"
+#include "core/paths.h"
 #include "recovery/safe_path.h"
 
 namespace quarnel {
@@ -45,6 +46,13 @@ void RequireBelow(std::string_view root, std::string_view path) {
   if (const std::string_view reason = WhyUnsafeBelow(root, path); !reason.empty()) {
     throw RuntimeError(ErrorNumber::kBadFileName, reason);
   }
+}
+
+void RequireSameFile(const DirectoryEntry& present, std::string_view path) {
+  if (present.IsFolder()) throw RuntimeError(ErrorNumber::kPathFileAccess);
+  if (present.name == FileName_Parse(path)) return;
+  throw RuntimeError(ErrorNumber::kFileExists,
+                     "another file has the name in other letter case: " + present.name);
 }
 
 FileRestorer::~FileRestorer() {

@@ -85,4 +85,8 @@ class FileRestorer {
 // or that names a device, a stream, or another folder by "..".
 void RequireBelow(std::string_view root, std::string_view path);
 
+// Raises when what stands at a path is not its file: a folder, or, where names may differ in letter
+// case alone, another file.
+void RequireSameFile(const DirectoryEntry& present, std::string_view path);
+
 }  // namespace quarnel

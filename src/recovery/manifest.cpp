@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::string_view kName = "quarnel-manifest";
 constexpr std::string_view kVersion = "1";
-constexpr std::string_view kEnd = "end";
+constexpr std::string_view kLastLine = "end";
 constexpr size_t kDigestDigits = 64;
 
 constexpr std::array<std::string_view, 2> kKindNames = {"files", "cookies"};
@@ -153,8 +153,11 @@ bool TakeItem(const std::vector<std::string>& all, Manifest& manifest) {
   return fields.Good();
 }
 
-// What a damaged line was about, as far as it still tells.
-std::string About(const std::vector<std::string>& fields) {
+// What a damaged line was about, as far as it still tells. No more of it is looked at than any item
+// needs to be named.
+std::string About(std::string_view rest) {
+  constexpr size_t kLongestName = 4096;
+  const std::vector<std::string> fields = Split(rest.substr(0, kLongestName), "\t");
   const auto field = [&](size_t index) {
     return index < fields.size() ? Unescaped(fields[index]) : std::string();
   };
@@ -176,7 +179,7 @@ std::string ItemText(uint32_t hive, std::string_view path) {
 }
 
 std::string ItemText(uint32_t hive, std::string_view path, std::string_view valueName) {
-  return ItemText(hive, path) + " -> Value Name: " + std::string(valueName);
+  return RegistryTraceText(HiveName(hive), path, valueName);
 }
 
 std::string ManifestText(const Manifest& manifest) {
@@ -199,14 +202,18 @@ std::string ManifestText(const Manifest& manifest) {
                  NumberText(file.times.modified), file.entry, std::to_string(file.offset)});
   }
   const std::string digest = HexText(Sha256Of(writer.Text()));
-  writer.Line({std::string(kEnd), digest});
+  writer.Line({std::string(kLastLine), digest});
   return std::move(writer.Text());
+}
+
+void ManifestReading::Fault(std::string what) {
+  if (damage.size() < kMostNamed) damage.push_back(std::move(what));
+  ++faults;
 }
 
 ManifestReading ReadManifest(std::string_view text, std::string_view stem) {
   ManifestReading reading;
   reading.manifest.stem = stem;
-  std::vector<std::string>& damage = reading.damage;
   std::optional<size_t> wanted;
   size_t items = 0;
   bool ended = false;
@@ -216,33 +223,41 @@ ManifestReading ReadManifest(std::string_view text, std::string_view stem) {
        begin = lines.Position(), ++number) {
     const std::string_view digest = line->substr(0, kDigestDigits);
     const std::string_view rest = line->substr(std::min(kDigestDigits + 1, line->size()));
+    const auto fault = [&] {
+      const bool named = reading.faults < ManifestReading::kMostNamed;
+      std::string about = named ? About(rest) : std::string();
+      if (about.empty()) about = "line " + std::to_string(number) + " of the manifest";
+      reading.Fault(std::move(about));
+    };
+    // A damaged line may hold anything, so it is not taken apart.
+    if (rest.empty() || digest != HexText(Writer::LineDigest(stem, rest))) {
+      fault();
+      continue;
+    }
     const std::vector<std::string> fields = Split(rest, "\t");
-    const bool intact = !fields.empty() && digest == HexText(Writer::LineDigest(stem, rest));
-    if (intact && fields[0] == kName) {
+    if (fields[0] == kName) {
       Fields head(fields);
       const bool known = head.Text() == kName && head.Text() == kVersion && head.Text() == stem;
       wanted = head.Count<size_t>();
       if (known && head.Good()) continue;
-      damage.emplace_back("a manifest of an unknown version");
+      reading.Fault("a manifest of an unknown version");
       return reading;
     }
-    if (intact && fields[0] == kEnd) {
+    if (fields[0] == kLastLine) {
       ended = true;
       wholeFits = fields.size() == 2 && fields[1] == HexText(Sha256Of(text.substr(0, begin)));
-    } else if (intact && TakeItem(fields, reading.manifest)) {
+    } else if (TakeItem(fields, reading.manifest)) {
       ++items;
     } else {
-      const std::string about = About(fields);
-      damage.push_back(about.empty() ? "line " + std::to_string(number) + " of the manifest"
-                                     : about);
+      fault();
     }
   }
-  if (!wanted) damage.emplace_back("the head of the manifest");
-  if (!ended) damage.emplace_back("the end of the manifest");
-  if (wanted && *wanted > items + damage.size()) {
-    damage.push_back(std::to_string(*wanted - items) + " items that the manifest had");
+  if (!wanted) reading.Fault("the head of the manifest");
+  if (!ended) reading.Fault("the end of the manifest");
+  if (wanted && *wanted > items + reading.faults) {
+    reading.Fault(std::to_string(*wanted - items) + " items that the manifest had");
   }
-  if (damage.empty() && !wholeFits) damage.emplace_back("the order of the manifest's lines");
+  if (reading.faults == 0 && !wholeFits) reading.Fault("the order of the manifest's lines");
   return reading;
 }
 

@@ -77,10 +77,16 @@ std::string ManifestText(const Manifest& manifest);
 
 // What could be read of a manifest.
 struct ManifestReading {
+  static constexpr size_t kMostNamed = 100;
+
   // The intact items.
   Manifest manifest;
-  // What is wrong with the rest, as far as it can be told; empty when all is well.
+  // What is wrong with the rest, as far as it can be told, and how many faults there are: the first
+  // of them are named. A text of any size takes little more room than its intact items.
   std::vector<std::string> damage;
+  size_t faults = 0;
+
+  void Fault(std::string what);
 };
 
 // Reads the text of the manifest of restore point `stem`.

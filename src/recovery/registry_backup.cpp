@@ -8,12 +8,10 @@
 #include "base/unicode.h"
 #include "core/lines.h"
 #include "recovery/restore_point.h"
+#include "scan/traces.h"
 
 namespace quarnel {
 namespace {
-
-// The columns of a registry trace that name what it is.
-enum TraceColumn : size_t { kThreat = 1, kMainKey = 3, kKey = 4, kValueName = 5 };
 
 constexpr size_t kBuffer = 255;
 
@@ -36,7 +34,7 @@ size_t BufferedSize(const RawValue& value) {
   return IsText(value.type) ? TextOf(value).size() : value.data.size();
 }
 
-std::string NumberText(std::string_view bytes) {
+std::string LongText(std::string_view bytes) {
   constexpr size_t kLeast = 3;
   std::string digits = std::to_string(U32At(bytes, 0));
   if (digits.size() < kLeast) digits.insert(0, kLeast - digits.size(), '0');
@@ -81,13 +79,12 @@ std::string GetSubKeyValue(RegistryKey& key, std::string_view valueName, int32_t
   switch (static_cast<ValueType>(type)) {
     case ValueType::kString:
     case ValueType::kMultiString: {
-      const std::string text = TextOf(value);
-      return text.substr(0, text.find('\0'));
+      return std::string(CutAtNul(TextOf(value)));
     }
     case ValueType::kBinary:
       return HexText(value.data);
     case ValueType::kDword:
-      return NumberText(value.data);
+      return LongText(value.data);
     default:
       return {};
   }
@@ -119,24 +116,22 @@ bool RegistryBackup::Collect() {
   page.pgbBackup.SetValue(0);
   PassProgress progress(page, u_.host, "Analyzing registry backup.", found.Count());
   for (size_t i = 0; i < found.Count(); ++i) {
-    const ListRow row = found.At(i);  // a copy: events may change the list
+    const RegistryTrace trace = RegistryTrace::Of(found.At(i));  // events may change the list
     progress.At(i + 1);
-    const std::string hiveText(row.SubItem(kMainKey));
-    const auto hive = static_cast<uint32_t>(ValLong(hiveText));
-    const std::string key(row.SubItem(kKey));
-    const std::string valueName(row.SubItem(kValueName));
-    if (valueName.empty()) {
-      EnumerateRegSubKeys(page.lvwRegBackup, row.SubItem(kThreat), hive, key);
+    if (trace.valueName.empty()) {
+      EnumerateRegSubKeys(page.lvwRegBackup, trace.threatName, trace.hive, trace.key);
       continue;
     }
     std::unique_ptr<RegistryKey> open;
-    if (u_.registry.Open(hive, key, registry_access::kRead, open) != RegistryStatus::kSuccess) {
-      missing_ = ItemText(hive, key);
+    if (u_.registry.Open(trace.hive, trace.key, registry_access::kRead, open) !=
+        RegistryStatus::kSuccess) {
+      missing_ = ItemText(trace.hive, trace.key);
       return false;
     }
     int32_t type = 0;
-    const std::string data = GetSubKeyValue(*open, valueName, type);
-    page.lvwRegBackup.Add(Row(row.SubItem(kThreat), hiveText, key, valueName, data, type));
+    const std::string data = GetSubKeyValue(*open, trace.valueName, type);
+    page.lvwRegBackup.Add(Row(trace.threatName, std::to_string(static_cast<int32_t>(trace.hive)),
+                              trace.key, trace.valueName, data, type));
   }
   return true;
 }
@@ -173,7 +168,7 @@ void RegistryBackup::EnumerateRegSubKeys(ListView& list, std::string_view threat
     EnumerateRegKeyValues(list, threatName, hive, key);
     std::string name;
     if (open->EnumKey(index, name) != RegistryStatus::kSuccess || name.size() >= kBuffer) return;
-    name.resize(std::min(name.find('\0'), name.size()));
+    name.resize(CutAtNul(name).size());
     EnumerateRegSubKeys(list, threatName, hive, key + "\\" + std::string(Trim(name)));
   }
 }

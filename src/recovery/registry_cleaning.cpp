@@ -1,28 +1,27 @@
 #include "recovery/registry_cleaning.h"
 
-#include "base/text.h"
-#include "scan/registry_scan.h"
+#include "scan/traces.h"
 #include "signatures/taxonomy.h"
 
 namespace quarnel {
-namespace {
 
-// The columns of a registry trace that name what it is.
-enum Column : size_t { kMainKey = 3, kKey = 4, kValueName = 5 };
-
-}  // namespace
-
-void RegistryCleaning::CleanRegistryEntries() {
+std::vector<RegistryCleaning::Refusal> RegistryCleaning::CleanRegistryEntries() {
+  std::vector<Refusal> refusals;
   Reporting(u_.log, "CleanRegistryEntries in frmMain", [&] {
     std::string_view hiveName;
     while (const auto index = NextRow(hiveName)) {
-      DeleteTrace(u_.results.lvwRegistryEntriesFound.At(*index));
+      const ListRow row = u_.results.lvwRegistryEntriesFound.At(*index);
+      const RegistryStatus status = DeleteTrace(row);
+      if (status != RegistryStatus::kSuccess && status != RegistryStatus::kFileNotFound) {
+        refusals.push_back({std::string(RegistryTrace::CompleteKey(row)), status});
+      }
       u_.results.lvwRegistryEntriesFound.Remove(*index);
     }
-    u_.page.pbrRemoveSpyware.SetVisible(false);
     u_.page.lblDeletingCaption.SetCaption("Cleaning Spyware/Adware registry enntries...");
-    u_.page.lblDeletingCaption.SetVisible(false);
+    u_.page.facts.measured = u_.page.facts.told = false;
+    Show(u_.page);
   });
+  return refusals;
 }
 
 std::optional<size_t> RegistryCleaning::NextRow(std::string_view& hiveName) {
@@ -30,32 +29,28 @@ std::optional<size_t> RegistryCleaning::NextRow(std::string_view& hiveName) {
   ProgressBar& bar = u_.page.pbrRemoveSpyware;
   bar.SetMin(0);
   bar.SetMax(static_cast<double>(list.Count() + 1));
-  bar.SetVisible(true);
+  u_.page.facts.measured = true;
+  Show(u_.page);
   u_.page.lblDeletingCaption.SetCaption("Cleaning Spyware/Adware registry entries...");
   for (size_t i = 0; i < list.Count(); ++i) {
     bar.SetValue(static_cast<double>(i + 1));
     const ListRow& row = list.At(i);
     if (!row.checked) continue;
-    const auto handle = static_cast<uint32_t>(ToLong(row.SubItem(kMainKey)));
+    const RegistryTrace trace = RegistryTrace::Of(row);
     // A handle without a name keeps that of the row before, also over walks.
-    if (const std::string_view name = HiveName(handle); !name.empty()) hiveName = name;
-    const std::string trace =
-        RegistryTraceText(hiveName, row.SubItem(kKey), row.SubItem(kValueName));
-    if (!u_.results.lvwIgnoredSpywares.FindText(trace)) return i;
+    if (const std::string_view name = HiveName(trace.hive); !name.empty()) hiveName = name;
+    const std::string text = RegistryTraceText(hiveName, trace.key, trace.valueName);
+    if (!u_.results.lvwIgnoredSpywares.FindText(text)) return i;
   }
   return std::nullopt;
 }
 
-void RegistryCleaning::DeleteTrace(const ListRow& row) {
-  const auto hive = static_cast<uint32_t>(ToLong(row.SubItem(kMainKey)));
-  // Copies: events processed below a deep key may change the list.
-  const std::string key(row.SubItem(kKey));
-  const std::string valueName(row.SubItem(kValueName));
-  if (valueName.empty()) {
-    DeleteKeyTree(u_.registry, hive, key, [this] { u_.host.DoEvents(); });
-  } else {
-    DeleteValue(u_.registry, hive, key, valueName);
+RegistryStatus RegistryCleaning::DeleteTrace(const ListRow& row) {
+  const RegistryTrace trace = RegistryTrace::Of(row);
+  if (!trace.valueName.empty()) {
+    return DeleteValue(u_.registry, trace.hive, trace.key, trace.valueName);
   }
+  return DeleteKeyTree(u_.registry, trace.hive, trace.key, [this] { u_.host.DoEvents(); });
 }
 
 }  // namespace quarnel

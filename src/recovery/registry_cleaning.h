@@ -1,5 +1,8 @@
 #pragma once
 
+#include <string>
+#include <vector>
+
 #include "controls/host.h"
 #include "core/error_log.h"
 #include "platform/registry.h"
@@ -22,13 +25,17 @@ class RegistryCleaning {
 
   // Deletes the value, or the whole key, of every ticked row that is not on the safe list, and
   // takes the row out of the list whether or not the deletion went well. The walk starts over after
-  // each.
-  void CleanRegistryEntries();
+  // each. What the registry refused to delete is told.
+  struct Refusal {
+    std::string trace;  // as its row names it
+    RegistryStatus status;
+  };
+  std::vector<Refusal> CleanRegistryEntries();
 
  private:
   // The first ticked row that is not exempt, with the bar moved along; nothing when there is none.
   std::optional<size_t> NextRow(std::string_view& hiveName);
-  void DeleteTrace(const ListRow& row);
+  RegistryStatus DeleteTrace(const ListRow& row);
 
   Uses u_;
 };

@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "base/text.h"
+#include "platform/names.h"
 
 namespace quarnel {
 namespace {
@@ -10,11 +11,13 @@ namespace {
 // The name as the registry has it, found by an enumeration; `name` itself when there is none.
 template <typename Next>
 std::string KeptName(std::string_view name, Next&& next) {
+  std::string kept(name);
   std::string found;
   for (uint32_t i = 0; next(i, found) == RegistryStatus::kSuccess; ++i) {
     if (EqualText(found, name)) return found;
+    if (EqualNames(found, name)) kept = found;
   }
-  return std::string(name);
+  return kept;
 }
 
 std::string KeptPath(Registry& registry, uint32_t hive, const std::string& path) {

@@ -11,6 +11,9 @@
 
 #include "base/date_time.h"
 #include "base/text.h"
+#include "core/messages.h"
+#include "recovery/removal_words.h"
+#include "scan/scan_records.h"
 
 namespace quarnel {
 namespace {
@@ -25,9 +28,8 @@ void TakeRow(ListView& list, size_t expected, std::string_view text) {
 
 }  // namespace
 
-Removal::Removal(const Uses& uses, RemovalSurroundings surroundings)
+Removal::Removal(const Uses& uses)
     : u_(uses),
-      surroundings_(std::move(surroundings)),
       fileRemoval_({.files = u_.files,
                     .processes = u_.processes,
                     .machine = u_.machine,
@@ -40,12 +42,6 @@ Removal::Removal(const Uses& uses, RemovalSurroundings surroundings)
                          .host = u_.host,
                          .log = u_.log}) {}
 
-Answer Removal::Inform(std::string_view text) {
-  return u_.host.MsgBox({.text = std::string(text),
-                         .title = u_.settings.ApplicationName(),
-                         .icon = MessageIcon::kInformation});
-}
-
 void Removal::cmdRemoveSpywares_Click() {
   lastReport_.reset();
   Reporting(u_.log, kLabel, [&] {
@@ -53,19 +49,42 @@ void Removal::cmdRemoveSpywares_Click() {
   });
 }
 
-bool Removal::MayStart() {
-  if (u_.scan.ImgStopScanMouseMove.Visible()) {
-    Inform("Please wait while [Scanning Process] is running.");
-    return false;
+void Removal::RemoveAllFound() {
+  lastReport_.reset();
+  Reporting(u_.log, kLabel, [&] {
+    if (TellsThatScanRuns()) return;
+    TickAllFound();
+    Remove();
+  });
+}
+
+void Removal::TickAllFound() {
+  for (const TreeNodeRef& node : u_.results.vbatvwResults.InOrder()) {
+    u_.results.vbatvwResults.SetChecked(*node, true);
   }
+  for (ListView* list : {&u_.results.lvwFilesToBeDeleted, &u_.results.lvwRegistryEntriesFound,
+                         &u_.results.lvwTrackingCookieObjectrecognized}) {
+    for (size_t i = 0; i < list->Count(); ++i) list->SetChecked(i, true);
+  }
+}
+
+bool Removal::TellsThatScanRuns() {
+  if (!u_.scan.ImgStopScanMouseMove.Visible()) return false;
+  Messages(u_.host, u_.settings).Inform("Please wait while [Scanning Process] is running.");
+  return true;
+}
+
+bool Removal::MayStart() {
+  if (TellsThatScanRuns()) return false;
+  const Messages messages(u_.host, u_.settings);
   if (u_.results.lvwPicRemoveListOfSpywareFoundAndToBeRemoved.Empty()) {
-    Inform("There is no Spyware/Adware in the results list.");
+    messages.Inform("There is no Spyware/Adware in the results list.");
     return false;
   }
   const std::vector<TreeNodeRef> nodes = u_.results.vbatvwResults.InOrder();
   if (std::none_of(nodes.begin(), nodes.end(),
                    [](const TreeNodeRef& node) { return node->checked; })) {
-    Inform("Nothing selected.");
+    messages.Inform("Nothing selected.");
     return false;
   }
   return true;
@@ -73,9 +92,12 @@ bool Removal::MayStart() {
 
 void Removal::Remove() {
   anyFileHandled_ = false;
+  // The results of a stopped scan are removed as those of any other.
+  u_.flags.scanStopRequested = false;
   PropagateTicks();
   u_.page.lblDeletingCaption.SetCaption("");
-  u_.page.pbrRemoveSpyware.SetVisible(false);
+  u_.page.facts.measured = false;
+  Show(u_.page);
   RemovalRecord record({.results = u_.results,
                         .files = u_.files,
                         .registry = u_.registry,
@@ -83,24 +105,26 @@ void Removal::Remove() {
                        FormatDate(u_.host.clock().Now(), "yyyy-mm-dd hh:nn:ss"));
   try {
     // A failed backup does not stop the removal; the report tells of it.
-    if (u_.results.chkCreateRestore.Checked()) record.NoteBackup(surroundings_.backupSpyware());
+    if (u_.results.chkCreateRestore.Checked()) record.NoteBackup(u_.backup.BackupSpyware());
     CloseBrowsers();
-    surroundings_.showResultsTab();
-    u_.page.lblDeletingCaption.SetVisible(true);
-    u_.page.pbrRemoveSpyware.SetVisible(true);
-    registryCleaning_.CleanRegistryEntries();
+    u_.window.SelectPage(Tab::kScan);
+    u_.page.facts.told = u_.page.facts.measured = true;
+    Show(u_.page);
+    for (const auto& [trace, status] : registryCleaning_.CleanRegistryEntries()) {
+      record.NoteRefusal(trace, status);
+    }
     DeleteTraces(record);
   } catch (const RuntimeError& error) {
-    Keep(record.Conclude(error.Description()));
+    Keep(record.Conclude("ended early: " + error.Description()));
     throw;
   }
   // Before the prompt for a restart, which may be the last that happens.
   Keep(record.Conclude(""));
   PruneTrees();
   RebuildPage();
-  surroundings_.saveLastScanResults();
+  SaveLastScanResults(u_.files, u_.machine, u_.results, u_.unread);
   if (!u_.results.lvwPicRemoveListOfSpywareFoundAndToBeRemoved.Empty() && anyFileHandled_) {
-    surroundings_.askToRestart();
+    u_.window.AskToRestart();
   }
   ShowEnd();
 }
@@ -113,7 +137,8 @@ void Removal::PropagateTicks() {
   bar.SetMin(0);
   bar.SetMax(static_cast<double>(tree.Count() + 1));
   bar.SetValue(kFirstValue);
-  bar.SetVisible(true);
+  u_.page.facts.measured = true;
+  Show(u_.page);
   ListView& threats = u_.results.lvwPicRemoveListOfSpywareFoundAndToBeRemoved;
   for (const TreeNodeRef& node : tree.InOrder()) {
     u_.host.DoEvents();
@@ -131,12 +156,8 @@ void Removal::PropagateTicks() {
 }
 
 void Removal::CloseBrowsers() {
-  // Where nobody can tell what was chosen, the user is asked, and nothing is closed unasked.
-  const auto chosen = [this](const SettingKey& option, bool otherwise) {
-    return ToBooleanOr(u_.settings.GetOther(option), otherwise);
-  };
-  if (chosen(setting::kShowAlways, true)) surroundings_.askToCloseBrowser();
-  if (chosen(setting::kCloseAllIE, false)) CloseBrowserWindows(u_.desktop);
+  if (u_.settings.Get(setting::kRemovalShowAlways)) u_.window.AskToCloseBrowser();
+  if (u_.settings.Get(setting::kRemovalCloseAllIE)) CloseBrowserWindows(u_.desktop);
 }
 
 // Files are not tied to their threat: the first turn handles them all, and the later ones find
@@ -151,7 +172,8 @@ void Removal::DeleteTraces(RemovalRecord& record) {
     }
     bar.SetMin(0);
     bar.SetMax(static_cast<double>(u_.results.lvwFilesToBeDeleted.Count() + 1));
-    bar.SetVisible(true);
+    u_.page.facts.measured = true;
+    Show(u_.page);
     u_.page.lblDeletingCaption.SetCaption("Cleaning Spyware/Adware file entries...");
     bar.SetValue(0);
     DeleteFiles(record);
@@ -218,7 +240,8 @@ void Removal::PruneTrees() {
 
 void Removal::RebuildPage() {
   u_.results.vbatvwResults.Refresh();
-  u_.page.lblDeletingCaption.SetVisible(true);
+  u_.page.facts.told = true;
+  Show(u_.page);
   u_.scan.lblStatus.SetCaption("");
   u_.scan.lblMemoryInfected.SetCaption("0");
   u_.results.lbltracesFound.SetCaption("0");
@@ -231,19 +254,49 @@ void Removal::RebuildPage() {
 }
 
 void Removal::ShowEnd() {
-  u_.page.pbrRemoveSpyware.SetVisible(false);
-  u_.page.lblDeletingCaption.SetVisible(false);
-  u_.page.lblScanSummary.SetVisible(true);
-  u_.results.sfttvwResults.SetVisible(false);
-  u_.results.picSearchResultsLeftWindow.SetVisible(false);
-  u_.results.picResultsRightWindow.SetVisible(false);
-  u_.page.picRemoveSummary.SetVisible(true);
+  u_.page.facts = {.measured = false, .told = false, .ended = true};
+  Show(u_.page);
+  ResultsFacts& results = u_.results.facts;
+  results.flatTree = results.leftPane = results.rightPane = false;
+  Show(u_.results);
   u_.page.lblScanSummary.SetCaption("This completes the Quarnel threat check process");
   u_.page.lblScanSummary.SetBold(false);
   CountThreatLevels();
+  ShowReport();
   u_.page.lblRemoveSummaryMessage.SetCaption(
       "Please be sure to schedule regular updates and scans from \xE2\x80\x98Scheduler\xE2\x80\x99 "
       "to ensure your system remains Spyware Free");
+}
+
+void Removal::ShowReport() {
+  ListView& list = u_.page.lvwRemovalReport;
+  Label& state = u_.page.lblRestorePointState;
+  list.Clear();
+  const RemovalReport report = lastReport_.value_or(RemovalReport());
+  const bool incomplete = RestorePointIsIncomplete(report);
+  u_.page.facts.incomplete = incomplete;
+  Show(u_.page);
+  state.SetForeColour(Colour::kRed);
+  state.SetCaption(
+      "The restore point is incomplete: what the list names as not saved cannot be brought back.");
+  if (incomplete) {
+    for (const BackupFailure& failure : report.backup->failures) {
+      list.Add({.text = failure.what, .subItems = {std::string(kUnsavedOutcome), failure.reason}});
+    }
+  }
+  for (const bool alarming : {true, false}) {
+    for (const ReportedTrace& trace : report.traces) {
+      if (IsAlarming(trace.fate) != alarming) continue;
+      list.Add({.text = trace.trace, .subItems = {std::string(NameOf(trace.fate)), trace.detail}});
+    }
+  }
+}
+
+void Removal::cmdCopyRemoval_Click() {
+  Reporting(u_.log, "cmdCopyRemoval_Click in frmMain", [&] {
+    if (lastReport_) u_.host.SetClipboardText(ReportText(*lastReport_));
+    Messages(u_.host, u_.settings).Tell("Copied to Clipboard");
+  });
 }
 
 void Removal::CountThreatLevels() {
@@ -278,13 +331,6 @@ void Removal::Keep(RemovalReport report) {
   } catch (const RuntimeError& error) {
     u_.log.NoteInPassing("SaveRemovalReport", error);
   }
-}
-
-void Removal::cmdFinish_Click() {
-  Reporting(u_.log, "cmdFinish_Click in frmMain", [&] {
-    u_.page.picRemoveSummary.SetVisible(false);
-    surroundings_.done();
-  });
 }
 
 }  // namespace quarnel

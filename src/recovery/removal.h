@@ -1,17 +1,18 @@
 #pragma once
 
-#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "controls/host.h"
 #include "core/error_log.h"
+#include "core/main_window.h"
 #include "core/settings.h"
 #include "platform/desktop.h"
 #include "platform/machine.h"
 #include "platform/processes.h"
 #include "platform/registry.h"
+#include "recovery/backup.h"
 #include "recovery/file_removal.h"
 #include "recovery/registry_cleaning.h"
 #include "recovery/removal_page.h"
@@ -22,16 +23,6 @@
 
 namespace quarnel {
 
-// What a removal asks of the window around it.
-struct RemovalSurroundings {
-  std::function<BackupReport()> backupSpyware;
-  Handler askToCloseBrowser;    // the prompt, modal
-  Handler askToRestart;         // the prompt, modal
-  Handler showResultsTab;       // brings the results page to the front
-  Handler saveLastScanResults;  // writes the dumps of the results
-  Handler done;                 // the handler of cmdDone
-};
-
 // Turns the ticks of a finished scan into deleted files, registry traces and cookies. The window's
 // lists are the only store of pending work: a row leaves its list when it is handled.
 class Removal {
@@ -41,7 +32,11 @@ class Removal {
     ScanPage& scan;
     ResultsPage& results;
     Results& model;
+    Unread& unread;
     CookieScan& cookies;
+    ScanFlags& flags;
+    Backup& backup;
+    MainWindow& window;
     Files& files;
     Registry& registry;
     Processes& processes;
@@ -51,13 +46,15 @@ class Removal {
     Host& host;
     ErrorLog& log;
   };
-  Removal(const Uses& uses, RemovalSurroundings surroundings);
+  explicit Removal(const Uses& uses);
 
   // The whole removal; returns when the end screen stands. Its report is kept and saved, also when
   // an error ends it early.
   void cmdRemoveSpywares_Click();
-  // Closes the end screen.
-  void cmdFinish_Click();
+  // The same for all that the lists hold, whatever is ticked and whatever the tree shows of it.
+  void RemoveAllFound();
+  // Puts the report of the last removal onto the clipboard.
+  void cmdCopyRemoval_Click();
   // Rebuilds the counts of what is left by level, and the message that goes with them. A level
   // above 5 ends it half done: it is logged.
   void CountThreatLevels();
@@ -67,6 +64,8 @@ class Removal {
 
  private:
   bool MayStart();
+  bool TellsThatScanRuns();
+  void TickAllFound();
   void Remove();
   void PropagateTicks();
   void CloseBrowsers();
@@ -76,11 +75,10 @@ class Removal {
   void PruneTrees();
   void RebuildPage();
   void ShowEnd();
+  void ShowReport();
   void Keep(RemovalReport report);
-  Answer Inform(std::string_view text);
 
   Uses u_;
-  RemovalSurroundings surroundings_;
   FileRemoval fileRemoval_;
   RegistryCleaning registryCleaning_;
   bool anyFileHandled_ = false;

@@ -4,141 +4,174 @@
 #include <utility>
 
 #include "base/text.h"
-#include "scan/cookie_scan.h"
+#include "core/paths.h"
+#include "platform/names.h"
+#include "recovery/restore.h"
+#include "recovery/safe_path.h"
 
 namespace quarnel {
 namespace {
 
 constexpr std::string_view kNotTicked = "not ticked";
-constexpr std::string_view kOnSafeList = "on the safe list";
+constexpr std::string_view kUnseen = "it could not be looked at";
 
-std::string PlaceOf(TraceKind kind, std::string_view trace) {
-  return std::string(NameOf(kind)).append(1, '\t').append(ToUpper(trace));
+// Whether the registry as a whole did not do its work, and not only a right was missing.
+bool IsBroken(RegistryStatus status) {
+  return status != RegistryStatus::kSuccess && status != RegistryStatus::kAccessDenied &&
+         status != RegistryStatus::kKeyDeleted;
+}
+
+void Set(ReportedTrace& trace, Fate fate, std::string_view detail = {}) {
+  trace.fate = fate;
+  trace.detail = detail;
 }
 
 }  // namespace
 
 RemovalRecord::RemovalRecord(const Uses& uses, std::string time) : u_(uses) {
   report_.time = std::move(time);
-  for (const ListRow& row : u_.results.lvwFilesToBeDeleted.Rows()) {
-    Take({.trace = {.kind = TraceKind::kFile,
-                    .trace = row.text,
-                    .threat = std::string(row.SubItem(2))}},
-         row.checked);
-  }
-  for (const ListRow& row : u_.results.lvwRegistryEntriesFound.Rows()) {
-    Entry entry{.trace = {.kind = TraceKind::kRegistry,
-                          .trace = std::string(row.SubItem(6)),
-                          .threat = std::string(row.SubItem(1))},
-                .key = std::string(row.SubItem(4)),
-                .valueName = std::string(row.SubItem(5))};
-    IgnoringErrors([&] { entry.hive = static_cast<uint32_t>(ToLong(row.SubItem(3))); });
-    Take(std::move(entry), row.checked);
-  }
-  for (const ListRow& row : u_.results.lvwTrackingCookieObjectrecognized.Rows()) {
-    Take({.trace = {.kind = TraceKind::kCookie,
-                    .trace = row.text,
-                    .threat = std::string(kTrackingObject)}},
-         row.checked);
-  }
-  TakeIgnoredNodes();
-}
-
-void RemovalRecord::Take(Entry entry, bool ticked) {
-  const auto [place, isNew] =
-      places_.try_emplace(PlaceOf(entry.trace.kind, entry.trace.trace), entries_.size());
-  if (!isNew) {
-    entries_[place->second].ticked |= ticked;
-    return;
-  }
-  entry.ticked = ticked;
-  entry.exempt = !u_.results.lvwIgnoredSpywares.Empty() &&
-                 u_.results.lvwIgnoredSpywares.FindText(entry.trace.trace).has_value();
-  entry.existed = Exists(entry);
-  entries_.push_back(std::move(entry));
-}
-
-// An exempt file stands in the tree alone.
-void RemovalRecord::TakeIgnoredNodes() {
-  for (const TreeNodeRef& node : u_.results.vbatvwResults.InOrder()) {
-    if (!node->parent || !node->text.starts_with(kIgnoredPrefix)) continue;
-    const std::string trace = WithoutPrefixes(node->text);
-    const auto isTaken = [&](TraceKind kind) { return places_.contains(PlaceOf(kind, trace)); };
-    if (isTaken(TraceKind::kRegistry) || isTaken(TraceKind::kCookie)) continue;
-    Take({.trace = {.kind = TraceKind::kFile, .trace = trace, .threat = node->parent->text}},
-         node->checked);
+  for (FoundTrace& trace : FoundTraces(u_.results, u_.files)) {
+    const bool existed = LookAt(trace) != Sight::kGone;
+    entries_.push_back({.found = std::move(trace), .existed = existed, .outcome = {}});
   }
 }
 
+// A path's own row comes before one that differs in letter case.
 void RemovalRecord::NoteFile(std::string_view path, FileOutcome outcome) {
-  const auto place = places_.find(PlaceOf(TraceKind::kFile, path));
-  if (place != places_.end()) entries_[place->second].outcome = std::move(outcome);
-}
-
-bool RemovalRecord::ValueExists(const Entry& entry) {
-  std::unique_ptr<RegistryKey> key;
-  const RegistryStatus status =
-      u_.registry.Open(entry.hive, entry.key, registry_access::kRead, key);
-  if (entry.valueName.empty() || status != RegistryStatus::kSuccess) {
-    // What may not be looked at is there.
-    return status != RegistryStatus::kFileNotFound;
+  const auto isFile = [](const Entry& entry) { return entry.found.kind == TraceKind::kFile; };
+  auto entry = std::find_if(entries_.begin(), entries_.end(), [&](const Entry& candidate) {
+    return isFile(candidate) && candidate.found.text == path;
+  });
+  if (entry == entries_.end()) {
+    entry = std::find_if(entries_.begin(), entries_.end(), [&](const Entry& candidate) {
+      return isFile(candidate) && EqualText(candidate.found.text, path);
+    });
   }
-  RawValue value;
-  return key->Query(entry.valueName, value) != RegistryStatus::kFileNotFound;
+  // A second row of the same file finds it gone, which tells less than the first.
+  if (entry != entries_.end() && !entry->outcome) entry->outcome = std::move(outcome);
 }
 
-bool RemovalRecord::Exists(const Entry& entry) {
-  return entry.trace.kind == TraceKind::kRegistry ? ValueExists(entry)
-                                                  : u_.files.Stat(entry.trace.trace).has_value();
+void RemovalRecord::NoteRefusal(std::string_view trace, RegistryStatus status) {
+  for (Entry& entry : entries_) {
+    const FoundTrace& found = entry.found;
+    if (found.kind == TraceKind::kRegistry && EqualText(found.text, trace)) entry.refusal = status;
+  }
+}
+
+RemovalRecord::Sight RemovalRecord::LookAtValue(const FoundTrace& trace) {
+  const auto sight = [](RegistryStatus status) {
+    if (status == RegistryStatus::kFileNotFound) return Sight::kGone;
+    return status == RegistryStatus::kSuccess ? Sight::kThere : Sight::kUnknown;
+  };
+  std::unique_ptr<RegistryKey> key;
+  const Sight ofKey = sight(u_.registry.Open(trace.hive, trace.key, registry_access::kRead, key));
+  if (trace.valueName.empty() || ofKey != Sight::kThere) return ofKey;
+  RawValue value;
+  return sight(key->Query(trace.valueName, value));
+}
+
+// That nothing is seen at a path does not say that nothing is there: opening it tells why.
+RemovalRecord::Sight RemovalRecord::LookAtFile(const std::string& path) {
+  if (const auto present = u_.files.Stat(path)) {
+    // Where names may differ in letter case alone, what stands there may be another trace.
+    const bool isOther = std::any_of(entries_.begin(), entries_.end(), [&](const Entry& entry) {
+      const std::string& other = entry.found.text;
+      return other != path && EqualText(other, path) && FileName_Parse(other) == present->name;
+    });
+    return isOther ? Sight::kGone : Sight::kThere;
+  }
+  if (!WhyUnsafe(path).empty()) return Sight::kGone;
+  try {
+    u_.files.Open(path, OpenMode::kRead);
+    return Sight::kThere;
+  } catch (const RuntimeError& error) {
+    switch (error.Number()) {
+      case ErrorNumber::kFileNotFound:
+      case ErrorNumber::kPathNotFound:
+      case ErrorNumber::kBadFileName:
+        return Sight::kGone;
+      default:
+        return Sight::kUnknown;
+    }
+  }
+}
+
+RemovalRecord::Sight RemovalRecord::LookAt(const FoundTrace& trace) {
+  return trace.kind == TraceKind::kRegistry ? LookAtValue(trace) : LookAtFile(trace.text);
 }
 
 bool RemovalRecord::Runs(std::string_view path) {
   constexpr Milliseconds kMoment{1000};
   return std::any_of(running_.begin(), running_.end(), [&](const ProcessRecord& record) {
-    return EqualText(record.executable, path) && !u_.processes.WaitForEnd(record.id, kMoment);
+    return EqualNames(record.executable, path) && !u_.processes.WaitForEnd(record.id, kMoment);
   });
 }
 
-// A row that was handled has left its list: of the cookies each removal passes some over.
-bool RemovalRecord::WasReached(const Entry& entry) const {
-  const TraceKind kind = entry.trace.kind;
-  if (kind == TraceKind::kFile) return entry.outcome.has_value();
-  return kind != TraceKind::kCookie ||
-         !u_.results.lvwTrackingCookieObjectrecognized.FindText(entry.trace.trace);
+// A row that was handled has left its list: of the cookies each removal passes some over, and a
+// node's tick may not have found its row.
+std::string_view RemovalRecord::WhyNotReached(const Entry& entry) const {
+  const FoundTrace& found = entry.found;
+  if (!found.listed) return "not in the lists of this scan, scan again";
+  if (found.text.find(kFoundPrefix) != std::string::npos ||
+      found.text.find(kIgnoredPrefix) != std::string::npos) {
+    return found.ticked ? std::string_view() : "its name holds a mark of the list";
+  }
+  const ListView& cookies = u_.results.lvwTrackingCookieObjectrecognized;
+  const bool waits = found.kind == TraceKind::kFile     ? !entry.outcome
+                     : found.kind == TraceKind::kCookie ? cookies.FindText(found.text).has_value()
+                                                        : !found.ticked;
+  return waits ? "not reached, remove it once more" : std::string_view();
 }
 
-void RemovalRecord::Decide(Entry& entry) {
-  ReportedTrace& trace = entry.trace;
-  const auto decide = [&trace](Fate fate, std::string_view detail = {}) {
-    trace.fate = fate;
-    trace.detail = detail;
-  };
+void RemovalRecord::Decide(const Entry& entry, ReportedTrace& trace) {
   const FileOutcome outcome = entry.outcome.value_or(FileOutcome());
-  if (entry.exempt) return decide(Fate::kKept, kOnSafeList);
-  if (!entry.ticked) return decide(Fate::kKept, kNotTicked);
-  if (outcome.refused) return decide(Fate::kRefused, outcome.obstacle);
-  if (Exists(entry)) {
-    if (!outcome.obstacle.empty()) return decide(Fate::kFailed, "still there: " + outcome.obstacle);
-    return decide(Fate::kFailed, WasReached(entry)
-                                     ? "still there"
-                                     : "still there: not reached, remove it once more");
+  if (entry.found.exempt) return Set(trace, Fate::kKept, kOnSafeList);
+  if (!entry.found.ticked && !entry.found.nodeTicked) return Set(trace, Fate::kKept, kNotTicked);
+  if (outcome.refused) return Set(trace, Fate::kRefused, outcome.obstacle);
+  switch (LookAt(entry.found)) {
+    case Sight::kGone:
+      return DecideGone(entry, trace);
+    case Sight::kUnknown:
+      return Set(trace, Fate::kFailed, kUnseen);
+    case Sight::kThere:
+      break;
   }
-  if (!entry.existed) return decide(Fate::kGone);
-  if (Runs(trace.trace)) return decide(Fate::kFailed, "its program still runs");
-  if (outcome.quarantine.empty()) return decide(Fate::kRemoved);
-  if (!u_.files.Stat(outcome.quarantine)) {
-    return decide(Fate::kFailed, "it is not in the quarantine: " + outcome.quarantine);
+  std::string why = "still there";
+  const std::string_view notReached = WhyNotReached(entry);
+  if (!outcome.obstacle.empty()) {
+    why += ": " + outcome.obstacle;
+  } else if (entry.refusal != RegistryStatus::kSuccess) {
+    why += ": " + RefusalText(entry.refusal);
+  } else if (!notReached.empty()) {
+    why.append(": ").append(notReached);
   }
-  decide(Fate::kQuarantined, outcome.quarantine);
+  Set(trace, Fate::kFailed, why);
+}
+
+void RemovalRecord::DecideGone(const Entry& entry, ReportedTrace& trace) {
+  if (!entry.existed) return Set(trace, Fate::kGone);
+  if (Runs(trace.trace)) return Set(trace, Fate::kFailed, "its program still runs");
+  const std::string quarantine = entry.outcome ? entry.outcome->quarantine : std::string();
+  if (quarantine.empty()) return Set(trace, Fate::kRemoved);
+  if (!u_.files.Stat(quarantine)) {
+    return Set(trace, Fate::kFailed, "it is not in the quarantine: " + quarantine);
+  }
+  Set(trace, Fate::kQuarantined, quarantine);
 }
 
 RemovalReport RemovalRecord::Conclude(std::string_view problem) {
   report_.problem = problem;
   report_.traces.clear();
   running_ = u_.processes.Snapshot().value_or(std::vector<ProcessRecord>());
-  for (Entry& entry : entries_) {
-    Decide(entry);
-    report_.traces.push_back(entry.trace);
+  for (const Entry& entry : entries_) {
+    ReportedTrace& trace = report_.traces.emplace_back();
+    trace.kind = entry.found.kind;
+    trace.trace = entry.found.text;
+    trace.threat = entry.found.threat;
+    Decide(entry, trace);
+    if (trace.fate == Fate::kFailed && IsBroken(entry.refusal) && report_.problem.empty()) {
+      report_.problem = "the registry could not be written";
+    }
   }
   return report_;
 }

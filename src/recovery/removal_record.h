@@ -3,7 +3,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 #include "platform/files.h"
@@ -30,36 +29,32 @@ class RemovalRecord {
 
   void NoteBackup(BackupReport backup) { report_.backup = std::move(backup); }
   void NoteFile(std::string_view path, FileOutcome outcome);
-  // The report as of now; `problem` is why the removal ended early.
+  // What the registry answered when a trace of it was to be deleted.
+  void NoteRefusal(std::string_view trace, RegistryStatus status);
+  // The report as of now; `problem` is why the removal is not whole.
   RemovalReport Conclude(std::string_view problem);
 
  private:
   struct Entry {
-    ReportedTrace trace;
-    bool ticked = false;
-    bool exempt = false;   // on the safe list
+    FoundTrace found;
     bool existed = false;  // when the removal began
-    // A registry trace's place.
-    uint32_t hive = 0;
-    std::string key;
-    std::string valueName;
     std::optional<FileOutcome> outcome;
+    RegistryStatus refusal = RegistryStatus::kSuccess;
   };
+  enum class Sight { kThere, kGone, kUnknown };
 
-  void Take(Entry entry, bool ticked);
-  void TakeIgnoredNodes();
-  bool Exists(const Entry& entry);
-  bool ValueExists(const Entry& entry);
-  bool WasReached(const Entry& entry) const;
-  void Decide(Entry& entry);
+  Sight LookAt(const FoundTrace& trace);
+  Sight LookAtValue(const FoundTrace& trace);
+  Sight LookAtFile(const std::string& path);
+  std::string_view WhyNotReached(const Entry& entry) const;
+  void Decide(const Entry& entry, ReportedTrace& trace);
+  void DecideGone(const Entry& entry, ReportedTrace& trace);
   // Whether a program still runs; one that was ended just now gets a moment for it.
   bool Runs(std::string_view path);
 
   Uses u_;
   RemovalReport report_;
   std::vector<Entry> entries_;
-  // By kind and text; two rows of one text are one thing.
-  std::unordered_map<std::string, size_t> places_;
   std::vector<ProcessRecord> running_;  // in the end
 };
 

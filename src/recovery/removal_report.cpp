@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "core/fields.h"
+#include "core/own_files.h"
 #include "core/paths.h"
 
 namespace quarnel {
@@ -89,6 +90,25 @@ size_t RemovalReport::Count(Fate fate) const {
                     [fate](const ReportedTrace& trace) { return trace.fate == fate; }));
 }
 
+size_t RemovalReport::CountExempt() const {
+  return static_cast<size_t>(
+      std::count_if(traces.begin(), traces.end(), [](const ReportedTrace& trace) {
+        return trace.fate == Fate::kKept && trace.detail == kOnSafeList;
+      }));
+}
+
+bool RemovalReport::AllGone() const {
+  return Count(Fate::kFailed) + Count(Fate::kRefused) + Count(Fate::kKept) == CountExempt();
+}
+
+std::span<const Fate> AllFates() {
+  static constexpr std::array kAll = {Fate::kRemoved, Fate::kQuarantined, Fate::kGone,
+                                      Fate::kKept,    Fate::kRefused,     Fate::kFailed};
+  return kAll;
+}
+
+bool IsAlarming(Fate fate) { return fate == Fate::kFailed || fate == Fate::kRefused; }
+
 std::string_view NameOf(TraceKind kind) { return NameIn(kKinds, kind); }
 
 std::string_view NameOf(Fate fate) { return NameIn(kFates, fate); }
@@ -132,13 +152,15 @@ std::string RemovalReportPath(Machine& machine) {
 }
 
 void SaveRemovalReport(Files& files, Machine& machine, const RemovalReport& report) {
-  ReplaceWholeFile(files, RemovalReportPath(machine), RemovalReportText(report));
+  ReplaceOwnFile(files, machine, RemovalReportPath(machine), RemovalReportText(report));
 }
 
 std::optional<RemovalReport> LoadRemovalReport(Files& files, Machine& machine) {
   std::optional<RemovalReport> report;
-  IgnoringErrors(
-      [&] { report = ReadRemovalReport(ReadWholeFile(files, RemovalReportPath(machine))); });
+  IgnoringErrors([&] {
+    const std::string path = OwnFileToRead(files, machine, RemovalReportPath(machine));
+    report = ReadRemovalReport(ReadWholeFile(files, path));
+  });
   return report;
 }
 

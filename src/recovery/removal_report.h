@@ -2,15 +2,15 @@
 
 #include <cstddef>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "recovery/backup.h"
+#include "scan/found_traces.h"
 
 namespace quarnel {
-
-enum class TraceKind { kFile, kRegistry, kCookie };
 
 // What became of a trace of the results. A trace that was to go and still exists is kRefused or
 // kFailed, whatever the calls that should have removed it said.
@@ -37,11 +37,23 @@ struct ReportedTrace {
 struct RemovalReport {
   std::string time;                    // local, "YYYY-MM-DD HH:MM:SS"
   std::optional<BackupReport> backup;  // nothing when none was asked for
-  std::string problem;                 // why it ended part way; empty when it came to its end
+  std::string problem;                 // why it is not whole, as when it ended part way
   std::vector<ReportedTrace> traces;
 
   size_t Count(Fate fate) const;
+  // Of those that were kept, how many are on the safe list.
+  size_t CountExempt() const;
+  // Everything that was found is gone, but for what is on the safe list.
+  bool AllGone() const;
 };
+
+// Why a trace was kept.
+inline constexpr std::string_view kOnSafeList = "on the safe list";
+
+// In the order in which reports count them.
+std::span<const Fate> AllFates();
+// What was to go is not gone.
+bool IsAlarming(Fate fate);
 
 // One word each, as reports print them: "file", "registry", "cookie"; "removed", "quarantined",
 // "gone", "kept", "refused", "failed".

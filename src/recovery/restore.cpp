@@ -6,12 +6,14 @@
 #include <set>
 
 #include "base/text.h"
+#include "core/existing_files.h"
 #include "core/lines.h"
-#include "core/paths.h"
+#include "core/messages.h"
 #include "recovery/archive.h"
 #include "recovery/file_restorer.h"
 #include "recovery/restore_note.h"
 #include "recovery/restore_point.h"
+#include "recovery/safe_path.h"
 #include "recovery/stored_copies.h"
 #include "recovery/strict_restore.h"
 
@@ -31,23 +33,51 @@ std::string_view EndingOf(ArchiveKind kind) {
 class IntactLines {
  public:
   explicit IntactLines(const Manifest& manifest) {
-    for (const TextItem& text : manifest.texts) left_.emplace(text.digest, &text);
+    for (const TextItem& text : manifest.texts) {
+      known_.insert(text.digest);
+      left_.emplace(text.digest, &text);
+    }
   }
-  bool Take(std::string_view line) {
-    const Sha256Digest digest = Sha256Of(line);
-    const auto found = left_.find(digest);
-    if (found == left_.end()) return taken_.contains(digest);
-    taken_.insert(digest);
-    left_.erase(found);
-    return true;
-  }
-  // Those that did not come.
+  void Note(std::string_view line) { left_.erase(Sha256Of(line)); }
+  bool Knows(std::string_view line) const { return known_.contains(Sha256Of(line)); }
+  // Those whose line did not come.
   const std::map<Sha256Digest, const TextItem*>& Left() const { return left_; }
 
  private:
+  std::set<Sha256Digest> known_;
   std::map<Sha256Digest, const TextItem*> left_;
-  std::set<Sha256Digest> taken_;
 };
+
+// Without taking a line apart that may hold any number of fields.
+bool HasSixFields(std::string_view line) {
+  constexpr size_t kFields = 6;
+  size_t fields = 1;
+  for (size_t at = line.find(restore_point::kSeparator);
+       at != std::string_view::npos && fields <= kFields;
+       at = line.find(restore_point::kSeparator, at + restore_point::kSeparator.size())) {
+    ++fields;
+  }
+  return fields == kFields;
+}
+
+std::set<std::string> EntriesOf(const Manifest& manifest, ArchiveKind kind) {
+  std::set<std::string> entries;
+  for (const FileItem& item : manifest.files) {
+    if (item.kind == kind) entries.insert(item.entry);
+  }
+  return entries;
+}
+
+// What a person needs to see of a list; the log and the report hold the rest.
+void AppendSome(std::string& text, std::string_view title, const std::vector<std::string>& lines) {
+  constexpr size_t kShown = 20;
+  if (lines.empty()) return;
+  text += title;
+  for (size_t i = 0; i < std::min(lines.size(), kShown); ++i) text += "\r\n" + lines[i];
+  if (lines.size() > kShown) {
+    text += "\r\n... and " + std::to_string(lines.size() - kShown) + " more";
+  }
+}
 
 }  // namespace
 
@@ -73,37 +103,50 @@ void Restore::Naming(std::string_view what, std::string_view label, const Handle
 
 RestoreReport Restore::RestoreSpyware(std::string_view stem) {
   report_ = {};
-  bool tellFailures = false;
   const std::string manifestPath = RestorePointFile(u_.machine, stem, restore_point::kManifest);
   Naming(manifestPath, "RestoreSpyware", [&] {
     const RestoreNote note(u_.files, u_.machine, stem);
-    const bool strict = u_.settings.Get(setting::kStrict) == "1";
-    const bool hasManifest = FileExists(u_.files, manifestPath);
-    tellFailures = strict || hasManifest;
-    if (!hasManifest) {
+    const bool strict = u_.settings.Get(setting::kStrict) == 1;
+    if (!FileExists(u_.files, manifestPath)) {
       if (strict) Fail(manifestPath, "it is missing: nothing could be checked or restored exactly");
       return RestoreAsDescribed(stem, nullptr);
     }
-    const ManifestReading reading = ReadManifest(ReadWholeFile(u_.files, manifestPath), stem);
-    if (strict) {
-      StrictRestore({.page = u_.page,
-                     .files = u_.files,
-                     .registry = u_.registry,
-                     .machine = u_.machine,
-                     .host = u_.host,
-                     .log = u_.log},
-                    report_)
-          .Run(reading.manifest);
-    } else {
-      RestoreAsDescribed(stem, &reading);
+    if (strict) return RestoreStrictly(stem, manifestPath);
+    ManifestReading reading;
+    try {
+      reading = ReadManifest(ReadWholeFile(u_.files, manifestPath), stem);
+    } catch (const RuntimeError& error) {
+      reading.Fault(error.Description());
     }
-    for (const std::string& item : reading.damage) Fail(item, "its record is damaged or missing");
-    if (reading.damage.empty()) return;
-    NameUnlisted(stem, ArchiveKind::kFiles, reading.manifest);
-    NameUnlisted(stem, ArchiveKind::kCookies, reading.manifest);
+    RestoreAsDescribed(stem, &reading);
+    const size_t all = reading.faults;
+    report_.faults = std::move(reading.damage);
+    if (all <= report_.faults.size()) return;
+    report_.faults.insert(report_.faults.begin(),
+                          std::to_string(all) + " faults, the first of them");
   });
-  TellEnd(tellFailures);
+  TellEnd();
   return std::move(report_);
+}
+
+void Restore::RestoreStrictly(std::string_view stem, const std::string& manifestPath) {
+  constexpr std::string_view kNoRecord = "its record is damaged or missing";
+  const ManifestReading reading = ReadManifest(ReadWholeFile(u_.files, manifestPath), stem);
+  StrictRestore({.page = u_.page,
+                 .files = u_.files,
+                 .registry = u_.registry,
+                 .machine = u_.machine,
+                 .host = u_.host,
+                 .log = u_.log},
+                report_)
+      .Run(reading.manifest);
+  for (const std::string& item : reading.damage) Fail(item, kNoRecord);
+  if (const size_t more = reading.faults - reading.damage.size(); more > 0) {
+    Fail(std::to_string(more) + " further items", kNoRecord);
+  }
+  if (reading.faults == 0) return;
+  NameUnlisted(stem, ArchiveKind::kFiles, reading.manifest);
+  NameUnlisted(stem, ArchiveKind::kCookies, reading.manifest);
 }
 
 void Restore::RestoreAsDescribed(std::string_view stem, const ManifestReading* manifest) {
@@ -117,8 +160,8 @@ void Restore::RestoreAsDescribed(std::string_view stem, const ManifestReading* m
     const std::string archive = RestorePointFile(u_.machine, stem, EndingOf(kind));
     if (manifest == nullptr && !FileExists(u_.files, archive)) continue;
     Naming(archive, LabelOf(kind), [&] {
-      manifest != nullptr ? ExtractByManifest(archive, kind, manifest->manifest)
-                          : ExtractAll(archive, kind);
+      manifest != nullptr ? ExtractByManifest(archive, kind, *manifest)
+                          : ExtractAll(archive, kind, nullptr);
     });
   }
   u_.page.picBackupProgress.SetVisible(false);
@@ -132,33 +175,47 @@ void Restore::RestoreRegistry(const std::string& path, const ManifestReading* ma
     page.pgbBackup.SetMin(0);
     page.pgbBackup.SetMax(100);
     page.pgbBackup.SetValue(0);
-    const std::string text = ReadWholeFile(u_.files, path);
-    size_t count = 0;
-    for (LineReader lines(text); lines.Next();) ++count;
-    page.lblBackupProgress.SetCaption("Restore process in progress. Please wait...");
-    page.pgbBackup.SetMax(static_cast<double>(count + 1));
-    std::optional<IntactLines> intact;
-    if (manifest != nullptr) intact.emplace(manifest->manifest);
-    LineReader lines(text);
-    for (size_t number = 1; const auto line = lines.Next(); ++number) {
-      page.pgbBackup.SetValue(static_cast<double>(number));
-      page.form.Refresh();
-      u_.host.DoEvents();
-      if (!intact || intact->Take(*line)) RestoreLine(*line);
-    }
-    if (intact) {
-      for (const auto& [digest, item] : intact->Left()) {
-        Fail(ItemText(item->hive, item->path, item->name), "its line is damaged or missing");
-      }
-    }
+    RestoreLines(path, ReadWholeFile(u_.files, path), manifest);
   });
   u_.page.picBackupProgress.SetVisible(false);
 }
 
-void Restore::RestoreLine(std::string_view line) {
-  constexpr size_t kFields = 6;
+void Restore::RestoreLines(const std::string& path, std::string_view text,
+                           const ManifestReading* manifest) {
+  BackupPage& page = u_.page;
+  std::optional<IntactLines> intact;
+  if (manifest != nullptr) intact.emplace(manifest->manifest);
+  size_t count = 0;
+  for (LineReader lines(text); const auto line = lines.Next(); ++count) {
+    if (intact) intact->Note(*line);
+  }
+  // A line that no record knows is damaged, or its record is. Where every record has found its line
+  // it is the latter.
+  const bool takesUnknown = intact && manifest->faults > 0 && intact->Left().empty();
+  page.lblBackupProgress.SetCaption("Restore process in progress. Please wait...");
+  page.pgbBackup.SetMax(static_cast<double>(count + 1));
+  LineReader lines(text);
+  for (size_t number = 1; const auto line = lines.Next(); ++number) {
+    page.pgbBackup.SetValue(static_cast<double>(number));
+    page.form.Refresh();
+    u_.host.DoEvents();
+    const std::string name = "line " + std::to_string(number) + " of " + path;
+    const bool known = !intact || intact->Knows(*line);
+    if (known || takesUnknown) RestoreLine(name, *line);
+    if (!known && takesUnknown) report_.unchecked.push_back(name);
+  }
+  if (!intact) return;
+  for (const auto& [digest, item] : intact->Left()) {
+    Fail(ItemText(item->hive, item->path, item->name), "its line is damaged or missing");
+  }
+}
+
+void Restore::RestoreLine(const std::string& name, std::string_view line) {
+  if (line.empty()) return;
+  if (!HasSixFields(line)) {
+    return Fail(name, "it is damaged, or its value holds the mark between fields");
+  }
   const std::vector<std::string> fields = Split(line, restore_point::kSeparator);
-  if (fields.size() != kFields) return;
   const auto type = static_cast<ValueType>(ValLong(fields[5]));
   const RegistryStatus status = SetKeyValue(u_.registry, static_cast<uint32_t>(ValLong(fields[1])),
                                             fields[2], fields[3], fields[4], type);
@@ -175,33 +232,53 @@ void Restore::RestoreLine(std::string_view line) {
   }
 }
 
-void Restore::ExtractAll(const std::string& archivePath, ArchiveKind kind) {
+void Restore::ExtractAll(const std::string& archivePath, ArchiveKind kind, const Manifest* listed) {
+  const std::set<std::string> known =
+      listed != nullptr ? EntriesOf(*listed, kind) : std::set<std::string>();
   FileRestorer restorer(u_.files);
   ReadArchive(u_.files, archivePath, [&](ArchiveEntry& entry) {
     u_.host.DoEvents();
-    if (IsSideEntry(entry.Name()) || entry.Name().ends_with('/')) return;
-    PutBelowRoot(entry.Name(), kind, restorer,
-                 [&](const FileRestorer::Pieces& take) { entry.Read(take); });
+    const std::string& name = entry.Name();
+    if (known.contains(name) || name.ends_with('/')) return;
+    if (IsSideEntry(name)) return TellSideFile(SideFilePath(name));
+    PutBelowRoot(
+        name, kind, restorer, [&](const FileRestorer::Pieces& take) { entry.Read(take); },
+        [this, listed, path = PlaceBelowRoot(u_.machine, name)] {
+          if (listed != nullptr) report_.unchecked.push_back(path);
+        });
   });
   restorer.Settle();
 }
 
 void Restore::ExtractByManifest(const std::string& archivePath, ArchiveKind kind,
-                                const Manifest& manifest) {
+                                const ManifestReading& reading) {
   StoredCopies copies(u_.files, archivePath);
   FileRestorer restorer(u_.files);
-  for (const FileItem& item : manifest.files) {
-    if (item.kind != kind || IsSideEntry(item.entry)) continue;
+  for (const FileItem& item : reading.manifest.files) {
+    if (item.kind != kind) continue;
     u_.host.DoEvents();
-    PutBelowRoot(item.entry, kind, restorer,
-                 [&](const FileRestorer::Pieces& take) { copies.Read(item, take); });
+    if (IsSideEntry(item.entry)) {
+      TellSideFile(item.path);
+      continue;
+    }
+    PutBelowRoot(
+        item.entry, kind, restorer,
+        [&](const FileRestorer::Pieces& take) { copies.Read(item, take); }, [] {});
   }
   restorer.Settle();
+  if (reading.faults > 0) ExtractAll(archivePath, kind, &reading.manifest);
+}
+
+void Restore::TellSideFile(const std::string& path) {
+  if (!WhyUnsafe(path).empty() || !u_.files.WithoutLinks().Stat(path)) {
+    Fail(path, "only strict mode brings it back to its own place");
+  }
 }
 
 // Only what is gone comes back.
 void Restore::PutBelowRoot(const std::string& entry, ArchiveKind kind, FileRestorer& restorer,
-                           const std::function<void(const FileRestorer::Pieces& take)>& source) {
+                           const std::function<void(const FileRestorer::Pieces& take)>& source,
+                           const Handler& placed) {
   const std::string path = PlaceBelowRoot(u_.machine, entry);
   const auto failed = [this, path, kind](const RuntimeError& error) {
     Fail(path, error.Description());
@@ -209,22 +286,23 @@ void Restore::PutBelowRoot(const std::string& entry, ArchiveKind kind, FileResto
   };
   try {
     RequireBelow(RestoreRoot(u_.machine), path);
-    if (restorer.Stat(path)) {
+    if (const auto present = restorer.Stat(path)) {
+      RequireSameFile(*present, path);
       ++report_.present;
       return;
     }
-    restorer.Put(
-        {.path = path, .source = source, .placed = [this] { ++report_.files; }, .failed = failed});
+    const auto noted = [this, placed] {
+      ++report_.files;
+      placed();
+    };
+    restorer.Put({.path = path, .source = source, .placed = noted, .failed = failed});
   } catch (const RuntimeError& error) {
     failed(error);
   }
 }
 
 void Restore::NameUnlisted(std::string_view stem, ArchiveKind kind, const Manifest& manifest) {
-  std::set<std::string> listed;
-  for (const FileItem& item : manifest.files) {
-    if (item.kind == kind) listed.insert(item.entry);
-  }
+  const std::set<std::string> listed = EntriesOf(manifest, kind);
   const std::string archive = RestorePointFile(u_.machine, stem, EndingOf(kind));
   IgnoringErrors([&] {
     ReadArchive(u_.files, archive, [&](ArchiveEntry& entry) {
@@ -233,21 +311,21 @@ void Restore::NameUnlisted(std::string_view stem, ArchiveKind kind, const Manife
   });
 }
 
-void Restore::TellEnd(bool withFailures) {
+void Restore::TellEnd() {
   std::string text = "Restore process completed successfully.";
-  const std::vector<RestoreFailure>& failures = report_.failures;
-  if (withFailures && !failures.empty()) {
-    constexpr size_t kShown = 20;
-    text = "Restore process completed. These items were not restored:";
-    for (size_t i = 0; i < std::min(failures.size(), kShown); ++i) {
-      text += "\r\n" + failures[i].what + " - " + failures[i].reason;
+  if (!report_.failures.empty() || !report_.faults.empty()) {
+    std::vector<std::string> failures;
+    for (const RestoreFailure& failure : report_.failures) {
+      failures.push_back(failure.what + " - " + failure.reason);
     }
-    if (failures.size() > kShown) {
-      text += "\r\n... and " + std::to_string(failures.size() - kShown) + " more";
-    }
+    text = "Restore process completed.";
+    AppendSome(text, " These items were not restored:", failures);
+    AppendSome(text, "\r\nThe manifest of the restore point is damaged:", report_.faults);
+    AppendSome(text,
+               "\r\nNothing could be checked of these, which were restored as they lay there:",
+               report_.unchecked);
   }
-  u_.host.MsgBox(
-      {.text = text, .title = u_.settings.ApplicationName(), .icon = MessageIcon::kInformation});
+  Messages(u_.host, u_.settings).Inform(text);
 }
 
 }  // namespace quarnel

@@ -79,11 +79,7 @@ bool StrictRestore::StandsThere(const FileItem& item, FileRestorer& restorer) {
     }
     equal = hash.Finish() == item.digest;
   }
-  // Where names may differ in letter case alone, it is another file.
-  if (!equal && present->name != FileName_Parse(item.path)) {
-    throw RuntimeError(ErrorNumber::kFileExists,
-                       "another file has the name in other letter case: " + present->name);
-  }
+  if (!equal) RequireSameFile(*present, item.path);
   return equal;
 }
 

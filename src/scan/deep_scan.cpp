@@ -22,8 +22,9 @@ constexpr uint32_t kHashedAttributes = 0x1A7;
 constexpr std::string_view kFixedType = "Adware";
 
 bool IsHashed(const DirectoryEntry& entry) {
-  return !entry.IsFolder() && (entry.attributes & kHashedAttributes) != 0 &&
-         entry.name.find('.') != std::string::npos;
+  // What a link leads to may carry none of them, and what could not be looked at may be anything.
+  const bool hasOne = (entry.attributes & kHashedAttributes) != 0 || entry.IsLink() || entry.unseen;
+  return !entry.IsFolder() && hasOne && entry.name.find('.') != std::string::npos;
 }
 
 // The line of the text that holds a position.
@@ -49,7 +50,7 @@ void DeepScan::ScanDrive(std::string_view drive) {
   Reporting(u_.log, "ScanDrive in frmMain", [&] {
     u_.page.lblStatus.SetCaption("");
     const auto volume = u_.machine.Volume(drive);
-    if (!volume) return;
+    if (!volume) return u_.unread.Add("drive", drive);
     // Bytes against a count of files: the bar stays near its start.
     const uint64_t used = volume->totalBytes - std::min(volume->freeBytes, volume->totalBytes);
     ScanBelow(drive,
@@ -68,13 +69,14 @@ void DeepScan::ScanBelow(std::string_view path, double maximum) {
   u_.page.pbgMain.SetValue(0);
   u_.page.pbgMain.SetMax(maximum);
   u_.page.lblScanning.SetCaption("");
-  u_.page.lblScanning.SetVisible(true);
   u_.page.lblPercentageCompleted.SetCaption("0% Completed.");
-  u_.page.lblPercentageCompleted.SetVisible(true);
+  u_.page.facts.named = u_.page.facts.percent = true;
+  Show(u_.page);
   FindFilesAPI(path);
   u_.page.lblPercentageCompleted.SetCaption("100% Completed.");
   u_.page.pbgMain.SetValue(u_.page.pbgMain.Max());
-  u_.page.lblScanning.SetVisible(false);
+  u_.page.facts.named = false;
+  Show(u_.page);
   signatureHashText_ = {};
 }
 
@@ -124,7 +126,8 @@ void DeepScan::TakeAhead(Walk& walk, HashQueue* queue) {
 }
 
 void DeepScan::FindFilesAPI(std::string_view path) {
-  u_.page.pbgMain.SetVisible(true);
+  u_.page.facts.measured = true;
+  Show(u_.page);
   Walk walk{.tree = TreeWalk(u_.files, u_.unread, path), .ahead = {}, .skipped = {}};
   std::optional<HashQueue> queue;
   if (pool_) queue.emplace(*pool_, u_.files);
@@ -143,7 +146,9 @@ void DeepScan::FindFilesAPI(std::string_view path) {
     }
     const bool hashed = job || IsHashed(step->found);
     // An error ends the work on the folder and on all below it.
-    if (!Reporting(u_.log, "FindFilesAPI", [&] { InspectEntry(place, hashed, walk, ahead); })) {
+    const auto where = [&] { return "below " + place.folder; };
+    if (!ReportingPhase(u_, "FindFilesAPI", phase::kDeep, where,
+                        [&] { InspectEntry(place, hashed, walk, ahead); })) {
       walk.skipped = place.folder;
     }
   }
@@ -160,7 +165,9 @@ void DeepScan::ShowProgress(const std::string& path) {
 }
 
 std::string DeepScan::HashOf(const std::string& path, Walk& walk, HashQueue* queue) {
+  bool grew = false;
   if (queue) {
+    const auto job = queue->First();
     std::string hash = queue->Next([&] {
       if (!GoesOn()) return false;
       // While one large file is awaited the others go on.
@@ -168,9 +175,13 @@ std::string DeepScan::HashOf(const std::string& path, Walk& walk, HashQueue* que
       return true;
     });
     // The pool opens a file only where the listing named it; what it missed gets a second look.
+    if (hash != kNoHash && job->Grew()) u_.unread.Add("file", path);
     if (hash != kNoHash || u_.flags.scanStopRequested) return hash;
   }
-  return HashFile(u_.files, path, [this] { return !GoesOn(); });
+  std::string hash = HashFile(
+      u_.files, path, [this] { return !GoesOn(); }, &grew);
+  if (grew) u_.unread.Add("file", path);
+  return hash;
 }
 
 void DeepScan::InspectEntry(const Place& place, bool hashed, Walk& walk, HashQueue* queue) {
@@ -183,30 +194,27 @@ void DeepScan::InspectEntry(const Place& place, bool hashed, Walk& walk, HashQue
     u_.unread.Add("file", path);
     return;
   }
-  if (const auto position = signatureHashText_.Find(hash)) EnterFind(path, *position);
+  // A file that an earlier phase entered, or showed as ignored, is one trace.
+  const auto position = signatureHashText_.Find(hash);
+  if (position && !u_.results.HasFile(path)) EnterFind(path, *position);
 }
 
 void DeepScan::EnterFind(const std::string& path, size_t position) {
   const std::vector<std::string> fields = Split(LineAt(signatureHashText_.Text(), position), "^");
-  if (fields.size() < 3) throw RuntimeError(ErrorNumber::kSubscriptOutOfRange);
+  if (fields.size() < 3) {
+    throw RuntimeError(
+        ErrorNumber::kSubscriptOutOfRange,
+        LineOf(signature_file::kPrograms, LineNumber(signatureHashText_.Text(), position)));
+  }
   const std::string name(Trim(fields[2]));
-  ResultsPage& page = u_.resultsPage;
-  const bool ignored = u_.results.IsSpywareIgnored(path, name, name);
-  ListView& threats = page.lvwPicRemoveListOfSpywareFoundAndToBeRemoved;
-  if (!ignored) {
-    if (!threats.FindText(name)) {
-      u_.results.RecomputeCounters();
-      CountUp(u_.page.lblMD5Infected);
-      TreeNodeRef root = page.vbatvwResults.Find(name);
-      if (!root) root = u_.results.AddThreatRoot(name, kFixedType);
-      page.vbatvwResults.Select(root);
-      threats.Add({.text = name, .subItems = {std::string(kFixedType), name}});
-    }
-    page.lvwFilesToBeDeleted.Add({.text = path, .subItems = {std::string(kFixedType), name}});
-  }
-  if (const TreeNodeRef root = page.vbatvwResults.Find(name)) {
-    u_.results.ShowTrace(root, {.text = path, .ignored = ignored});
-  }
+  const std::string type(kFixedType);
+  const Results::Entered entered =
+      u_.results.Enter({.threat = {.name = name, .typeName = type, .company = name},
+                        .trace = FileTrace{.path = path, .typeName = type, .threatName = name},
+                        .text = path});
+  if (!entered.isNew) return;
+  CountUp(u_.page.lblMD5Infected);
+  u_.resultsPage.vbatvwResults.Select(entered.root);
 }
 
 }  // namespace quarnel

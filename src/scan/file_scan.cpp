@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "base/text.h"
+#include "core/existing_files.h"
 #include "core/paths.h"
 #include "platform/version_info.h"
 #include "scan/folders.h"
@@ -21,14 +22,20 @@ enum SignatureField { kCompany, kThreatName, kTypeCode, kFolderCode, kPath, kHas
 }  // namespace
 
 void FileScan::ScanSignatureFiles() {
-  Reporting(u_.log, "ScanSignatureFiles in frmMain", [&] {
+  size_t line = 1;
+  const auto where = [&] { return LineOf(signature_file::kFiles, line); };
+  ReportingPhase(u_, "ScanSignatureFiles in frmMain", phase::kFiles, where, [&] {
     if (!SignaturePresent(u_.files, u_.machine, signature_file::kFiles)) return;
-    Phase phase(u_.files);
-    phase.user = GetCurrentUser(u_.machine);
-    phase.dd.NewFile = [&](bool&, const std::string& path) { dd_NewFile(path, phase); };
+    Phase work(u_.files);
+    work.user = GetCurrentUser(u_.machine);
+    work.dd.LinkedFolder = [&](const std::string& path) { u_.unread.Add("link", path); };
+    work.dd.NewFile = [&](bool&, const std::string& path) { dd_NewFile(path, work); };
     SignatureLines lines(u_.files, u_.machine, signature_file::kFiles);
-    while (const auto line = lines.Next()) {
-      ScanLine(*line, phase);
+    for (;;) {
+      ++line;
+      const auto text = lines.Next();
+      if (!text) return;
+      ScanLine(*text, work);
       if (u_.flags.scanStopRequested) return;
       u_.host.DoEvents();
     }
@@ -117,12 +124,18 @@ void FileScan::TestCandidate(const Candidate& candidate, Phase& phase) {
   std::string result;
   CheckValidFile(candidate.path, candidate.company, candidate.hash, result);
   if (result != "True") return;
-  u_.results.AddFileTrace({.path = std::string(candidate.path),
-                           .company = std::string(candidate.company),
-                           .threatName = std::string(candidate.threatName),
-                           .typeName = std::string(candidate.typeName),
-                           .spywareId = std::string(Trim(candidate.spywareId))},
-                          phase.root);
+  const FileTrace trace{.path = std::string(candidate.path),
+                        .typeName = std::string(candidate.typeName),
+                        .threatName = std::string(candidate.threatName)};
+  u_.results.Enter({.threat = {.name = trace.threatName,
+                               .typeName = trace.typeName,
+                               .company = std::string(candidate.company),
+                               .spywareId = std::string(Trim(candidate.spywareId))},
+                    .trace = trace,
+                    .text = trace.path,
+                    .knownBy = KnownBy::kFileRows,
+                    .lastRoot = &phase.root,
+                    .oncePerTrace = true});
 }
 
 void FileScan::CheckValidFile(std::string_view path, std::string_view company,
@@ -142,8 +155,10 @@ bool FileScan::IsThreat(std::string_view path, std::string_view company, std::st
     return !stopped;
   };
   const auto hashFits = [&] {
-    const std::string itsHash = HashFile(u_.files, path, [&] { return !goesOn(); });
-    if (itsHash == kNoHash && !stopped) u_.unread.Add("file", path);
+    bool grew = false;
+    const std::string itsHash = HashFile(
+        u_.files, path, [&] { return !goesOn(); }, &grew);
+    if ((itsHash == kNoHash && !stopped) || grew) u_.unread.Add("file", path);
     return EqualText(itsHash, hash);
   };
   if (EqualText(company, "unknown")) return !hash.empty() && hashFits();

@@ -4,7 +4,7 @@
 
 #include "base/runtime_error.h"
 #include "base/text.h"
-#include "core/paths.h"
+#include "core/existing_files.h"
 
 namespace quarnel {
 namespace {

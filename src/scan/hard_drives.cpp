@@ -27,16 +27,16 @@ void GetAllHardDrives(ScanPage& page, const ScanFlags& flags, Machine& machine, 
 
 void lvwHardDrives_ItemCheck(const ScanPage& page, Settings& settings) {
   for (const ListRow& row : page.lvwHardDrives.Rows()) {
-    settings.Save(setting::kDrive.Named(row.text), BooleanText(row.checked));
+    settings.Save(setting::kDrive.Named(row.text), row.checked);
   }
 }
 
 void LoadDriveTicks(ScanPage& page, const Settings& settings) {
   for (size_t i = 0; i < page.lvwHardDrives.Count(); ++i) {
     const ListRow& row = page.lvwHardDrives.At(i);
-    const SettingKey setting = setting::kDrive.Named(row.text);
-    const bool stored = ToBooleanOr(settings.Get(setting), false);
-    const bool absent = settings.GetOther(setting) == setting.otherFallback;
+    const bool stored = settings.Get(setting::kDrive.Named(row.text));
+    const bool absent =
+        settings.Get(setting::kDriveMark.Named(row.text)) == setting::kDriveMark.fallback;
     const bool isSystemDrive = EqualText(row.key, "C");
     page.lvwHardDrives.SetChecked(i, stored || (absent && isSystemDrive));
   }

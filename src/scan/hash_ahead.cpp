@@ -30,7 +30,7 @@ void HashPool::Reading::Open(Place& place) {
 std::optional<size_t> HashPool::Reading::Next(std::span<char> buffer) {
   size_t size = 0;
   const bool read = file_ && !job_->abandoned_.load(std::memory_order_relaxed) &&
-                    IgnoringErrors([&] { size = file_->Read(buffer); });
+                    IgnoringErrors([&] { size = reader_.Read(*file_, buffer); });
   if (read) return size;
   const std::unique_ptr<Reading> self(this);
   file_.reset();
@@ -42,6 +42,7 @@ void HashPool::Reading::Done(const Md5Digest& digest) {
   const std::unique_ptr<Reading> self(this);
   file_.reset();
   job_->digest_ = digest;
+  job_->grew_ = reader_.Grew();
   pool_.Finish(*job_);
 }
 

@@ -13,6 +13,7 @@
 
 #include "platform/files.h"
 #include "signatures/md5_batch.h"
+#include "signatures/steady_reader.h"
 
 namespace quarnel {
 
@@ -31,6 +32,8 @@ class HashPool {
     bool IsDone() const { return done_.load(std::memory_order_acquire); }
     // 32 digits, or kNoHash for a file that could not be read to its end.
     std::string Hash() const { return digest_ ? HexText(*digest_) : std::string(kNoHash); }
+    // Whether the file became larger meanwhile; its hash is that of what it held at first.
+    bool Grew() const { return grew_; }
     // Ends the work on it soon.
     void Abandon() { abandoned_.store(true, std::memory_order_relaxed); }
 
@@ -41,6 +44,7 @@ class HashPool {
     const std::shared_ptr<const std::string> folder_;
     const std::string name_;
     std::optional<Md5Digest> digest_;
+    bool grew_ = false;
     std::atomic<bool> done_ = false;
     std::atomic<bool> abandoned_ = false;
   };
@@ -81,6 +85,7 @@ class HashPool {
     HashPool& pool_;
     const std::shared_ptr<Job> job_;
     std::unique_ptr<File> file_;  // null when it could not be opened
+    SteadyReader reader_;
   };
 
   void Finish(Job& job);

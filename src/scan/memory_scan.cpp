@@ -11,7 +11,19 @@
 namespace quarnel {
 namespace {
 
+constexpr std::string_view kProcess = "process";
 constexpr std::string_view kLoading = "Loading signatures. Please wait...";
+
+// Nobody is told of an inspection's end but the user of a scan.
+template <typename Procedure>
+void ReportingInspection(const ScanContext& u, std::string_view label, Procedure&& procedure) {
+  const auto where = [] { return signature_file::kPrograms; };
+  if (u.page.ImgStopScanMouseMove.Enabled()) {
+    ReportingPhase(u, label, phase::kMemory, where, procedure);
+  } else {
+    Reporting(u.log, label, procedure);
+  }
+}
 
 // The text between two positions of a line that may have been torn anywhere.
 std::string Between(std::string_view text, size_t begin, size_t end) {
@@ -48,10 +60,17 @@ HashIndex MemoryScan::LoadPrograms() {
 }
 
 void MemoryScan::MemoryItemsInspection(ProgressBar& progressBar) {
-  Reporting(u_.log, "MemoryItemsInspection of ModMemoryItemsInspected", [&] {
+  ReportingInspection(u_, "MemoryItemsInspection of ModMemoryItemsInspected", [&] {
     std::vector<ProcessRecord> processes;
     const int count = Process32_Enum(processes_, processes, [this] { DoEvents(); });
-    if (count == u_.flags.lastProcessCount) return;
+    if (InScan() && count < 0) throw RuntimeError(ErrorNumber::kDeviceError, "running programs");
+    if (count == u_.flags.lastProcessCount) {
+      // At the start of a scan a single program counts as none.
+      if (InScan() && count == 0 && processes.front().id != 0) {
+        u_.unread.Add(kProcess, processes.front().executable);
+      }
+      return;
+    }
     u_.flags.lastProcessCount = count;
     const int last = Process32_Enum(processes_, processes, [this] { DoEvents(); });
     if (!SignaturePresent(u_.files, u_.machine, signature_file::kPrograms)) return;
@@ -69,18 +88,19 @@ void MemoryScan::MemoryItemsInspection(ProgressBar& progressBar) {
       if (const auto path = processes_.MainModulePath(process.id)) {
         Inspect(*path, signatures);
       } else if (process.id != 0) {  // the idle entry stands for no program
-        u_.unread.Add("process", process.executable);
+        u_.unread.Add(kProcess, process.executable);
       }
     }
   });
 }
 
 void MemoryScan::CountProcessIn95() {
-  Reporting(u_.log, "CountProcessIn95 of ModMemoryItemsInspected", [&] {
+  ReportingInspection(u_, "CountProcessIn95 of ModMemoryItemsInspected", [&] {
     if (!SignaturePresent(u_.files, u_.machine, signature_file::kPrograms)) return;
     const HashIndex signatures = LoadPrograms();
     std::vector<ProcessRecord> processes;
-    Process32_Enum(processes_, processes, [this] { DoEvents(); });
+    const int last = Process32_Enum(processes_, processes, [this] { DoEvents(); });
+    if (last < 0) throw RuntimeError(ErrorNumber::kDeviceError, "running programs");
     u_.page.pbgMain.SetMax(100);
     u_.page.lblStatus.SetCaption(" ");
     for (const ProcessRecord& process : processes) {
@@ -90,7 +110,7 @@ void MemoryScan::CountProcessIn95() {
       u_.page.lblPercentageCompleted.SetCaption("Scanning Memory : " + u_.page.pbgMain.ValueText() +
                                                 "% completed.");
       DoEvents();
-      Inspect(process.executable.substr(0, process.executable.find('\0')), signatures);
+      Inspect(CutAtNul(process.executable), signatures);
     }
     u_.page.lblPercentageCompleted.SetCaption("Scanning Memory : 100% completed.");
   });
@@ -103,14 +123,19 @@ void MemoryScan::Inspect(std::string_view modulePath, const HashIndex& signature
     DoEvents();
     return true;
   });
-  const std::string hash = HashFile(u_.files, path);
-  if (hash == kNoHash) u_.unread.Add("file", path);
+  bool grew = false;
+  const std::string hash = HashFile(
+      u_.files, path, [] { return false; }, &grew);
+  if (hash == kNoHash || grew) u_.unread.Add("file", path);
   const auto position = signatures.Find(hash);
   if (!position) return;
   const std::string_view text = signatures.Text();
   const size_t first = text.find('^', *position + 1);
   const size_t second = first == std::string_view::npos ? first : text.find('^', first + 2);
-  if (second == std::string_view::npos) throw RuntimeError(ErrorNumber::kInvalidCall);
+  if (second == std::string_view::npos) {
+    throw RuntimeError(ErrorNumber::kInvalidCall,
+                       LineOf(signature_file::kPrograms, LineNumber(text, *position)));
+  }
   const Hit hit{
       .typeCode = Between(text, first + 1, second),
       .threatName = std::string(Trim(Between(text, second + 1, text.find("\r\n", second + 1))))};
@@ -124,12 +149,10 @@ void MemoryScan::DetectRunningEXE(std::string_view path, std::string_view compan
     const std::string_view baseName = path.substr(0, path.find('.'));
     if (u_.results.IsSpywareIgnored(path, baseName, company)) return;
     const std::string_view typeName = GetTypeOfSpyWare(hit.typeCode);
-    u_.results.current = {.type = std::string(typeName),
-                          .name = hit.threatName,
-                          .tag = "",
-                          .path = std::string(path)};
     if (InScan()) {
-      u_.results.AddSpaywareToResults(path);
+      u_.results.AddSpaywareToResults(path, {.path = std::string(path),
+                                             .typeName = std::string(typeName),
+                                             .threatName = hit.threatName});
       return;
     }
     raiseAlert_({.path = std::string(path),

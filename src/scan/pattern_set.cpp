@@ -86,7 +86,9 @@ std::optional<size_t> PatternSet::FirstMatch(std::string_view text) const {
   for (const uint32_t candidate : candidates) {
     if (Like(text, patterns_[candidate])) return candidate;
   }
-  if (firstInvalid_ != kNone) throw RuntimeError(ErrorNumber::kInvalidPattern);
+  if (firstInvalid_ != kNone) {
+    throw RuntimeError(ErrorNumber::kInvalidPattern, patterns_[firstInvalid_].substr(0, 60));
+  }
   return std::nullopt;
 }
 

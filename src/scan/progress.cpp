@@ -1,5 +1,6 @@
 #include "scan/progress.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <string>
@@ -25,10 +26,19 @@ void ShowPercent(Label& label, std::string_view before, int percent, std::string
   label.SetCaption(std::string(before).append(number).append(behind));
 }
 
+void IncrementProgressBar(ProgressBar& bar) {
+  constexpr double kStep = 3;
+  constexpr double kWrap = 99;
+  const double value = bar.Value() + kStep;
+  bar.SetValue(value >= kWrap ? 0 : value);
+}
+
 int CountUp(Label& counter) {
   const int value = ValLong(counter.Caption()) + 1;
   counter.SetCaption(std::to_string(value));
   return value;
 }
+
+void ShowMaximum(ProgressBar& bar, double maximum) { bar.SetMax(std::max(maximum, bar.Min())); }
 
 }  // namespace quarnel

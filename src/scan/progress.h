@@ -13,6 +13,13 @@ int PercentOf(const ProgressBar& bar);
 // number, the text behind it. Costs little while the number stays the same.
 void ShowPercent(Label& label, std::string_view before, int percent, std::string_view behind);
 
+// Sets a bar's maximum to what a signature file says of itself. A number below zero is torn, and no
+// reason to end a scan.
+void ShowMaximum(ProgressBar& bar, double maximum);
+
+// Adds 3 to a bar, and wraps to 0 when it has reached 99: it moves, and tells nothing else.
+void IncrementProgressBar(ProgressBar& bar);
+
 // A counter's caption raised by one; its new value.
 int CountUp(Label& counter);
 

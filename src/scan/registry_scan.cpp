@@ -35,13 +35,6 @@ std::string Unmarked(std::string_view text, std::string_view marker) {
 
 }  // namespace
 
-std::string RegistryTraceText(std::string_view hiveName, std::string_view key,
-                              std::string_view valueName) {
-  std::string text(hiveName);
-  text.append("\\").append(key).append(" -> Value Name: ").append(valueName);
-  return text;
-}
-
 std::string GetSSID(Registry& registry) {
   registry.SetKeySecurity(hive::kCurrentUser, kProtectedStorage, registry.AccountName(),
                           registry_access::kGenericAll);
@@ -51,14 +44,19 @@ std::string GetSSID(Registry& registry) {
 
 void RegistryScan::ScanRegistry() {
   // The blank at the label's end is part of the log's format.
-  Reporting(u_.log, "ScanRegistry in frmMain ", [&] {
+  size_t line = 1;
+  const auto where = [&] { return LineOf(signature_file::kRegistry, line); };
+  ReportingPhase(u_, "ScanRegistry in frmMain ", phase::kRegistry, where, [&] {
     if (!SignaturePresent(u_.files, u_.machine, signature_file::kRegistry)) return;
-    u_.page.lblStatus.SetVisible(true);
+    u_.page.facts.told = true;
+    Show(u_.page);
     SignatureLines lines(u_.files, u_.machine, signature_file::kRegistry);
     Record record;
-    while (const auto line = lines.Next()) {
-      if (u_.flags.scanStopRequested) return;
-      ScanLine(*line, record);
+    for (;;) {
+      ++line;
+      const auto text = lines.Next();
+      if (!text || u_.flags.scanStopRequested) return;
+      ScanLine(*text, record);
       if (u_.flags.scanStopRequested) return;
       u_.host.DoEvents();
     }
@@ -121,9 +119,6 @@ bool RegistryScan::Exists(const Entry& entry) {
   std::unique_ptr<RegistryKey> key;
   const RegistryStatus status =
       registry_.Open(entry.hive, entry.key, registry_access::kReadWrite, key);
-  if (status == RegistryStatus::kAccessDenied) {
-    u_.unread.Add("registry key", RegistryTraceText(HiveName(entry.hive), entry.key, ""));
-  }
   if (status != RegistryStatus::kSuccess) return false;
   RegistryValue value;
   return entry.valueName.empty() || QueryValueEx(*key, entry.valueName, value);
@@ -149,27 +144,21 @@ void RegistryScan::LoadSpywareRegistryToBeDeleted(Entry& entry) {
 }
 
 void RegistryScan::Enter(const Entry& entry) {
-  ResultsPage& page = u_.resultsPage;
-  const std::string_view hiveName = HiveName(entry.hive);
   const std::string name(Trim(entry.threatName));
-  page.lvwRegistryEntriesFound.Add(
-      {.text = std::string(Trim(entry.company)),
-       .subItems = {name, std::string(Trim(entry.threatType)),
-                    std::to_string(static_cast<int32_t>(entry.hive)), entry.key, entry.valueName,
-                    RegistryTraceText(hiveName, entry.key, entry.valueName)}});
-  u_.results.RecomputeCounters();
-  const std::string trace =
-      RegistryTraceText(Trim(hiveName), Trim(entry.key), Trim(entry.valueName));
-  const bool ignored = u_.results.IsSpywareIgnored(trace, name, entry.company);
-  // An ignored trace makes no root: without one it stays out of the tree.
-  ListView& threats = page.lvwPicRemoveListOfSpywareFoundAndToBeRemoved;
-  if (!ignored && !threats.FindText(name)) {
-    threats.Add({.text = name, .subItems = {entry.threatType, entry.company}});
-    u_.results.AddThreatRoot(name, entry.threatType);
-  }
-  if (const TreeNodeRef root = page.vbatvwResults.Find(name)) {
-    u_.results.ShowTrace(root, {.text = trace, .ignored = ignored, .keyHasPrefix = true});
-  }
+  const RegistryTrace trace{.company = std::string(Trim(entry.company)),
+                            .threatName = name,
+                            .typeName = std::string(Trim(entry.threatType)),
+                            .hive = entry.hive,
+                            .key = entry.key,
+                            .valueName = entry.valueName};
+  u_.results.Enter(
+      {.threat = {.name = name, .typeName = entry.threatType, .company = entry.company},
+       .trace = trace,
+       .text = RegistryTraceText(HiveName(entry.hive), Trim(entry.key), Trim(entry.valueName)),
+       .ignoredIsListed = true,
+       .rowsFirst = true,
+       .keyHasPrefix = true});
+  ResultsPage& page = u_.resultsPage;
   if (page.lvwRegistryEntriesFound.Count() == 1) page.vbatvwResults.Refresh();
 }
 

@@ -6,14 +6,10 @@
 
 #include "platform/registry.h"
 #include "scan/scan_context.h"
+#include "scan/watched_files.h"
 #include "signatures/signature_files.h"
 
 namespace quarnel {
-
-// How a registry trace is shown and recognised everywhere: in the tree, in the list, on the safe
-// list. For a whole key nothing stands behind the marker.
-std::string RegistryTraceText(std::string_view hiveName, std::string_view key,
-                              std::string_view valueName);
 
 // The string form of the user's security identifier: the name of the one subkey of the Protected
 // Storage key, which is made readable first. Empty for a user without that key.
@@ -23,7 +19,8 @@ std::string GetSSID(Registry& registry);
 // tested against the registry and entered in the results.
 class RegistryScan {
  public:
-  RegistryScan(const ScanContext& context, Registry& registry) : u_(context), registry_(registry) {}
+  RegistryScan(const ScanContext& context, Registry& registry)
+      : u_(context), registry_(registry, context.unread) {}
 
   void ScanRegistry();
 
@@ -56,7 +53,7 @@ class RegistryScan {
   void Enter(const Entry& entry);
 
   ScanContext u_;
-  Registry& registry_;
+  WatchedRegistry registry_;
 };
 
 }  // namespace quarnel

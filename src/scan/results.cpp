@@ -25,6 +25,12 @@ class BusyPointer {
   Host& host_;
 };
 
+// Selects the row of a threat; of one whose rows stand for traces, the first of these.
+void SelectThreat(ListView& threats, std::string_view name) {
+  const auto row = threats.FindText(name);
+  if (const auto found = row ? row : threats.FindSubItem(name)) threats.Select(*found);
+}
+
 }  // namespace
 
 std::string WithoutPrefixes(std::string_view text) {
@@ -53,29 +59,40 @@ std::string Results::LevelColumn(std::string_view name) const {
   return std::to_string(levelOf_(name)) + " ";
 }
 
-TreeNodeRef Results::AddThreatRoot(std::string_view name, std::string_view type) {
-  TreeNodeRef root = page_.vbatvwResults.AddRoot(name, name);
+// The lists fold letter case, so the roots that go with them are found so, too.
+TreeNodeRef Results::RootOf(std::string_view name) const {
+  if (TreeNodeRef root = page_.vbatvwResults.Find(name)) return root;
+  for (const TreeNodeRef& root : page_.vbatvwResults.Roots()) {
+    if (EqualText(root->key, name)) return root;
+  }
+  return nullptr;
+}
+
+// The root of a new threat, in both trees. A name in another letter case is the same threat; a root
+// under the very name raises.
+TreeNodeRef Results::AddThreatRoot(const Threat& threat) {
+  if (TreeNodeRef twin = RootOf(threat.name); twin && twin->key != threat.name) return twin;
+  TreeNodeRef root = page_.vbatvwResults.AddRoot(threat.name, threat.name);
   root->image = root->selectedImage = 1;
   page_.vbatvwResults.SetBold(*root, true);
   page_.vbatvwResults.SetExpanded(*root, true);
-  page_.vbatvwResults.SetColumn(*root, 1, type);
-  page_.vbatvwResults.SetColumn(*root, 2, LevelColumn(name));
-  const size_t item = page_.sfttvwResults.Add(name);
+  page_.vbatvwResults.SetColumn(*root, 1, threat.typeName);
+  page_.vbatvwResults.SetColumn(*root, 2, LevelColumn(threat.name));
+  const size_t item = page_.sfttvwResults.Add(threat.name);
   page_.sfttvwResults.SetBold(item, true);
   page_.sfttvwResults.SetExpanded(item, true);
-  page_.sfttvwResults.SetCell(item, 2, type);
+  page_.sfttvwResults.SetCell(item, 2, threat.typeName);
   return root;
 }
 
-void Results::AddTraceChild(const TreeNodeRef& root, std::string_view prefix, const Trace& trace) {
-  const std::string text = std::string(prefix) + std::string(trace.text);
+void Results::AddTraceChild(const TreeNodeRef& root, std::string_view prefix, const Find& find) {
+  const std::string text = std::string(prefix) + find.text;
   // The count makes equal traces of one threat distinct keys.
   const std::string key = "K" + std::to_string(page_.vbatvwResults.Count()) + "[[]]" +
-                          (trace.keyHasPrefix ? text : std::string(trace.text));
+                          (find.keyHasPrefix ? text : find.text);
   const TreeNodeRef child = page_.vbatvwResults.AddChild(root, key, text);
   child->image = child->selectedImage = 1;
-  if (trace.oncePerTrace &&
-      page_.sfttvwResults.FindText(std::string(kIgnoredPrefix) + std::string(trace.text))) {
+  if (find.oncePerTrace && page_.sfttvwResults.FindText(std::string(kIgnoredPrefix) + find.text)) {
     return;
   }
   if (const auto threat = ThreatItem(page_.sfttvwResults, root->text)) {
@@ -84,48 +101,84 @@ void Results::AddTraceChild(const TreeNodeRef& root, std::string_view prefix, co
   }
 }
 
-void Results::ShowTrace(const TreeNodeRef& root, const Trace& trace) {
-  if (!trace.ignored) {
-    AddTraceChild(root, kFoundPrefix, trace);
+// Shows a trace under its root as found, or as ignored unless the user hides those.
+void Results::ShowTrace(const TreeNodeRef& root, const Find& find, bool ignored) {
+  if (!ignored) {
+    AddTraceChild(root, kFoundPrefix, find);
   } else if (!page_.chkDoNotShowIgnoredItem.Checked()) {
-    AddTraceChild(root, kIgnoredPrefix, trace);
+    AddTraceChild(root, kIgnoredPrefix, find);
   }
   // The first find of a threat shows at once.
   if (root->children.size() == 1) page_.vbatvwResults.Refresh();
 }
 
-void Results::AddSpaywareToResults(std::string_view key) {
-  Reporting(log_, "AddSpaywareToResults of modSpyware", [&] {
-    TreeNodeRef root = page_.vbatvwResults.Find(Trim(key));
-    if (!page_.lvwFilesToBeDeleted.FindSubItem(key)) {
-      RecomputeCounters();
-      if (!root) root = AddThreatRoot(current.name, current.type);
-      page_.lvwPicRemoveListOfSpywareFoundAndToBeRemoved.Add(
-          {.text = std::string(key), .subItems = {current.type, current.name}, .tag = current.tag});
-    }
-    page_.lvwFilesToBeDeleted.Add({.text = current.path, .subItems = {current.type, current.name}});
-    if (!root) return;
-    ShowTrace(root,
-              {.text = current.path, .ignored = IsSpywareIgnored(current.path, key, current.name)});
-  });
+bool Results::IsKnown(const Find& find, std::string_view key) const {
+  return find.knownBy == KnownBy::kFileRows
+             ? page_.lvwFilesToBeDeleted.FindSubItem(key).has_value()
+             : page_.lvwPicRemoveListOfSpywareFoundAndToBeRemoved.FindText(key).has_value();
 }
 
-void Results::AddFileTrace(const FileTrace& trace, TreeNodeRef& root) {
-  const bool ignored = IsSpywareIgnored(trace.path, trace.threatName, trace.company);
-  if (!ignored) {
-    if (!page_.lvwFilesToBeDeleted.FindSubItem(trace.threatName)) {
-      RecomputeCounters();
-      root = page_.vbatvwResults.Find(Trim(trace.threatName));
-      if (!root) root = AddThreatRoot(trace.threatName, trace.typeName);
-      page_.lvwPicRemoveListOfSpywareFoundAndToBeRemoved.Add(
-          {.text = trace.threatName,
-           .subItems = {trace.typeName, trace.company},
-           .tag = trace.spywareId});
-    }
-    page_.lvwFilesToBeDeleted.Add(
-        {.text = trace.path, .subItems = {trace.typeName, trace.threatName}});
+void Results::AddRow(const Find& find) {
+  ListRow row = std::visit([](const auto& trace) { return trace.Row(); }, find.trace);
+  if (std::holds_alternative<FileTrace>(find.trace)) {
+    page_.lvwFilesToBeDeleted.Add(std::move(row));
+  } else if (std::holds_alternative<RegistryTrace>(find.trace)) {
+    page_.lvwRegistryEntriesFound.Add(std::move(row));
+  } else {
+    ListView& cookies = page_.lvwTrackingCookieObjectrecognized;
+    cookies.Add(std::move(row));
+    page_.lbltracesFound.SetCaption(std::to_string(cookies.Count()));
   }
-  if (root) ShowTrace(root, {.text = trace.path, .ignored = ignored, .oncePerTrace = true});
+}
+
+// The row and the root of a threat that was not met before.
+TreeNodeRef Results::BeginThreat(const Find& find, std::string_view key) {
+  ListView& threats = page_.lvwPicRemoveListOfSpywareFoundAndToBeRemoved;
+  if (find.rowsFirst) {
+    threats.Add(find.threat.Row(key));
+    return AddThreatRoot(find.threat);
+  }
+  TreeNodeRef root = RootOf(Trim(key));
+  if (!root) root = AddThreatRoot(find.threat);
+  threats.Add(find.threat.Row(key));
+  return root;
+}
+
+Results::Entered Results::Enter(const Find& find) {
+  const std::string_view key = find.key.empty() ? find.threat.name : find.key;
+  const bool ignored = IsSpywareIgnored(find.text, key, find.threat.company);
+  Entered entered;
+  entered.isNew = (!ignored || find.ignoredMakesRoot) && !IsKnown(find, key);
+  if (find.rowsFirst) AddRow(find);
+  if (find.rowsFirst || entered.isNew) RecomputeCounters();
+  entered.root = entered.isNew   ? BeginThreat(find, key)
+                 : find.lastRoot ? *find.lastRoot
+                                 : RootOf(Trim(key));
+  if (find.lastRoot) *find.lastRoot = entered.root;
+  if (!find.rowsFirst && (!ignored || find.ignoredIsListed)) AddRow(find);
+  if (entered.root) ShowTrace(entered.root, find, ignored);
+  return entered;
+}
+
+bool Results::HasFile(std::string_view path) const {
+  return page_.lvwFilesToBeDeleted.FindText(path) ||
+         page_.sfttvwResults.FindText(std::string(kIgnoredPrefix) + std::string(path));
+}
+
+void Results::AddSpaywareToResults(std::string_view key, const FileTrace& trace,
+                                   std::string_view spywareId) {
+  Reporting(log_, "AddSpaywareToResults of modSpyware", [&] {
+    Enter({.threat = {.name = trace.threatName,
+                      .typeName = trace.typeName,
+                      .company = trace.threatName,
+                      .spywareId = std::string(spywareId)},
+           .trace = trace,
+           .text = trace.path,
+           .key = std::string(key),
+           .knownBy = KnownBy::kFileRows,
+           .ignoredIsListed = true,
+           .ignoredMakesRoot = true});
+  });
 }
 
 void Results::vbatvwResults_nodeCheck(const TreeNodeRef& node) {
@@ -143,10 +196,11 @@ void Results::vbatvwResults_nodeClick(const TreeNodeRef& node) {
   const TreeNode& threat = node->parent ? *node->parent : *node;
   std::string text = "Threat Name:" + threat.text + "\r\n";
   if (!threat.children.empty()) {
-    text += "Traces under this Threat:" + std::to_string(threat.children.size()) + "\r\n";
+    text += "Traces under this Threat:" + std::to_string(threat.children.size());
   }
-  if (node->parent) text += "Trace: " + node->text;
+  if (node->parent) text += "\r\nTrace: " + node->text;
   page_.txtSpywareDescription.SetText(text);
+  SelectThreat(page_.lvwPicRemoveListOfSpywareFoundAndToBeRemoved, threat.text);
 }
 
 void Results::chkSelectAllDetectedSpywares_Click() {
@@ -180,7 +234,8 @@ void Results::SelectUnselectRegsitry(const TreeNode& node) {
   const std::string trace = WithoutPrefixes(node.text);
   ListView& list = page_.lvwRegistryEntriesFound;
   const auto row = list.FindSubItem(trace);
-  if (row && list.At(*row).SubItem(6) == trace) list.SetChecked(*row, node.checked);
+  if (row && RegistryTrace::CompleteKey(list.At(*row)) == trace)
+    list.SetChecked(*row, node.checked);
 }
 
 std::string Results::ResultsText() const {

@@ -1,7 +1,9 @@
 #include "scan/safe_list.h"
 
 #include "base/text.h"
+#include "core/existing_files.h"
 #include "core/lines.h"
+#include "core/own_files.h"
 #include "core/paths.h"
 
 namespace quarnel {
@@ -17,9 +19,14 @@ std::string SafeListPath(Machine& machine) {
   return GetPathWithSlash(machine.ProgramFolder()) + std::string(kSafeListFile);
 }
 
+std::string SafeList::TextAt(std::string_view path) {
+  const std::string place = OwnFileToRead(files_, machine_, path);
+  return files_.Stat(place) ? ReadWholeFile(files_, place) : std::string();
+}
+
 void SafeList::Load(std::string_view path, ListView& list) {
-  if (!FileExists(files_, path)) return;
-  const std::string text = ReadWholeFile(files_, path);
+  if (!FileExists(files_, OwnFileToRead(files_, machine_, path))) return;
+  const std::string text = TextAt(path);
   LineReader lines(text);
   while (const auto line = lines.Next()) {
     const std::vector<std::string> fields = Split(*line, "^");
@@ -36,15 +43,15 @@ void SafeList::AddIgnoredSpywaresTolvw(std::string_view path, std::string_view f
     const std::string trace = WithoutPrefixes(text);
     if (list.FindText(trace)) return;
     list.Add({.text = trace, .subItems = {std::string(field1), std::string(field2)}});
-    AppendInOneStep(files_, path, LineOf(trace, field1, field2));
+    ReplaceOwnFile(files_, machine_, path, TextAt(path) + LineOf(trace, field1, field2));
   });
 }
 
 void SafeList::Rewrite(std::string_view path, const ListView& list) {
   std::string text;
   for (const ListRow& row : list.Rows()) text += LineOf(row.text, row.SubItem(1), row.SubItem(2));
-  if (!text.empty()) return ReplaceWholeFile(files_, path, text);
-  if (FileExists(files_, path)) IgnoringErrors([&] { files_.Delete(path); });
+  if (!text.empty()) return ReplaceOwnFile(files_, machine_, path, text);
+  IgnoringErrors([&] { DeleteOwnFile(files_, machine_, path); });
 }
 
 bool SafeList::AddTickedTraces(std::string_view path, ResultsPage& page) {

@@ -18,10 +18,11 @@ inline constexpr std::string_view kSafeListFile = "IgnoredSpywares.txt";
 std::string SafeListPath(Machine& machine);
 
 // What the user exempts from detection. The list view is the lookup for the whole run; the file
-// keeps it from one run to the next.
+// keeps it from one run to the next; it is one of the program's own, see core/own_files.h.
 class SafeList {
  public:
-  SafeList(Files& files, ErrorLog& log) : files_(files), log_(log) {}
+  SafeList(Files& files, Machine& machine, ErrorLog& log)
+      : files_(files), machine_(machine), log_(log) {}
 
   // With `addNew` false, adds a row for each line of the file at `path`; a line with fewer than
   // three fields ends that. The list is not cleared first. With `addNew` true, adds `text` without
@@ -39,9 +40,11 @@ class SafeList {
   bool AddTickedTraces(std::string_view path, ResultsPage& page);
 
  private:
+  std::string TextAt(std::string_view path);
   void Load(std::string_view path, ListView& list);
 
   Files& files_;
+  Machine& machine_;
   ErrorLog& log_;
 };
 

@@ -1,5 +1,9 @@
 #pragma once
 
+#include <string>
+#include <string_view>
+#include <utility>
+
 #include "controls/host.h"
 #include "core/error_log.h"
 #include "platform/files.h"
@@ -23,5 +27,29 @@ struct ScanContext {
   Host& host;
   ErrorLog& log;
 };
+
+// The phases of a scan, as they are named to the user.
+namespace phase {
+inline constexpr std::string_view kCookies = "Cookies";
+inline constexpr std::string_view kMemory = "Memory";
+inline constexpr std::string_view kRegistry = "Registry";
+inline constexpr std::string_view kFiles = "Files";
+inline constexpr std::string_view kDeep = "Deep scan";
+}  // namespace phase
+
+// A phase's procedure in the reporting mode. What ends it early is told to the user, too, with the
+// place that `where` gives.
+template <typename Where, typename Procedure>
+bool ReportingPhase(const ScanContext& u, std::string_view label, std::string_view phase,
+                    const Where& where, Procedure&& procedure) {
+  return Reporting(u.log, label, [&] {
+    try {
+      std::forward<Procedure>(procedure)();
+    } catch (const RuntimeError& error) {
+      u.unread.AddNotRun(phase, std::string(where()) + ": " + error.Description());
+      throw;
+    }
+  });
+}
 
 }  // namespace quarnel

@@ -5,6 +5,19 @@
 
 namespace quarnel {
 
+// What decides which controls of the scan page show and can be used; Show follows it.
+struct ScanFacts {
+  bool running = false;   // from the click on Start to Stop or the end
+  bool stoppable = true;  // there is something left to stop
+  bool pausable = true;
+  bool watched = true;   // the scan is looked at, and not its results
+  bool counted = true;   // what it counted stands where the summary would
+  bool measured = true;  // there is a bar, ...
+  bool percent = true;   // ... what it says in words, ...
+  bool named = true;     // ... the name of what is being scanned, ...
+  bool told = true;      // ... and the status
+};
+
 // The controls of a running scan: its buttons, its bar and captions, and what it has counted so
 // far.
 struct ScanPage {
@@ -36,7 +49,12 @@ struct ScanPage {
 
   ListView lvwHardDrives{form, "lvwHardDrives", {"Drive"}};
   ListView lvwBlockedCookies{form, "lvwBlockedCookies", {"SpyName"}};
+
+  ScanFacts facts;
 };
+
+// Lets the page's controls show what its facts say.
+void Show(ScanPage& page);
 
 // The flags that a scan shares with the handlers that run inside it.
 struct ScanFlags {

@@ -4,14 +4,6 @@
 #include "core/paths.h"
 
 namespace quarnel {
-namespace {
-
-bool CanBeEntered(const DirectoryEntry& entry) {
-  return entry.IsFolder() && (entry.attributes & file_attribute::kReparsePoint) == 0;
-}
-
-}  // namespace
-
 TreeWalk::TreeWalk(Files& files, Unread& unread, std::string_view root)
     : files_(files), unread_(unread) {
   Enter(GetPathWithSlash(root));
@@ -25,7 +17,11 @@ void TreeWalk::Enter(std::string folder) {
     unread_.Add("folder", *folder_);
   }
   for (auto entry = entries_.rbegin(); entry != entries_.rend(); ++entry) {
-    if (CanBeEntered(*entry)) toEnter_.push_back(*folder_ + entry->name + "\\");
+    if (entry->IsFolder() && entry->IsLink()) {
+      unread_.Add("link", *folder_ + entry->name);
+    } else if (entry->IsFolder()) {
+      toEnter_.push_back(*folder_ + entry->name + "\\");
+    }
   }
 }
 

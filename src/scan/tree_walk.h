@@ -12,7 +12,7 @@ namespace quarnel {
 
 // The entries below a folder, one at a time: all of a folder's own before anything of its
 // sub-folders, which follow in the order found. Links are given and not entered, so the walk ends.
-// A folder that cannot be listed counts as empty and is noted as unread.
+// A folder that cannot be listed counts as empty; it and each link to a folder is noted as unread.
 class TreeWalk {
  public:
   struct Entry {

@@ -1,8 +1,10 @@
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 #include <vector>
 
 #include "platform/files.h"
@@ -12,31 +14,54 @@ namespace quarnel {
 
 // What a scan could not read. It is no find, and it is not known to be clean either.
 struct UnreadItem {
-  std::string kind;  // "file", "folder", "registry key", "process"
+  std::string kind;  // "file", "folder", "link", "registry key", "process", "drive"
   std::string name;
+
+  bool operator==(const UnreadItem&) const = default;
 };
 
+// The kind whose items leave a scan without a result.
+inline constexpr std::string_view kUnreadRegistryKey = "registry key";
+
+// What a scan can say nothing about, and what it could not keep.
 class Unread {
  public:
-  void Add(std::string_view kind, std::string_view name) {
-    // A machine that refuses everything must not fill the memory.
-    if (items_.size() < kMostNamed) items_.push_back({std::string(kind), std::string(name)});
-    ++count_;
-  }
+  // Each is named once.
+  void Add(std::string_view kind, std::string_view name);
   // The same for items that are not named.
   void AddUnnamed(size_t count) { count_ += count; }
-  void Clear() {
-    items_.clear();
-    count_ = 0;
-  }
+  // A phase that was asked for and did not run to its end: "Registry", and why.
+  void AddNotRun(std::string_view phase, std::string_view reason);
+  // The registry could not be read or written.
+  void AddBrokenRegistry(std::string_view what) { Add(kUnreadRegistryKey, what); }
+  // A record of the scan that could not be saved.
+  void AddNotSaved(std::string_view what, std::string_view reason);
+  void Clear() { *this = {}; }
+
   size_t Count() const { return count_; }
   // The first ones by name.
   const std::vector<UnreadItem>& Items() const { return items_; }
+  // "Registry: QNLRSig.dll, line 7: Subscript out of range".
+  const std::vector<std::string>& NotRun() const { return notRun_; }
+  const std::vector<std::string>& NotSaved() const { return notSaved_; }
+  // Whether every phase ran to its end and the registry could be used: all that was asked for was
+  // scanned, but for the files, folders and programs that are named here.
+  bool ScanWasWhole() const { return notRun_.empty() && !registryBroken_; }
+
+  // As lines for a person, at most so many.
+  std::string Text(size_t most) const;
 
  private:
+  friend std::optional<Unread> ReadUnread(std::string_view text);
+
+  // A machine that refuses everything must not fill the memory.
   static constexpr size_t kMostNamed = 10000;
   std::vector<UnreadItem> items_;
+  std::unordered_set<std::string> named_;  // folded
   size_t count_ = 0;
+  std::vector<std::string> notRun_;
+  std::vector<std::string> notSaved_;
+  bool registryBroken_ = false;
 };
 
 // What the last scan could not read, kept in the program's folder for a later report: the file that

@@ -7,8 +7,6 @@ namespace quarnel {
 
 // The controls of the schedule page. The two buttons show only while something was changed.
 struct SchedulePage {
-  explicit SchedulePage(Form& form);
-
   Form& form;
   Panel picScheduleBase{form, "picScheduleBase"};
   CheckBox chkAutomaticScanYesOrNo{form, "chkAutomaticScanYesOrNo", "Enable Auto Scan"};

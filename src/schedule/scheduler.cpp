@@ -11,8 +11,6 @@ namespace {
 // The entries of cmbDays: the weekdays from Monday on, and these.
 enum Day { kMonday = 0, kSunday = 6, kDaily = 7, kDateAndTime = 8, kNoDay = 9 };
 
-constexpr std::string_view kNotSet = "Null";
-constexpr std::string_view kNeverApplied = "None";
 constexpr std::string_view kFirstTime = "12:00:00 AM";
 
 constexpr std::string_view kDatePattern = "dd/MM/yyyy";
@@ -30,14 +28,20 @@ std::string Formatted(const std::string& text, std::string_view pattern) {
   return moment ? FormatDate(*moment, pattern) : text;
 }
 
-std::string StoredText(const DatePicker& picker) {
-  return picker.Value() ? GeneralDateText(*picker.Value()) : std::string(kNotSet);
+// A picker without a value is stored as the reader's word for none.
+void SavePicker(Settings& settings, const SettingKey<setting::Date>& key,
+                const DatePicker& picker) {
+  if (picker.Value()) return settings.Save(key, *picker.Value());
+  settings.Save(key.ReadAs<setting::Text>(key.fallback), key.fallback);
 }
 
 }  // namespace
 
 Scheduler::Scheduler(const Uses& uses) : u_(uses) {
   SchedulePage& page = u_.page;
+  page.cmbDays.SetItems({"Monday", "Tuesday", "Wednesday", "Thursday", "Friday", "Saturday",
+                         "Sunday", "Daily", "Date & Time"});
+  ShowButtons(false);
   const auto reporting = [this](std::string_view label, void (Scheduler::*procedure)()) {
     return [this, label, procedure] { Reporting(u_.log, label, [&] { (this->*procedure)(); }); };
   };
@@ -47,7 +51,6 @@ Scheduler::Scheduler(const Uses& uses) : u_(uses) {
   page.cmbDays.Click = reporting("cmbDays_Click in frmMain", &Scheduler::cmbDays_Click);
   page.chkAutomaticScanYesOrNo.Click = reporting("chkAutomaticScanYesOrNo_Click in frmMain",
                                                  &Scheduler::chkAutomaticScanYesOrNo_Click);
-  u_.tmrScheduler.Tick = reporting("tmrSchedule_Timer in frmMain", &Scheduler::tmrScheduler_Timer);
   page.lblEnableAutoScan.Click = [this] {
     Reporting(u_.log, "lblEnableAutoScan_Click in frmMain",
               [&] { u_.page.chkAutomaticScanYesOrNo.SetValue(1); });
@@ -65,12 +68,12 @@ Scheduler::Scheduler(const Uses& uses) : u_(uses) {
 void Scheduler::LoadSchedule() {
   Reporting(u_.log, "LoadSchedule in frmMain", [&] {
     SchedulePage& page = u_.page;
-    if (u_.settings.Get(setting::kTime) == kNotSet) {
-      u_.settings.Save(setting::kTime, kFirstTime);
-      page.dtpScheduleTime.SetValue(DateFrom(kFirstTime));
+    if (u_.settings.Get(setting::kTime) == setting::kTime.fallback) {
+      u_.settings.Save(setting::kTime, DateFrom(kFirstTime));
     }
-    if (u_.settings.GetOther(setting::kDay) == kNeverApplied) {
-      page.chkAutomaticScanYesOrNo.SetValue(ValLong(u_.settings.Get(setting::kAutomaticScan)));
+    if (u_.settings.Get(setting::kAppliedDay) == setting::kAppliedDay.fallback) {
+      page.dtpScheduleTime.SetValue(DateFrom(u_.settings.Get(setting::kTime)));
+      page.chkAutomaticScanYesOrNo.SetValue(u_.settings.Get(setting::kAutomaticScan));
       page.cmbDays.SetListIndex(kDaily);
     } else {
       LoadAppliedSchedule();
@@ -87,26 +90,26 @@ void Scheduler::LoadAppliedSchedule() {
     picker.SetValue(std::nullopt);
     picker.SetEnabled(false);
   };
-  if (const std::string date = u_.settings.Get(setting::kDate); date == kNotSet) {
+  if (const std::string date = u_.settings.Get(setting::kDate); date == setting::kDate.fallback) {
     clear(page.dtpScheduleDate, Today());
   } else {
     page.dtpScheduleDate.SetValue(DateFrom(date));
   }
-  if (const std::string time = u_.settings.Get(setting::kTime); time == kNotSet) {
-    u_.settings.Save(setting::kTime, GeneralDateText(PresentTime()));
+  if (const std::string time = u_.settings.Get(setting::kTime); time == setting::kTime.fallback) {
+    u_.settings.Save(setting::kTime, PresentTime());
     clear(page.dtpScheduleTime, PresentTime());
   } else {
     page.dtpScheduleTime.SetValue(DateFrom(time));
   }
-  const int day = ValLong(u_.settings.Get(setting::kDay));
+  const int day = u_.settings.Get(setting::kDay);
   page.cmbDays.SetListIndex(day);
-  page.chkAutomaticScanYesOrNo.SetValue(ValLong(u_.settings.Get(setting::kAutomaticScan)));
+  page.chkAutomaticScanYesOrNo.SetValue(u_.settings.Get(setting::kAutomaticScan));
   // A box that has just lost its tick has chosen the first day.
   page.cmbDays.SetListIndex(day);
 }
 
 void Scheduler::RefreshFields() {
-  inForce_.mScheduleDay = ToInteger(Val(u_.settings.Get(setting::kDay)));
+  inForce_.mScheduleDay = ToInteger(static_cast<double>(u_.settings.Get(setting::kDay)));
   inForce_.mScheduleTime = u_.settings.Get(setting::kTime);
   inForce_.mScheduleDate = u_.settings.Get(setting::kDate);
 }
@@ -117,18 +120,18 @@ void Scheduler::ApplySchedule() {
     if (page.cmbDays.ListIndex() == kDateAndTime) {
       const auto missing = [&](const DatePicker& picker, std::string_view what) {
         if (picker.Value()) return false;
-        Inform("Please define the particular " + std::string(what) + " when you want to scan.",
-               u_.settings.ApplicationName());
+        messages_.Inform("Please define the particular " + std::string(what) +
+                         " when you want to scan.");
         return true;
       };
       if (missing(page.dtpScheduleDate, "date") || missing(page.dtpScheduleTime, "time")) return;
     }
-    u_.settings.Save(setting::kAutomaticScan, page.chkAutomaticScanYesOrNo.ValueText());
-    u_.settings.Save(setting::kDay, std::to_string(page.cmbDays.ListIndex()));
-    u_.settings.Save(setting::kTime, StoredText(page.dtpScheduleTime));
-    u_.settings.Save(setting::kDate, StoredText(page.dtpScheduleDate));
+    u_.settings.Save(setting::kAutomaticScan, page.chkAutomaticScanYesOrNo.Value());
+    u_.settings.Save(setting::kDay, page.cmbDays.ListIndex());
+    SavePicker(u_.settings, setting::kTime, page.dtpScheduleTime);
+    SavePicker(u_.settings, setting::kDate, page.dtpScheduleDate);
     RefreshFields();
-    u_.tmrScheduler.SetEnabled(Val(u_.settings.Get(setting::kAutomaticScan)) == 1);
+    u_.tmrScheduler.SetEnabled(u_.settings.Get(setting::kAutomaticScan) == 1);
     page.cmdDefaultSetting.SetVisible(false);
   });
 }
@@ -137,8 +140,8 @@ void Scheduler::ApplySchedule() {
 void Scheduler::cmdProceed_Click() {
   ApplySchedule();
   u_.page.cmdProceed.SetVisible(false);
-  Inform("Schedule settings have been saved.", "Schedule Settings");
-  u_.surroundings.RefreshSystemSummary();
+  messages_.Inform("Schedule settings have been saved.", "Schedule Settings");
+  u_.window.RefreshSummary();
 }
 
 void Scheduler::cmdDefaultSetting_Click() {
@@ -164,11 +167,15 @@ void Scheduler::cmbDays_Click() {
   SchedulePage& page = u_.page;
   const int day = page.cmbDays.ListIndex();
   EnablePickersByDay();
-  if (page.dtpScheduleTime.Enabled() && !page.dtpScheduleTime.Value()) {
-    page.dtpScheduleTime.SetValue(PresentTime());
-  }
+  GiveTime();
   if (day == kDateAndTime && !page.dtpScheduleDate.Value()) page.dtpScheduleDate.SetValue(Today());
   ShowButtons(true);
+}
+
+// A schedule without a time would never run.
+void Scheduler::GiveTime() {
+  DatePicker& time = u_.page.dtpScheduleTime;
+  if (time.Enabled() && !time.Value()) time.SetValue(PresentTime());
 }
 
 void Scheduler::EnablePickersByDay() {
@@ -187,6 +194,7 @@ void Scheduler::chkAutomaticScanYesOrNo_Click() {
       page.dtpScheduleDate.SetEnabled(false);
       page.dtpScheduleTime.SetEnabled(true);
     }
+    GiveTime();
   } else {
     page.cmbDays.SetListIndex(kMonday);
     page.cmbDays.SetEnabled(false);
@@ -221,22 +229,28 @@ bool Scheduler::IsDue() const {
   return FormatDate(now, kTimePattern) == Formatted(inForce_.mScheduleTime, kTimePattern);
 }
 
-// The timer ticks many times in the due second, and a scan may be over before its end.
 bool Scheduler::StartedJustNow() const {
   if (!startedAt_) return false;
   const Milliseconds since = u_.host.clock().Ticks() - *startedAt_;
   return since >= Milliseconds(0) && since < std::chrono::seconds(1);
 }
 
-void Scheduler::tmrScheduler_Timer() {
-  u_.surroundings.MakeTimersEnabledOrDisableAcordingToSetting(true);
-  // A scan that runs already is not entered a second time.
-  if (IsDue() && !StartedJustNow() && !u_.surroundings.ScanIsRunning()) {
-    startedAt_ = u_.host.clock().Ticks();
-    u_.surroundings.ShowFirstPage();
-    u_.surroundings.StartScan();
-  }
-  u_.surroundings.MakeTimersEnabledOrDisableAcordingToSetting(false);
+bool Scheduler::TakeDueScan() {
+  if (!IsDue() || StartedJustNow()) return false;
+  startedAt_ = u_.host.clock().Ticks();
+  return true;
+}
+
+// The day is left to the tick itself.
+Milliseconds Scheduler::UntilScheduledSecond() const {
+  using std::chrono::days, std::chrono::floor, std::chrono::seconds;
+  const std::optional<DateTime> scheduled = ParseDate(inForce_.mScheduleTime);
+  if (!scheduled) return days(1);
+  const DateTime now = u_.host.clock().Now();
+  const auto second = floor<seconds>(*scheduled - floor<days>(*scheduled));
+  const Milliseconds until = second - (now - floor<days>(now));
+  if (until > Milliseconds(0)) return until;
+  return until > -seconds(1) ? Milliseconds(0) : until + days(1);
 }
 
 DateTime Scheduler::Today() const {
@@ -245,10 +259,5 @@ DateTime Scheduler::Today() const {
 
 // The time of day alone, without the day's date.
 DateTime Scheduler::PresentTime() const { return DateFrom(TimeText(u_.host.clock().Now())); }
-
-void Scheduler::Inform(std::string_view text, std::string_view title) {
-  u_.host.MsgBox(
-      {.text = std::string(text), .title = std::string(title), .icon = MessageIcon::kInformation});
-}
 
 }  // namespace quarnel

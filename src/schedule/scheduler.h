@@ -7,26 +7,15 @@
 
 #include "controls/host.h"
 #include "core/error_log.h"
+#include "core/main_window.h"
+#include "core/messages.h"
 #include "core/settings.h"
 #include "schedule/schedule_page.h"
 
 namespace quarnel {
 
-// What the calendar asks of the window around its page.
-class ScheduleSurroundings {
- public:
-  virtual ~ScheduleSurroundings() = default;
-  virtual void MakeTimersEnabledOrDisableAcordingToSetting(bool leaveAlone) = 0;
-  virtual bool ScanIsRunning() const = 0;
-  // Makes the first page the visible one, and starts a scan there as the start button does; returns
-  // when the scan is over.
-  virtual void ShowFirstPage() = 0;
-  virtual void StartScan() = 0;
-  virtual void RefreshSystemSummary() = 0;
-};
-
-// Starts a scan at a time of day, on one weekday, every day, or once on one date. It works only
-// while the program runs, and nothing makes up for a missed second.
+// Tells when a scan is due: at a time of day, on one weekday, every day, or once on one date. It
+// works only while the program runs, and nothing makes up for a missed second.
 class Scheduler {
  public:
   struct Uses {
@@ -35,7 +24,7 @@ class Scheduler {
     Settings& settings;
     Host& host;
     ErrorLog& log;
-    ScheduleSurroundings& surroundings;
+    MainWindow& window;
   };
   explicit Scheduler(const Uses& uses);
 
@@ -46,6 +35,11 @@ class Scheduler {
   void ApplySchedule();
   // The page as it stands when its tab was opened: as stored, nothing to apply.
   void OpenPage();
+  // Whether a scan is due now. Once in its second: the timer ticks many times in it, and a scan may
+  // be over before its end.
+  bool TakeDueScan();
+  // How long it is until the second in which a scan may be due; 0 within it.
+  Milliseconds UntilScheduledSecond() const;
 
  private:
   // The schedule in force. The timer compares with this, and never looks at the controls.
@@ -60,6 +54,7 @@ class Scheduler {
   void ShowButtons(bool show);
   void PickerCleared(const DatePicker& picker);
   void EnablePickersByDay();
+  void GiveTime();
   bool IsDue() const;
   bool StartedJustNow() const;
 
@@ -67,13 +62,12 @@ class Scheduler {
   void cmdDefaultSetting_Click();
   void cmbDays_Click();
   void chkAutomaticScanYesOrNo_Click();
-  void tmrScheduler_Timer();
 
   DateTime Today() const;
   DateTime PresentTime() const;
-  void Inform(std::string_view text, std::string_view title);
 
   Uses u_;
+  Messages messages_{u_.host, u_.settings};
   InForce inForce_;
   std::optional<Milliseconds> startedAt_;  // in the clock's ticks
 };

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <span>
-#include <unordered_set>
+#include <unordered_map>
 
 #include "base/text.h"
 #include "core/lines.h"
@@ -91,10 +91,14 @@ class Compiler {
   void Refuse(std::string_view file, size_t line, std::string reason) {
     set_.errors.push_back({std::string(file), line, std::move(reason)});
   }
+  // Sources with more than these are not worth the reading.
+  bool HasManyErrors() const { return set_.errors.size() >= kMostSourceErrors; }
+  // The spelling under which the threat stands already; nothing when it is written so, or new.
+  std::optional<std::string_view> OtherSpelling(std::string_view threat) const;
   void AddThreat(std::string_view threat);
 
   CompiledSet set_;
-  std::unordered_set<std::string_view> threats_;  // views of the sources
+  std::unordered_map<std::string, std::string_view> threats_;  // by folded name
   std::string threatLines_;
 };
 
@@ -111,9 +115,8 @@ std::string LineFault(const SourceFormat& format, std::string_view line,
              "): " + fault;
     }
   }
-  // Such a line would stand for the hive as a whole, which the removal would then empty.
-  if (format.output == name::kRegistry && fields[4].empty() && fields[5].empty()) {
-    return "neither a key nor a value name";
+  if (format.output == name::kRegistry) {
+    if (std::string fault = KeyFault(fields[4], fields[5]); !fault.empty()) return fault;
   }
   const bool enciphered =
       FindSignatureFile(format.output)->encoding == SignatureEncoding::kCountedCipher;
@@ -126,14 +129,23 @@ void Compiler::AddFormat(const SourceFormat& format, std::string_view text) {
   std::string body;
   size_t count = 0;
   LineReader lines(WithoutMark(text));
-  for (size_t number = 1; const auto line = lines.Next(); ++number) {
+  for (size_t number = 1; const auto line = HasManyErrors() ? std::nullopt : lines.Next();
+       ++number) {
     if (line->empty() || line->front() == '#') continue;
     const std::vector<std::string_view> fields = SplitLine(*line, format.separator);
     if (std::string fault = LineFault(format, *line, fields); !fault.empty()) {
       Refuse(format.source, number, std::move(fault));
       continue;
     }
-    if (format.nameField) AddThreat(fields[*format.nameField]);
+    if (format.nameField) {
+      const std::string_view threat = fields[*format.nameField];
+      if (const auto other = OtherSpelling(threat)) {
+        Refuse(format.source, number,
+               "the name is written \"" + std::string(*other) + "\" elsewhere");
+        continue;
+      }
+      AddThreat(threat);
+    }
     body.append(enciphered ? Encrypt(*line) : *line).append(kLineEnd);
     ++count;
   }
@@ -145,8 +157,14 @@ void Compiler::AddFormat(const SourceFormat& format, std::string_view text) {
   set_.files.push_back({std::string(format.output), std::move(body)});
 }
 
+std::optional<std::string_view> Compiler::OtherSpelling(std::string_view threat) const {
+  const auto known = threats_.find(ToUpper(threat));
+  if (known == threats_.end() || known->second == threat) return std::nullopt;
+  return known->second;
+}
+
 void Compiler::AddThreat(std::string_view threat) {
-  if (threat.empty() || !threats_.insert(threat).second) return;
+  if (threat.empty() || !threats_.try_emplace(ToUpper(threat), threat).second) return;
   threatLines_.append(threat).append(kLineEnd);
 }
 
@@ -154,7 +172,8 @@ void Compiler::AddLevels(std::string_view text) {
   text = WithoutMark(text);
   bool inLevels = false;
   LineReader lines(text);
-  for (size_t number = 1; const auto line = lines.Next(); ++number) {
+  for (size_t number = 1; const auto line = HasManyErrors() ? std::nullopt : lines.Next();
+       ++number) {
     const std::string_view entry = Trim(*line);
     if (entry.starts_with('[')) {
       inLevels = EqualText(entry, "[Level]");

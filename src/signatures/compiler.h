@@ -43,8 +43,11 @@ struct CompiledFile {
   std::string bytes;
 };
 
-// Either the whole set of files or, when any line was refused, all errors in the order of files and
-// lines and no file.
+// The compiler stops at so many errors.
+inline constexpr size_t kMostSourceErrors = 1000;
+
+// Either the whole set of files or, when any line was refused, the first errors in the order of
+// files and lines and no file.
 struct CompiledSet {
   std::vector<CompiledFile> files;
   std::vector<SourceError> errors;
@@ -52,7 +55,8 @@ struct CompiledSet {
 
 // Makes every file of the set. Nothing passes that the readers could not read back as it was meant:
 // a line is refused for a wrong number of fields, a hash, code or identifier of a wrong form, bytes
-// that a reader would drop or take for a line's end, and a length over kLongestLine.
+// that a reader would drop or take for a line's end, a length over kLongestLine, a registry key
+// that stands for a whole hive, and a threat's name in a second spelling of its letter case.
 CompiledSet CompileSet(const SignatureSources& sources);
 
 // The source text of a signature file, whose kind its name tells (letter case ignored); nothing for

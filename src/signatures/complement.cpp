@@ -6,7 +6,7 @@
 
 #include "base/text.h"
 #include "controls/host.h"
-#include "core/paths.h"
+#include "core/existing_files.h"
 
 namespace quarnel {
 namespace {
@@ -69,13 +69,14 @@ std::string ComplementBytes(std::string_view source) {
   return result;
 }
 
-void ComplementFile(const ComplementTools& tools, std::string_view sSource,
+bool ComplementFile(const ComplementTools& tools, std::string_view sSource,
                     std::string_view sTarget) {
   const auto tell = [&](std::string text) {
     tools.host.MsgBox({.text = std::move(text),
                        .title = std::string(tools.title),
                        .icon = MessageIcon::kCritical});
   };
+  bool done = false;
   Reporting(tools.log, "DecompressFile", [&] {
     if (sSource.empty() || !FileExists(tools.files, sSource)) {
       return tell("Source file " + std::string(sSource) + " not found.");
@@ -84,7 +85,9 @@ void ComplementFile(const ComplementTools& tools, std::string_view sSource,
     const auto target = tools.files.Open(sTarget, OpenMode::kReadWrite);
     const auto source = tools.files.Open(sSource, OpenMode::kRead);
     WriteComplement(*source, *target);
+    done = true;
   });
+  return done;
 }
 
 }  // namespace quarnel

@@ -26,8 +26,8 @@ struct ComplementTools {
 // Writes the complement of a file over another, which is made when absent and not truncated: what
 // stands there at the place of a source byte 0, or behind the source's end, stays. Tells the user
 // when the source does not exist or no target is named; other failures are logged as
-// "DecompressFile".
-void ComplementFile(const ComplementTools& tools, std::string_view sSource,
+// "DecompressFile". True when the target was written to its end.
+bool ComplementFile(const ComplementTools& tools, std::string_view sSource,
                     std::string_view sTarget);
 
 }  // namespace quarnel

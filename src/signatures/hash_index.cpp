@@ -28,7 +28,7 @@
 namespace quarnel {
 namespace {
 
-constexpr size_t kPiece = size_t{256} * 1024;
+constexpr size_t kReadAtOnce = size_t{256} * 1024;
 
 // The first position from `position` on at which a line begins. `end` when there is none near: a
 // file with such lines is not read in parts.
@@ -72,12 +72,12 @@ struct LoadStopped {};
 // so that places would differ.
 template <typename GoesOn>
 std::optional<size_t> DecipherPart(FilePart& part, char* text, HashPlaces& places, GoesOn goesOn) {
-  const auto buffer = std::make_unique_for_overwrite<char[]>(kPiece + kLongestLine + 2);
+  const auto buffer = std::make_unique_for_overwrite<char[]>(kReadAtOnce + kLongestLine + 2);
   size_t position = part.begin;
   size_t held = 0;  // bytes in the buffer, of which the first belongs to this position
   part.file->Seek(position);
   while (position + held < part.end) {
-    const size_t wanted = std::min(kPiece, part.end - position - held);
+    const size_t wanted = std::min(kReadAtOnce, part.end - position - held);
     const size_t count = part.file->Read({buffer.get() + held, wanted});
     if (count == 0) return std::nullopt;
     held += count;
@@ -240,6 +240,11 @@ std::optional<size_t> HashIndex::Data::Find(std::string_view hash) const {
   return found;
 }
 
+size_t LineNumber(std::string_view text, size_t position) {
+  return 1 + static_cast<size_t>(std::count(
+                 text.begin(), text.begin() + static_cast<std::ptrdiff_t>(position), '\n'));
+}
+
 HashIndex::HashIndex() : data_(std::make_unique<Data>(0)) {}
 HashIndex::HashIndex(std::string_view text) : data_(std::make_unique<Data>(text.size())) {
   data_->Take(text);
@@ -261,7 +266,7 @@ HashIndex HashIndex::Load(Files& files, Machine& machine, std::string_view sFile
   if (fileSize > kLargestSignatureText) throw RuntimeError(ErrorNumber::kOverflow);
   const size_t size = static_cast<size_t>(fileSize);
   // Small files are not worth a thread.
-  while (parts.size() < workers && parts.size() * 4 * kPiece < size) {
+  while (parts.size() < workers && parts.size() * 4 * kReadAtOnce < size) {
     parts.push_back({.file = files.Open(path, OpenMode::kRead)});
   }
   for (size_t i = 0; i < parts.size(); ++i) {

@@ -11,6 +11,9 @@
 
 namespace quarnel {
 
+// The number of the line of a text that holds a position, from 1.
+size_t LineNumber(std::string_view text, size_t position);
+
 // The deciphered text of QNLESig.dll with an index of every hash in it. It answers what a search of
 // the whole text for a hash would find, without the search: the hash may stand anywhere, also in a
 // name, its letter case does not matter, and its first place counts.

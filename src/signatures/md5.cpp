@@ -4,8 +4,10 @@
 #include <cstring>
 #include <memory>
 
+#include "base/hex.h"
 #include "base/runtime_error.h"
 #include "signatures/md5_kernels.h"
+#include "signatures/steady_reader.h"
 
 namespace quarnel {
 
@@ -59,31 +61,27 @@ Md5Digest Md5Of(std::string_view message) {
 }
 
 std::string HexText(const Md5Digest& digest) {
-  constexpr std::string_view kDigits = "0123456789ABCDEF";
-  std::string text;
-  text.reserve(2 * digest.size());
-  for (const uint8_t byte : digest) {
-    text += kDigits[byte >> 4];
-    text += kDigits[byte & 15];
-  }
-  return text;
+  return HexText(std::string_view(reinterpret_cast<const char*>(digest.data()), digest.size()));
 }
 
 std::string HashFile(Files& files, std::string_view path) {
   return HashFile(files, path, [] { return false; });
 }
 
-std::string HashFile(Files& files, std::string_view path, const std::function<bool()>& stopped) {
+std::string HashFile(Files& files, std::string_view path, const std::function<bool()>& stopped,
+                     bool* grew) {
   constexpr size_t kPiece = size_t{256} * 1024;
   std::string text(kNoHash);
   IgnoringErrors([&] {
     const auto file = files.Open(path, OpenMode::kRead);
     const auto piece = std::make_unique_for_overwrite<char[]>(kPiece);
     Md5 md5;
-    while (const size_t count = file->Read({piece.get(), kPiece})) {
+    SteadyReader reader;
+    while (const size_t count = reader.Read(*file, {piece.get(), kPiece})) {
       md5.Update({piece.get(), count});
       if (stopped()) return;
     }
+    if (grew) *grew = reader.Grew();
     text = HexText(md5.Finish());
   });
   return text;

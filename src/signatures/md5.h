@@ -46,7 +46,9 @@ inline constexpr std::string_view kNoHash = "                                ";
 // The MD5 of a file as 32 hexadecimal digits; kNoHash when it cannot be read. Raises nothing.
 std::string HashFile(Files& files, std::string_view path);
 
-// The same, asking `stopped` after each piece of some 256 KiB; kNoHash when it says yes.
-std::string HashFile(Files& files, std::string_view path, const std::function<bool()>& stopped);
+// The same, asking `stopped` after each piece of some 256 KiB; kNoHash when it says yes. A file
+// that grows meanwhile is hashed as far as it went at first, and `grew` is set.
+std::string HashFile(Files& files, std::string_view path, const std::function<bool()>& stopped,
+                     bool* grew = nullptr);
 
 }  // namespace quarnel

@@ -68,13 +68,6 @@ size_t MostLanes(Md5Level level) {
   return most;
 }
 
-// The part of a lane that only changes from piece to piece.
-struct Lane {
-  Md5Message* message = nullptr;
-  uint64_t size = 0;    // bytes that came so far
-  bool padded = false;  // what is being hashed are the message's last blocks
-};
-
 }  // namespace
 
 Md5Level BestMd5Level() {
@@ -99,6 +92,13 @@ class Md5Batch::Engine {
   void Run(const std::function<Md5Message*()>& next);
 
  private:
+  // The part of a lane that only changes from piece to piece.
+  struct Lane {
+    Md5Message* message = nullptr;
+    uint64_t size = 0;    // bytes that came so far
+    bool padded = false;  // what is being hashed are the message's last blocks
+  };
+
   bool Fill(size_t lane, const std::function<Md5Message*()>& next);
   bool Begin(size_t lane, const std::function<Md5Message*()>& next);
   bool Supply(size_t lane);

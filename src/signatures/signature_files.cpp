@@ -6,6 +6,7 @@
 
 #include "base/runtime_error.h"
 #include "base/text.h"
+#include "core/existing_files.h"
 #include "core/lines.h"
 #include "core/paths.h"
 #include "signatures/cipher.h"
@@ -47,6 +48,26 @@ std::string SignaturePath(Machine& machine, std::string_view name) {
 
 bool SignaturePresent(Files& files, Machine& machine, std::string_view name) {
   return FileExists(files, SignaturePath(machine, name));
+}
+
+std::string LineOf(std::string_view name, size_t line) {
+  return std::string(name) + ", line " + std::to_string(line);
+}
+
+std::string WhyUnusable(Files& files, Machine& machine, std::string_view name) {
+  const std::string file(name);
+  if (!SignaturePresent(files, machine, name)) return file + " is missing";
+  try {
+    LineFile lines(files.Open(SignaturePath(machine, name), OpenMode::kRead));
+    if (lines.Size() == 0) return file + " is empty";
+    if (FindSignatureFile(name)->encoding != SignatureEncoding::kCountedCipher) return {};
+    const auto first = lines.Next();
+    const bool isCounted = first && ValLong(*first) > 0;
+    if (isCounted && !lines.Next()) return file + " holds none of its signatures";
+  } catch (const RuntimeError& error) {
+    return file + ": " + error.Description();
+  }
+  return {};
 }
 
 void AllSignatureArePresent(Files& files, Machine& machine, bool& result) {
@@ -132,7 +153,14 @@ std::string LoadSignatures(Files& files, Machine& machine, std::string_view sFil
   LineFile lines(files.Open(SignaturePath(machine, sFileName), OpenMode::kRead));
   std::string text;
   text.reserve(static_cast<size_t>(std::min(lines.Size(), kLargestSignatureText)) + 2);
-  while (const auto cipher = lines.Next()) {
+  for (size_t number = 1;; ++number) {
+    std::optional<std::string_view> cipher;
+    try {
+      cipher = lines.Next();
+    } catch (const RuntimeError& error) {
+      throw RuntimeError(error.Number(), "line " + std::to_string(number), error.SystemCode());
+    }
+    if (!cipher) break;
     if (text.size() > kLargestSignatureText) throw RuntimeError(ErrorNumber::kOverflow);
     if (onLine) onLine();
     const size_t begin = text.size();

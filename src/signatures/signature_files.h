@@ -55,6 +55,13 @@ std::string SignaturePath(Machine& machine, std::string_view name);
 // True when the file is there. Each reader's caller asks this first.
 bool SignaturePresent(Files& files, Machine& machine, std::string_view name);
 
+// "QNLRSig.dll, line 7": how a place in a signature file is told to the user.
+std::string LineOf(std::string_view name, size_t line);
+
+// Why no phase can use a signature file: it is missing, empty, unreadable, or holds none of the
+// signatures that its first line counts. Empty when it can be used.
+std::string WhyUnusable(Files& files, Machine& machine, std::string_view name);
+
 // Sets `result` to whether all seven files of the set are there; looks no further than the first
 // one that is missing.
 void AllSignatureArePresent(Files& files, Machine& machine, bool& result);
@@ -142,6 +149,9 @@ struct ActiveXControl {
 // The controls of the file's text (complemented back already). The last name of an odd number of
 // fields has no identifier and is left out.
 std::vector<ActiveXControl> ParseActiveXControls(std::string_view text);
+
+// A longer pattern of a cookie's domain is refused wherever one is read.
+inline constexpr size_t kLongestCookiePattern = 4096;
 
 // The patterns of QNLBlkCoo.dll from its text (complemented back already).
 std::vector<std::string> ParseCookiePatterns(std::string_view text);

@@ -5,17 +5,18 @@
 #include <charconv>
 #include <limits>
 
+#include "base/hex.h"
 #include "base/runtime_error.h"
+#include "base/text.h"
 #include "core/like.h"
 #include "signatures/cipher.h"
+#include "signatures/signature_files.h"
 #include "signatures/taxonomy.h"
 
 namespace quarnel {
 namespace {
 
-bool IsHexDigit(char c) {
-  return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
-}
+bool IsHexDigit(char c) { return HexDigit(c) >= 0; }
 
 // A text for a message of one line: short, and without what a terminal would obey.
 std::string Quoted(std::string_view text) {
@@ -66,7 +67,8 @@ std::string CheckHiveCode(std::string_view field) {
 }
 
 std::string CheckFolderCode(std::string_view field) {
-  return CheckNumber(field, 1, kLastFolderCode);
+  // Any code without a folder stands for the path alone.
+  return CheckNumber(field, 0, std::numeric_limits<int16_t>::max());
 }
 
 std::string CheckHash(std::string_view field) {
@@ -94,8 +96,37 @@ std::string CheckClassId(std::string_view field) {
 
 std::string CheckPattern(std::string_view field) {
   if (std::string fault = CheckPlainField(field); !fault.empty()) return fault;
+  if (field.size() > kLongestCookiePattern) {
+    return "has more than " + std::to_string(kLongestCookiePattern) + " characters";
+  }
   if (IgnoringErrors([&] { Like({}, field); })) return {};
   return Quoted(field) + " has a list without its end, or a range that runs backwards";
+}
+
+// What the scan makes of such a key is empty, or the user's part of a hive.
+std::string KeyFault(std::string_view key, std::string_view valueName) {
+  const auto withoutMarkers = [](std::string_view text,
+                                 std::initializer_list<std::string_view> all) {
+    for (const std::string_view marker : all) {
+      if (StartsWithText(text, marker)) text.remove_prefix(marker.size());
+    }
+    return text;
+  };
+  if (!withoutMarkers(valueName, {"KVN:"}).empty()) return {};
+  // What stands in front of the user's token is dropped.
+  constexpr std::string_view kUser = "[[HKEYUSERVALUE]]";
+  const size_t user = key.find("[[");
+  if (user != std::string_view::npos && key.substr(user).starts_with(kUser)) {
+    key.remove_prefix(user);
+  }
+  std::string path(withoutMarkers(key, {"KEY:", "CB:"}));
+  for (size_t begin = path.find("[["); begin != std::string::npos; begin = path.find("[[")) {
+    const size_t end = path.find("]]", begin + 2);
+    path.erase(begin, end == std::string::npos ? end : end + 2 - begin);
+  }
+  if (path.find_first_not_of('\\') != std::string::npos) return {};
+  return key.empty() ? "neither a key nor a value name"
+                     : Quoted(key) + " would stand for a whole hive";
 }
 
 std::string CipherFault(std::string_view line) {

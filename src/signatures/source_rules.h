@@ -24,8 +24,12 @@ std::string CheckOptionalHash(std::string_view field);
 std::string CheckPlainField(std::string_view field);
 // "{", hexadecimal digits in groups of 8, 4, 4, 4 and 12, "}".
 std::string CheckClassId(std::string_view field);
-// A pattern whose character lists are closed and in order.
+// A pattern whose character lists are closed and in order, and that is not overlong.
 std::string CheckPattern(std::string_view field);
+
+// The key and value name of a registry signature, which together must not stand for a hive as a
+// whole: the removal would empty it.
+std::string KeyFault(std::string_view key, std::string_view valueName);
 
 // A line that will be enciphered: its length, and the bytes that readers take for a line's or the
 // file's end.

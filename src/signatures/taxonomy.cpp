@@ -109,4 +109,11 @@ std::string_view HiveName(uint32_t handle) {
   return {};
 }
 
+std::string RegistryTraceText(std::string_view hiveName, std::string_view key,
+                              std::string_view valueName) {
+  std::string text(hiveName);
+  text.append("\\").append(key).append(" -> Value Name: ").append(valueName);
+  return text;
+}
+
 }  // namespace quarnel

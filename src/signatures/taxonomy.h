@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <span>
+#include <string>
 #include <string_view>
 
 // The codes of signature lines and what they stand for.
@@ -15,9 +16,6 @@ std::span<const std::string_view> ThreatTypes();
 // code outside the table gives "Unknown".
 std::string_view GetTypeOfSpyWare(std::string_view sType);
 
-// The folder codes of file signatures go from 1 to this.
-inline constexpr int kLastFolderCode = 43;
-
 // A root of the registry: its position in the table is its code in signature lines.
 struct Hive {
   uint32_t handle;
@@ -30,5 +28,10 @@ uint32_t GetMainKeyFromFile(std::string_view sMainKey);
 
 // "HKEY_LOCAL_MACHINE"; empty for a handle outside the table.
 std::string_view HiveName(uint32_t handle);
+
+// How a registry trace is shown and recognised everywhere: in the tree, in the list, on the safe
+// list. For a whole key nothing stands behind the marker.
+std::string RegistryTraceText(std::string_view hiveName, std::string_view key,
+                              std::string_view valueName);
 
 }  // namespace quarnel

@@ -2,7 +2,7 @@
 
 #include "core/product.h"
 #include "core/startup.h"
-#include "ui/wizard.h"
+#include "ui/wizard/wizard.h"
 
 namespace quarnel {
 
@@ -22,7 +22,14 @@ bool Application::Main() {
     Reporting(log_, "RunWizard", [&] { RunWizard(forms_); });
   }
   platform_.desktop().Announce(kWindowClass, MainCaption(settings_));
-  MainForm().Show();
+  frmMain& main = MainForm();
+  main.Load();
+  // Form_Load has shown the window, which is activated behind it all the same.
+  if (main.Visible()) {
+    main.Activate();
+  } else {
+    main.Show();
+  }
   return true;
 }
 

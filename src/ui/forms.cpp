@@ -21,9 +21,13 @@ Forms::Forms(const Services& services, StartOptions options)
         return std::make_unique<frmIngnoredSpywares>(services, main_->results);
       }),
       ingnoredProcesses(Made<frmIngnoredProcesses>(services)),
-      restore(
-          [this, services] { return std::make_unique<frmRestore>(services, chosenRestorePoint); }),
-      menuPopUp([this, services] { return std::make_unique<frmMenuPopUp>(services, main()); }),
+      restore(Made<frmRestore>(services)),
+      immunize(Made<frmImmunize>(services)),
+      deImmunize(
+          [this, services] { return std::make_unique<frmDeImmunize>(services, main_->options); }),
+      menuPopUp([this, services] {
+        return std::make_unique<frmMenuPopUp>(services, *main_, main_->engine(), *main_);
+      }),
       wizard1(Page<frmWizard1>(services)),
       wizard2(Page<frmWizard2>(services)),
       wizard3(Page<frmWizard3>(services)),
@@ -31,8 +35,9 @@ Forms::Forms(const Services& services, StartOptions options)
       wizard4(Page<frmWizard4>(services)),
       spywareDefinitions(
           [this, services] { return std::make_unique<frmSpywareDefinitions>(services, wizard); }),
-      internetConnection(
-          [this, services] { return std::make_unique<frmInternetConnection>(services, main()); }),
+      internetConnection([this, services] {
+        return std::make_unique<frmInternetConnection>(services, main_->engine().update(), *main_);
+      }),
       approveAllStartup(Made<frmApproveAllStartup>(services)),
       homePageChangedAlert(Made<frmHomePageChangedAlert>(services)),
       main_(std::make_unique<frmMain>(services, *this, options)) {
@@ -47,6 +52,8 @@ Forms::Forms(const Services& services, StartOptions options)
   List("frmIngnoredSpywares", ingnoredSpywares);
   List("frmIngnoredProcesses", ingnoredProcesses);
   List("frmRestore", restore);
+  List("frmImmunize", immunize);
+  List("frmDeImmunize", deImmunize);
   List("frmMenuPopUp", menuPopUp);
   List("frmWizard1", wizard1);
   List("frmWizard2", wizard2);

@@ -3,32 +3,42 @@
 #include <functional>
 #include <memory>
 #include <span>
-#include <string>
 #include <string_view>
 #include <vector>
 
 #include "controls/form.h"
-#include "ui/frm_approve_all_startup.h"
-#include "ui/frm_close.h"
-#include "ui/frm_close_ie.h"
-#include "ui/frm_home_page_changed_alert.h"
-#include "ui/frm_ingnored_processes.h"
-#include "ui/frm_ingnored_spywares.h"
-#include "ui/frm_internet_connection.h"
-#include "ui/frm_main.h"
-#include "ui/frm_menu_pop_up.h"
-#include "ui/frm_reboot_machine.h"
-#include "ui/frm_restore.h"
-#include "ui/frm_splash.h"
-#include "ui/frm_spyware_definitions.h"
-#include "ui/frm_wizard1.h"
-#include "ui/frm_wizard2.h"
-#include "ui/frm_wizard3.h"
-#include "ui/frm_wizard4.h"
-#include "ui/frm_wizard7.h"
-#include "ui/services.h"
+#include "core/services.h"
+#include "ui/alerts/frm_home_page_changed_alert.h"
+#include "ui/dialogs/frm_close.h"
+#include "ui/dialogs/frm_close_ie.h"
+#include "ui/dialogs/frm_de_immunize.h"
+#include "ui/dialogs/frm_immunize.h"
+#include "ui/dialogs/frm_ingnored_processes.h"
+#include "ui/dialogs/frm_ingnored_spywares.h"
+#include "ui/dialogs/frm_internet_connection.h"
+#include "ui/dialogs/frm_reboot_machine.h"
+#include "ui/dialogs/frm_restore.h"
+#include "ui/dialogs/frm_splash.h"
+#include "ui/dialogs/frm_spyware_definitions.h"
+#include "ui/main/frm_main.h"
+#include "ui/main/frm_menu_pop_up.h"
+#include "ui/wizard/frm_approve_all_startup.h"
+#include "ui/wizard/frm_wizard1.h"
+#include "ui/wizard/frm_wizard2.h"
+#include "ui/wizard/frm_wizard3.h"
+#include "ui/wizard/frm_wizard4.h"
+#include "ui/wizard/frm_wizard7.h"
 
 namespace quarnel {
+
+// Shows a form whose load may already end it, and which asks for itself again while it works: the
+// second showing is ignored.
+template <typename FormType>
+void ShowModalOnce(FormSlot<FormType>& slot) {
+  if (slot.IsLoaded()) return;
+  FormType& form = slot.Touch();
+  if (form.IsLoaded()) form.ShowModal();
+}
 
 // All forms of the program. Each stands in a slot, which makes it when it is first touched and anew
 // after it was unloaded; the main window lives as long as this.
@@ -39,9 +49,6 @@ class Forms {
   Forms(const Forms&) = delete;
   Forms& operator=(const Forms&) = delete;
 
-  // The stem of the restore point that was chosen last; empty when none was.
-  std::string chosenRestorePoint;
-
   FormSlot<frmSplash> splash;
   FormSlot<frmClose> close;
   FormSlot<frmCloseIE> closeIE;
@@ -49,6 +56,8 @@ class Forms {
   FormSlot<frmIngnoredSpywares> ingnoredSpywares;
   FormSlot<frmIngnoredProcesses> ingnoredProcesses;
   FormSlot<frmRestore> restore;
+  FormSlot<frmImmunize> immunize;
+  FormSlot<frmDeImmunize> deImmunize;
   FormSlot<frmMenuPopUp> menuPopUp;
   FormSlot<frmWizard1> wizard1;
   FormSlot<frmWizard2> wizard2;

@@ -22,7 +22,8 @@ class TestProgram : public ConsoleProgram {
     host_.MsgBox({.text = "All done", .title = "Test"});
     return run_.summary;
   }
-  std::optional<RemovalReport> Remove() override {
+  std::optional<RemovalReport> Remove(Removing what) override {
+    run_.removing = what;
     if (run_.removal) form_.child->ShowModal();
     if (run_.removal) return run_.removal;
     const bool sure = host_.MsgBox({.text = "Sure?",
@@ -34,6 +35,7 @@ class TestProgram : public ConsoleProgram {
   }
   std::optional<RemovalReport> LastRemoval() override { return run_.removal; }
   ScanSummary Report() override { return run_.summary; }
+  bool RestoreFellShort() override { return run_.restoreFellShort; }
   std::vector<std::string> FormNames() override { return {"frmTest", "frmChild"}; }
   bool LoadForm(std::string_view name) override {
     if (!EqualText(name, "frmChild")) return false;
@@ -85,6 +87,10 @@ frmTest::frmTest(Host& host) : Form(host, "frmTest") {
     Log("closed ");
     if (chkOn.Checked()) this->host().MsgBox({.text = "After"});
   };
+  cmdWait.Click = [this] {
+    Log(this->host().WaitUntil([this] { return txtIn.Text() == "x"; }) ? "came " : "left ");
+    this->host().DoEvents();
+  };
   imgTab0.MouseMove = [this] { Log("over0 "); };
   icon.RightClick = [this] { Log("menu "); };
   cmdWork.Click = [this] { Work(); };
@@ -93,13 +99,16 @@ frmTest::frmTest(Host& host) : Form(host, "frmTest") {
   tmrTick.Tick = [this] { Log("tick "); };
   lvwRows.Add({.text = "one", .subItems = {"b1", "c1", "beyond"}, .checked = true});
   lvwRows.Add({.text = "two\t2"});
+  lvwRows.SetLook(1, {.colour = Colour::kGreen, .bold = true, .picture = 4});
   lvwRows.ItemCheck = [this](size_t row) { Log("check" + std::to_string(row) + " "); };
   lvwRows.ItemClick = [this](size_t row) { Log("select" + std::to_string(row) + " "); };
   tvwTree.SetColumns({{.header = "Name"}, {.header = "Type"}});
   const TreeNodeRef root = tvwTree.AddRoot("root", "Root");
   tvwTree.SetColumn(*root, 1, "Adware");
   tvwTree.AddChild(root, "K1[[]]x", "[Found] - x");
-  tvwTree.AddRoot("", "Bare")->hasCheckBox = false;
+  const TreeNodeRef bare = tvwTree.AddRoot("", "Bare");
+  bare->hasCheckBox = false;
+  tvwTree.SetColour(*bare, Colour::kRed);
   tvwTree.NodeCheck = [this](const TreeNodeRef& node) { Log("node=" + node->text + " "); };
   tvwTree.NodeClick = [this](const TreeNodeRef& node) { Log("at=" + node->text + " "); };
   sftItems.AddBelow(sftItems.Add("Root"), "x");

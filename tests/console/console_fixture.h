@@ -42,6 +42,7 @@ class frmTest : public Form {
   Button cmdAsk{*this, "cmdAsk"};
   Button cmdPrompt{*this, "cmdPrompt"};
   Button cmdModal{*this, "cmdModal"};
+  Button cmdWait{*this, "cmdWait"};
   Button cmdWork{*this, "cmdWork"};
   Button cmdStop{*this, "cmdStop"};
   Button cmdRaise{*this, "cmdRaise"};
@@ -89,6 +90,9 @@ struct ConsoleRun {
   ScanSummary summary;
   // What a removal does, with a form that it opens on the way; nothing: it asks instead.
   std::optional<RemovalReport> removal;
+
+  bool restoreFellShort = false;
+  std::optional<Removing> removing;  // what the last removal was to take
 
   int code = -1;
   std::string out;

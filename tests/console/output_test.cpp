@@ -5,10 +5,10 @@
 
 #include "console/console_fixture.h"
 #include "support/test_host.h"
+#include "ui/console/display_text.h"
 #include "ui/console/progress_line.h"
 #include "ui/console/records.h"
 #include "ui/console/scan_summary.h"
-#include "ui/display_text.h"
 
 namespace quarnel {
 namespace {
@@ -36,9 +36,8 @@ TEST(DisplayText, WidthAndCut) {
     std::string firstThree;
   };
   const Case cases[] = {
-      {"abcd", 4, "abc"}, {"é漢字", 5, "é漢"}, {"e\u0301xyz", 4, "e\u0301xy"},
-      {"a😀b", 4, "a😀"},   {"漢字", 4, "漢"},   {"\xff\xff", 2, "\uFFFD\uFFFD"},
-      {"", 0, ""},
+      {"abcd", 4, "abc"}, {"é漢字", 5, "é漢"}, {"e\u0301xyz", 4, "e\u0301xy"},  {"a😀b", 4, "a😀"},
+      {"漢字", 4, "漢"},  {"한Ａか", 6, "한"}, {"\xff\xff", 2, "\uFFFD\uFFFD"}, {"", 0, ""},
   };
   for (const Case& text : cases) {
     EXPECT_EQ(DisplayWidth(text.text), text.width) << text.text;
@@ -74,6 +73,20 @@ TEST(ScanSummary, TableIsAlignedByWidth) {
             "1 threat with 2 traces found, 1 trace ignored. Scanning completed.\n");
 }
 
+// What was not scanned is told first, and is not called clean.
+TEST(ScanSummary, AScanThatWasNotWholeIsNotCalledClean) {
+  std::ostringstream out;
+  PrintSummary({.status = "Scanning completed. Not all was scanned.",
+                .notRun = {"Registry: QNLRSig.dll is missing"},
+                .notSaved = {"ScanHistory.ini: Disk full"},
+                .whole = false},
+               out, false);
+  EXPECT_EQ(out.str(),
+            "not run: Registry: QNLRSig.dll is missing\n"
+            "not saved: ScanHistory.ini: Disk full\n"
+            "Nothing found, and not all was scanned. Scanning completed. Not all was scanned.\n");
+}
+
 TEST(ScanSummary, ColoursChangeNothingElse) {
   std::ostringstream plain;
   std::ostringstream coloured;
@@ -97,23 +110,30 @@ TEST(ScanSummary, Json) {
             "{\"threat\":\"Bo\",\"type\":\"Key Logger\",\"level\":\"10\",\"traces\":[],"
             "\"ignored\":[\"C:\\\\b\"]}\n"
             "{\"unread\":\"file C:\\\\locked\"}\n"
-            "{\"threats\":0,\"traces\":0,\"ignored\":1,\"notread\":3,\"status\":\"Scanning "
-            "completed.\"}\n");
+            "{\"threats\":0,\"traces\":0,\"ignored\":1,\"notread\":3,\"whole\":true,"
+            "\"status\":\"Scanning completed.\"}\n");
 }
 
-TEST(ScanSummary, ReadsTheResultsTree) {
+TEST(ScanSummary, CountsEveryTraceWhateverTheTreeShows) {
   TestHost host;
   Form form(host, "frm");
-  TreeView tree(form, "tvw");
-  const TreeNodeRef root = tree.AddRoot("Evil", "Evil");
-  tree.SetColumn(*root, 2, "7 ");
-  tree.AddChild(root, "K1", "[Found] - C:\\[Found] - x");
-  tree.AddChild(root, "K2", "[Ignored] - y");
-  const std::vector<ScanThreat> threats = ThreatsOf(tree);
-  ASSERT_EQ(threats.size(), 1U);
-  EXPECT_EQ(threats[0].level, "7");
+  ResultsPage page{form};
+  const TreeNodeRef root = page.vbatvwResults.AddRoot("Evil", "Evil");
+  page.vbatvwResults.SetColumn(*root, 1, "Worm");
+  page.vbatvwResults.AddRoot("Removed", "Removed");
+  const std::vector<FoundTrace> traces = {
+      {.text = "C:\\bare", .threat = "Bare", .typeName = "Adware"},
+      {.text = "C:\\[Found] - x", .threat = "evil"},
+      {.text = "y", .threat = "Evil", .exempt = true}};
+  const std::vector<ScanThreat> threats =
+      ThreatsOf(page, traces, [](std::string_view name) { return name == "Bare" ? 7 : 3; });
+  ASSERT_EQ(threats.size(), 2U);
+  EXPECT_EQ(threats[0].name, "Evil");
+  EXPECT_EQ(threats[0].type, "Worm");
   EXPECT_EQ(threats[0].traces, std::vector<std::string>{"C:\\[Found] - x"});
   EXPECT_EQ(threats[0].ignored, std::vector<std::string>{"y"});
+  EXPECT_EQ(threats[1].level, "7");
+  EXPECT_EQ(threats[1].type, "Adware");
 }
 
 TEST(ProgressLine, RedrawsOnChangeAtMostThirtyTimesASecond) {
@@ -167,13 +187,15 @@ TEST(RemovalOutput, TellsEachFateAndEndsByWhatIsLeft) {
   run.removal = RemovalReport{.time = "2008-06-14 10:25:16"};
   run.removal->backup = BackupReport{.stem = "1_2", .folder = "C:\\B"};
   run.removal->traces = {{TraceKind::kFile, "C:\\a", "T", Fate::kRemoved, ""},
-                         {TraceKind::kFile, "C:\\b", "T", Fate::kKept, "not ticked"}};
+                         {TraceKind::kFile, "C:\\b", "T", Fate::kKept, std::string(kOnSafeList)}};
   run.Run("");
   EXPECT_EQ(run.code, 0);
-  EXPECT_THAT(run.out, ::testing::HasSubstr("kept         C:\\b\n               not ticked\n"));
+  EXPECT_EQ(run.removing, Removing::kAllFound);
+  EXPECT_THAT(run.out,
+              ::testing::HasSubstr("kept         C:\\b\n               on the safe list\n"));
   EXPECT_THAT(run.out, ::testing::EndsWith("Restore point: C:\\B\\1_2\n"
-                                           "Removal of 2008-06-14 10:25:16: 1 removed, 1 kept, "
-                                           "0 failed.\n"));
+                                           "Removal of 2008-06-14 10:25:16: 1 removed, 1 kept "
+                                           "(1 on the safe list), 0 failed.\n"));
 
   ConsoleRun left{.arguments = {"--json", "remove"}, .summary = run.summary};
   left.removal = run.removal;
@@ -184,6 +206,25 @@ TEST(RemovalOutput, TellsEachFateAndEndsByWhatIsLeft) {
               ::testing::HasSubstr("\"kind\":\"file\",\"threat\":\"T\",\"fate\":\"failed\""));
   EXPECT_THAT(left.out,
               ::testing::HasSubstr("\"backup\":\"complete\",\"restorepoint\":\"C:\\\\B\\\\1_2\""));
+
+  // Whatever was found and is still there counts, also what no tick has reached.
+  left.removal->traces[0] = {TraceKind::kFile, "C:\\a", "T", Fate::kKept, "not ticked"};
+  left.Run("");
+  EXPECT_EQ(left.code, 2);
+
+  // A scan that was not whole does not hold back what it found.
+  ConsoleRun partly{.arguments = {"remove"}, .summary = run.summary, .removal = run.removal};
+  partly.summary.problem = "signature files are missing";
+  partly.Run("");
+  EXPECT_EQ(partly.code, 1);
+  EXPECT_THAT(partly.out, ::testing::HasSubstr("1 removed"));
+
+  // All traces are gone, and not all of them can be brought back.
+  ConsoleRun lossy{.arguments = {"remove"}, .summary = run.summary, .removal = run.removal};
+  lossy.removal->backup->failures = {{"C:\\a", "it cannot be read"}};
+  lossy.Run("");
+  EXPECT_EQ(lossy.code, 2);
+  EXPECT_THAT(lossy.out, ::testing::HasSubstr("not saved: C:\\a: it cannot be read\n\nremoved "));
 
   ConsoleRun broken{.arguments = {"remove"}, .summary = run.summary};
   broken.removal = RemovalReport{.problem = "Disk full"};

@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 
 #include "console/console_fixture.h"
+#include "ui/console/command_error.h"
+#include "ui/console/words.h"
 
 namespace quarnel {
 namespace {
@@ -88,26 +90,28 @@ INSTANTIATE_TEST_SUITE_P(
 
 INSTANTIATE_TEST_SUITE_P(
     ListsAndTrees, ScriptTest,
-    testing::Values(ScriptCase{"Rows", "rows lvwRows", "1\t1\tone\tb1\tc1\n2\t0\ttwo\\t2\t\t\n"},
-                    ScriptCase{"SelectAndCheck",
-                               "select lvwRows 2\ncheck lvwRows 2 1\nrows lvwRows\nget lblLog",
-                               "1\t1\tone\tb1\tc1\n2\t1\ttwo\\t2\t\t\nselect1 check1 \n"},
-                    ScriptCase{"RowOutside", "select lvwRows 3", "",
-                               "1: frmTest.lvwRows has 2, none numbered \"3\"\n", 1},
-                    ScriptCase{"RowZero", "check lvwRows 0 1", "",
-                               "1: frmTest.lvwRows has 2, none numbered \"0\"\n", 1},
-                    ScriptCase{"NoList", "rows tvwTree", "", "1: frmTest.tvwTree is no list\n", 1},
-                    ScriptCase{"Tree", "tree tvwTree",
-                               "1\t0\t0\troot\tRoot\tAdware\n2\t1\t0\tK1[[]]x\t[Found] - x\t\n"
-                               "3\t0\t0\t\tBare\t\n"},
-                    ScriptCase{"Items", "tree sftItems",
-                               "1\t0\t0\t\tRoot\t\tAdware\n2\t1\t0\t\tx\n"},
-                    ScriptCase{"Nodes",
-                               "checknode tvwTree 2 1\nclicknode tvwTree 1\nchecknode tvwTree 3 1\n"
-                               "get lblLog\ntree tvwTree",
-                               "node=[Found] - x at=Root \n1\t0\t0\troot\tRoot\tAdware\n"
-                               "2\t1\t1\tK1[[]]x\t[Found] - x\t\n3\t0\t0\t\tBare\t\n",
-                               "3: node \"Bare\" has no check box: nothing done\n"}),
+    testing::Values(
+        ScriptCase{"Rows", "rows lvwRows",
+                   "1\t1\tone\tb1\tc1\n2\t0\ttwo\\t2\t\t\tbold\tcolour=#00C000\tpicture=4\n"},
+        ScriptCase{"SelectAndCheck",
+                   "select lvwRows 2\ncheck lvwRows 2 1\nrows lvwRows\nget lblLog",
+                   "1\t1\tone\tb1\tc1\n2\t1\ttwo\\t2\t\t\tbold\tcolour=#00C000\tpicture=4\nselect1 "
+                   "check1 \n"},
+        ScriptCase{"RowOutside", "select lvwRows 3", "",
+                   "1: frmTest.lvwRows has 2, none numbered \"3\"\n", 1},
+        ScriptCase{"RowZero", "check lvwRows 0 1", "",
+                   "1: frmTest.lvwRows has 2, none numbered \"0\"\n", 1},
+        ScriptCase{"NoList", "rows tvwTree", "", "1: frmTest.tvwTree is no list\n", 1},
+        ScriptCase{"Tree", "tree tvwTree",
+                   "1\t0\t0\troot\tRoot\tAdware\n2\t1\t0\tK1[[]]x\t[Found] - x\t\n"
+                   "3\t0\t0\t\tBare\t\tcolour=#FF0000\n"},
+        ScriptCase{"Items", "tree sftItems", "1\t0\t0\t\tRoot\t\tAdware\n2\t1\t0\t\tx\n"},
+        ScriptCase{"Nodes",
+                   "checknode tvwTree 2 1\nclicknode tvwTree 1\nchecknode tvwTree 3 1\n"
+                   "get lblLog\ntree tvwTree",
+                   "node=[Found] - x at=Root \n1\t0\t0\troot\tRoot\tAdware\n"
+                   "2\t1\t1\tK1[[]]x\t[Found] - x\t\n3\t0\t0\t\tBare\t\tcolour=#FF0000\n",
+                   "3: node \"Bare\" has no check box: nothing done\n"}),
     NameOf);
 
 INSTANTIATE_TEST_SUITE_P(
@@ -148,6 +152,10 @@ INSTANTIATE_TEST_SUITE_P(
                    "click cmdModal\nget lblChild\nclick cmdClose\nget lblLog\nget lblChild",
                    "child\nclosed \n", "5: unknown name: \"lblChild\"\n", 1},
         ScriptCase{"EndOfInputCloses", "click cmdModal\nget lblLog", "\n"},
+        ScriptCase{"WaitingHandlerTakesCommands",
+                   kClock + "click cmdWait\nset txtIn y\nadvance 1s\nset txtIn x\nget lblLog",
+                   "in=y tick in=x came \n"},
+        ScriptCase{"EndOfInputEndsAWait", "during lblLog 1 get lblLog\nclick cmdWait", "left \n"},
         ScriptCase{"LineOfTheOpener", "set chkOn 1\nclick cmdModal\nclick cmdClose\nforms", "",
                    "2: message box without an answer: After\n", 1},
         ScriptCase{"OpenedInsideEvents",
@@ -208,7 +216,7 @@ INSTANTIATE_TEST_SUITE_P(
         ScriptCase{"WaitForRealFails", "waitfor lblLog x 20ms", "",
                    "1: frmTest.lblLog is \"\", not \"x\", after 20ms\n", 1},
         ScriptCase{"WrongDay", "clock 2023-02-29T00:00:00", "",
-                   "1: no date and time: \"2023-02-29T00:00:00\" (YYYY-MM-DDTHH:MM:SS)\n", 1},
+                   "1: no date and time: \"2023-02-29T00:00:00\" (YYYY-MM-DDTHH:MM:SS[.FFF])\n", 1},
         ScriptCase{"WrongDuration", "wait 999999999h", "",
                    "1: no duration: \"999999999h\" (500ms, 10s, 2m, 2h)\n", 1}),
     NameOf);
@@ -255,7 +263,8 @@ TEST(Console, RecordsAsJson) {
       run.out,
       "{\"value\":\"a\\tb\\\\c\\r\\nd\"}\n"
       "{\"row\":1,\"checked\":true,\"text\":\"one\",\"subitems\":[\"b1\",\"c1\"]}\n"
-      "{\"row\":2,\"checked\":false,\"text\":\"two\\t2\",\"subitems\":[\"\",\"\"]}\n"
+      "{\"row\":2,\"checked\":false,\"text\":\"two\\t2\",\"subitems\":[\"\",\"\"],"
+      "\"look\":[\"bold\",\"colour=#00C000\",\"picture=4\"]}\n"
       "{\"index\":1,\"depth\":0,\"checked\":false,\"key\":\"\",\"text\":\"Root\","
       "\"columns\":[\"\",\"Adware\"]}\n"
       "{\"index\":2,\"depth\":1,\"checked\":false,\"key\":\"\",\"text\":\"x\",\"columns\":[]}\n"
@@ -269,6 +278,12 @@ TEST(Console, LeavesTheProgramAtTheEndOfInput) {
   run.Run("get lblCount");
   EXPECT_TRUE(run.left);
   EXPECT_EQ(run.code, 0);
+  // A restore on the way that did not bring all back is an error, however the script goes on.
+  for (const char* script : {"get lblCount", "answer yes\nquit"}) {
+    ConsoleRun shorted{.restoreFellShort = true};
+    shorted.Run(script);
+    EXPECT_EQ(shorted.code, 1) << script;
+  }
 }
 
 TEST(Console, QuestionWhileTheProgramStartsIsAnError) {
@@ -308,15 +323,24 @@ TEST(Console, JobsOnTheCommandLine) {
   }
 }
 
+TEST(Console, MomentsWithFractionsOfASecond) {
+  const DateTime whole = ParseMoment("2024-03-05T14:30:00");
+  EXPECT_EQ(ParseMoment("2024-03-05T14:30:00.5") - whole, Milliseconds(500));
+  EXPECT_EQ(ParseMoment("2024-03-05T14:30:00.072") - whole, Milliseconds(72));
+  for (const char* wrong : {"2024-03-05T14:30:00.", "2024-03-05T14:30:00.1234", "2024-03-05T14:30",
+                            "2024-03-05T14:30:00,5", "2024-03-05T14:30:00.-5", ""}) {
+    EXPECT_THROW(ParseMoment(wrong), CommandError) << wrong;
+  }
+}
+
 TEST(Console, BadCallsGiveOneLine) {
   const std::vector<std::vector<std::string>> calls = {
-      {"--jsn"}, {"--machine"},       {"--machine", ""}, {"scan", "remove"},
-      {"/"},     {"/no/such/script"}, {"a\nb"}};
+      {"--jsn"}, {"--machine"}, {"--machine", ""}, {"scan", "remove"}, {"/"}, {"scna"}, {"a\nb"}};
   for (const auto& call : calls) {
     ConsoleRun run;
     run.arguments = call;
     run.Run("forms");
-    EXPECT_EQ(run.code, 2);
+    EXPECT_EQ(run.code, 1);
     EXPECT_EQ(run.out, "");
     EXPECT_THAT(run.err, StartsWith("quarnel-console: "));
     EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 1) << run.err;

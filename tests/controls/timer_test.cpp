@@ -94,15 +94,37 @@ TEST_F(Timers, MayEndAnyTimerInAHandler) {
   EXPECT_EQ(During(1s), "vk");
 }
 
-TEST_F(Timers, KeepTheirRestOnAnotherClock) {
+// What was left of an interval would be as long as the machine was quick.
+TEST_F(Timers, BeginAnewOnAnotherClock) {
   Timer timer(form, "timer", 10ms, true);
   timer.Tick = Logs("t");
   EXPECT_EQ(During(4ms), "");
   VirtualClock other{DateTime()};
   other.Pass(1h);
   host.SetClock(other);
-  EXPECT_EQ(During(5ms), "");
+  EXPECT_EQ(During(9ms), "");
   EXPECT_EQ(During(1ms), "t");
+}
+
+// What is slept over leaves no gap behind: the ticks that come have their places in time.
+TEST_F(Timers, SleepOverIdleTicks) {
+  Timer timer(form, "timer", 10ms, true);
+  Timer other(form, "other", 33ms, true);
+  std::vector<int64_t> ticks;
+  const Milliseconds start = host.clock().Ticks();
+  const auto now = [&] { return host.clock().Ticks() - start; };
+  Milliseconds busyFrom = 95ms;
+  timer.Tick = [&] { ticks.push_back(now().count()); };
+  timer.IdleFor = [&] { return busyFrom - now(); };
+  host.Advance(125ms);
+  EXPECT_EQ(ticks, (std::vector<int64_t>{100, 110, 120}));
+  // Whatever a handler or a caller changes counts at once.
+  busyFrom = 10s;
+  other.Tick = [&] {
+    if (now() > 600ms) busyFrom = 0ms;
+  };
+  host.Advance(525ms);
+  EXPECT_EQ(ticks, (std::vector<int64_t>{100, 110, 120, 630, 640, 650}));
 }
 
 }  // namespace

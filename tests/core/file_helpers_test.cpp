@@ -1,8 +1,9 @@
 #include <gtest/gtest.h>
 
-#include "controls/simple_controls.h"
 #include "core/dir_drill.h"
+#include "core/existing_files.h"
 #include "core/paths.h"
+#include "core/system_version.h"
 #include "support/platform_fixture.h"
 #include "support/test_host.h"
 
@@ -24,6 +25,7 @@ TEST_F(FileHelpers, ExistenceIsWhatADirectorySearchGives) {
   MakeWith(file_attribute::kHidden, "hidden.txt");
   MakeWith(file_attribute::kSystem, "system.txt");
   MakeWith(file_attribute::kReadOnly, "locked.txt");
+  Make("Übel.txt");
   files().CreateFolder(Path("folder"));
   const struct {
     std::string name;
@@ -31,6 +33,7 @@ TEST_F(FileHelpers, ExistenceIsWhatADirectorySearchGives) {
     std::string hiddenSearch;
   } cases[] = {
       {"pLAIN.TXT", true, "Plain.txt"},
+      {"übel.txt", true, "Übel.txt"},
       {"hidden.txt", false, "hidden.txt"},
       {"system.txt", false, ""},
       {"locked.txt", true, "locked.txt"},
@@ -81,18 +84,6 @@ TEST_F(FileHelpers, Folders) {
   EXPECT_TRUE(GetVolumeInfo(machine(), "C:\\", label, fileSystem));
   EXPECT_FALSE(fileSystem.empty());
   EXPECT_FALSE(GetVolumeInfo(machine(), "B:\\", label, fileSystem));
-}
-
-TEST_F(FileHelpers, TheMovingBarWraps) {
-  Form form(host, "frmMain");
-  ProgressBar bar(form, "pbgMain");
-  for (int i = 0; i < 32; ++i) IncrementProgressBar(bar);
-  EXPECT_EQ(bar.Value(), 96);
-  IncrementProgressBar(bar);
-  EXPECT_EQ(bar.Value(), 0);
-  bar.SetValue(99);
-  IncrementProgressBar(bar);
-  EXPECT_EQ(bar.Value(), 0);
 }
 
 // A tree to walk, with the events that the walk raises as short lines.

@@ -2,73 +2,12 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/held_folders.h"
+#include "support/failing_files.h"
 #include "support/platform_fixture.h"
 #include "support/test_host.h"
 
 namespace quarnel {
 namespace {
-
-// Files of which the n-th changing operation fails, as if the disk were full or the power went.
-class FailingFiles : public Files {
- public:
-  explicit FailingFiles(Files& files) : files_(files) {}
-  int failAt = 0;  // 0: never
-  int steps = 0;
-
-  Files& Step() {
-    if (++steps == failAt) throw RuntimeError(ErrorNumber::kDiskFull);
-    return files_;
-  }
-  Files& WithoutLinks() override { return *this; }
-  std::optional<DirectoryEntry> Stat(std::string_view path) override { return files_.Stat(path); }
-  std::vector<DirectoryEntry> List(std::string_view folder) override { return files_.List(folder); }
-  std::unique_ptr<File> Open(std::string_view path, OpenMode mode) override {
-    if (mode == OpenMode::kRead) return files_.Open(path, mode);
-    return std::make_unique<FailingFile>(*this, Step().Open(path, mode));
-  }
-  std::unique_ptr<HeldFolders> HoldFolders() override {
-    return std::make_unique<HeldFoldersByPath>(*this, [this](const std::string& folder) {
-      return std::make_unique<HeldFolderByPath>(*this, folder);
-    });
-  }
-  void Delete(std::string_view path) override { files_.Delete(path); }
-  void DeleteFolder(std::string_view path) override { files_.DeleteFolder(path); }
-  void CreateFolder(std::string_view path) override { files_.CreateFolder(path); }
-  void Move(std::string_view from, std::string_view to) override { files_.Move(from, to); }
-  void ReplaceFile(std::string_view from, std::string_view to) override {
-    Step().ReplaceFile(from, to);
-  }
-  void Copy(std::string_view from, std::string_view to) override { files_.Copy(from, to); }
-  void SetAttributes(std::string_view path, uint32_t attributes) override {
-    files_.SetAttributes(path, attributes);
-  }
-  FileTimes Times(std::string_view path) override { return files_.Times(path); }
-  void SetTimes(std::string_view path, const FileTimes& times) override {
-    files_.SetTimes(path, times);
-  }
-
- private:
-  struct FailingFile : File {
-    FailingFile(FailingFiles& all, std::unique_ptr<File> file)
-        : all_(all), file_(std::move(file)) {}
-    size_t Read(std::span<char> buffer) override { return file_->Read(buffer); }
-    void Write(std::string_view bytes) override {
-      file_->Write(bytes.substr(0, bytes.size() / 2));
-      all_.Step();
-      file_->Write(bytes.substr(bytes.size() / 2));
-    }
-    void Seek(uint64_t position) override { file_->Seek(position); }
-    uint64_t Size() override { return file_->Size(); }
-    void Flush() override {
-      all_.Step();
-      file_->Flush();
-    }
-    FailingFiles& all_;
-    std::unique_ptr<File> file_;
-  };
-  Files& files_;
-};
 
 class Inifile : public PlatformTest {
  protected:

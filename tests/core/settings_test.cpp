@@ -2,11 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include <set>
-
 #include "base/text.h"
 #include "core/error_log.h"
+#include "core/existing_files.h"
 #include "core/paths.h"
+#include "core/product.h"
 #include "core/startup.h"
 #include "support/platform_fixture.h"
 #include "support/test_host.h"
@@ -66,40 +66,78 @@ TEST_F(SettingsTest, AbsentIsNotEmpty) {
   EXPECT_TRUE(
       QueryValue(registry(), kRoot, std::string(kStore) + "\\Registry Status", "x y", stored));
   RegCreateKeyValue(registry(), kRoot, std::string(kStore) + "\\Settings", "Button", 6U);
-  EXPECT_EQ(settings.Get(setting::kButton), "2") << "a number is no setting";
+  EXPECT_EQ(settings.Get(setting::kButton), 2) << "a number is no setting";
 }
 
-TEST_F(SettingsTest, ReadersWithTheirOwnFallbacks) {
-  EXPECT_EQ(settings.Get(setting::kScanCookies), "1");
-  EXPECT_EQ(settings.GetOther(setting::kScanCookies), "True");
-  EXPECT_EQ(settings.GetForToggle(setting::kScanCookies), "False");
-  EXPECT_EQ(settings.GetOther(setting::kButton), "7");
-  EXPECT_EQ(settings.GetOther(setting::kDeepScan), "1") << "readers that agree";
-  const SettingKey drive = setting::kDrive.Named("Drive C: Fixed Disk");
-  EXPECT_EQ(settings.GetOther(drive), "Error");
-  settings.Save(drive, "True");
-  EXPECT_EQ(settings.Get(drive), "True");
-  EXPECT_EQ(settings.GetSetting("Drives", "Drive C: Fixed Disk", ""), "True");
+template <class Form, class Value>
+constexpr bool Takes(const SettingKey<Form>& key, const Value& value) {
+  return requires(Settings store) { store.Save(key, value); };
 }
+static_assert(Takes(setting::kButton, 6) && !Takes(setting::kButton, "6"));
+static_assert(Takes(setting::kNotification, true) && !Takes(setting::kNotification, 1) &&
+              !Takes(setting::kNotification, "Yes"));
+static_assert(!Takes(setting::kScanStart, "3/5/2024") && !Takes(setting::kHomepage, true));
 
-TEST_F(SettingsTest, TheTableNamesEachSettingOnce) {
-  std::set<std::pair<std::string_view, std::string_view>> names;
-  for (const SettingKey& key : AllSettings()) {
-    EXPECT_TRUE(names.emplace(key.section, key.key).second) << key.section << "/" << key.key;
-    if (key.form != SettingForm::kCheckState) continue;
-    // The scan and the tray menu take these as booleans.
-    for (const std::string_view text : {key.fallback, key.otherFallback, key.toggleFallback}) {
-      EXPECT_TRUE(text.empty() || IgnoringErrors([&] { ToBoolean(text); })) << key.key;
-    }
+// Each form of truth reads its own words alone; a torn one is what its reader takes it for.
+TEST_F(SettingsTest, FormsOfTruth) {
+  const auto read = [&](const auto& key, std::string_view text) {
+    settings.SaveSetting(key.place.section, key.place.name, text);
+    return static_cast<int>(settings.Get(key));
+  };
+  struct Row {
+    std::string_view text;
+    int checkState, yesNo, trueFalse, trueUnlessFalse, upper;
+  };
+  for (const Row& row :
+       {Row{"1", 1, 0, 1, 1, 0}, Row{"0", 0, 0, 0, 0, 0}, Row{"Yes", 0, 1, 0, 1, 0},
+        Row{"yes", 0, 0, 0, 1, 0}, Row{"True", 0, 0, 1, 1, 0}, Row{"False", 0, 0, 0, 0, 0},
+        Row{"TRUE", 0, 0, 1, 1, 1}, Row{"2x", 2, 0, 0, 1, 0}}) {
+    EXPECT_EQ(read(setting::kScanCookies, row.text), row.checkState) << row.text;
+    EXPECT_EQ(read(setting::kNotification, row.text), row.yesNo) << row.text;
+    EXPECT_EQ(read(setting::kTrayCookies, row.text), row.trueFalse) << row.text;
+    EXPECT_EQ(read(setting::kScansCookies, row.text), row.trueUnlessFalse) << row.text;
+    EXPECT_EQ(read(setting::kJustAfterInstallation, row.text), row.upper) << row.text;
   }
-  EXPECT_EQ(names.size(), 42u);
+  EXPECT_THROW(read(setting::kReportLorrimesh, "no number"), RuntimeError);
+}
+
+TEST_F(SettingsTest, FormsAsWritten) {
+  const auto written = [&](const auto& key, auto value) {
+    settings.Save(key, value);
+    return settings.GetSetting(key.place.section, key.place.name, "(absent)");
+  };
+  EXPECT_EQ(written(setting::kScanCookies, 1), "1");
+  EXPECT_EQ(written(setting::kTrayCookies, true), "True");
+  EXPECT_EQ(settings.Get(setting::kScanCookies), 0) << "the option page takes no words";
+  EXPECT_EQ(written(setting::kNotification, false), "No");
+  EXPECT_EQ(written(setting::kJustAfterInstallation, false), "FALSE");
+  EXPECT_EQ(written(setting::kScanStart, *ParseDate("2024-03-05 14:30")), "3/5/2024 2:30:00 PM");
+  EXPECT_EQ(written(setting::kDrive.Named("Drive C: Fixed Disk"), true), "True");
+}
+
+// The readers that disagree on what an absent setting is.
+TEST_F(SettingsTest, ReadersWithTheirOwnFallbacks) {
+  EXPECT_EQ(settings.Get(setting::kButton), 2);
+  EXPECT_EQ(settings.Get(setting::kClosingButton), 7);
+  EXPECT_EQ(settings.Get(setting::kAfterHours), 11);
+  EXPECT_EQ(settings.Get(setting::kTimerAfterHours), 3);
+  EXPECT_TRUE(settings.Get(setting::kTrayCookies));
+  EXPECT_FALSE(settings.Get(setting::kTrayCookiesTurned));
+  EXPECT_FALSE(settings.Get(setting::kTrayRunAtStartup));
+  EXPECT_TRUE(settings.Get(setting::kTrayRunAtStartupTurned));
+  EXPECT_TRUE(settings.Get(setting::kShowAlways));
+  EXPECT_FALSE(settings.Get(setting::kRemovalShowAlways));
+  EXPECT_FALSE(settings.Get(setting::kCloseAllIE));
+  EXPECT_TRUE(settings.Get(setting::kRemovalCloseAllIE));
+  EXPECT_EQ(settings.Get(setting::kAutomaticScan), 0);
+  EXPECT_EQ(settings.Get(setting::kWizardAutomaticScan), 1);
 }
 
 TEST_F(SettingsTest, ResetRunsOnceAndOnlyWhenAskedFor) {
-  settings.Save(setting::kButton, "6");
+  settings.Save(setting::kButton, 6);
   settings.Save(setting::kResetValue, "  ");
   settings.ResetRegistrySettings();
-  EXPECT_EQ(settings.Get(setting::kButton), "6");
+  EXPECT_EQ(settings.Get(setting::kButton), 6);
   settings.Save(setting::kResetValue, "1");
   settings.SaveSetting("Deep\\er", "k", "v");
   settings.ResetRegistrySettings();
@@ -107,13 +145,13 @@ TEST_F(SettingsTest, ResetRunsOnceAndOnlyWhenAskedFor) {
   EXPECT_EQ(registry().Open(kRoot, kStore, registry_access::kRead, key),
             RegistryStatus::kFileNotFound);
   settings.ResetRegistrySettings();
-  EXPECT_EQ(settings.Get(setting::kButton), "2");
+  EXPECT_EQ(settings.Get(setting::kButton), 2);
 }
 
 TEST_F(SettingsTest, ResetEndsWhenAKeyStays) {
   StubbornRegistry stubborn(registry(), "\\BHO");
   Settings store(stubborn, std::string(kApplication));
-  store.Save(setting::kJustAfterInstallation, "FALSE");
+  store.Save(setting::kJustAfterInstallation, false);
   store.Save(setting::kResetValue, "1");
   store.ResetRegistrySettings();
   std::unique_ptr<RegistryKey> key;
@@ -151,8 +189,8 @@ TEST_F(SettingsTest, AnotherInstanceIsFoundByItsCaption) {
 }
 
 TEST_F(SettingsTest, TheOldExecutableGoes) {
-  const std::string path = GetPathWithSlash(machine().ProgramFolder()) + "old" +
-                           ToUpper(machine().ExecutableName()) + ".EXE";
+  const std::string path =
+      GetPathWithSlash(machine().ProgramFolder()) + "old" + ToUpper(kExecutableName) + ".EXE";
   DeleteOldExe(files(), machine());
   WriteWholeFile(files(), path, "x");
   DeleteOldExe(files(), machine());
@@ -176,11 +214,16 @@ TEST_F(SettingsTest, ErrorLogEntries) {
                 "3/5/20242:30:00 PMx\r\n" +
                 dashes + "\r\n");
   files().Delete(log.Path());
-  // A log that cannot be written fails its procedure.
+  // What cannot be written ends nothing, and follows with the next entry.
   files().CreateFolder(log.Path());
-  EXPECT_THROW(Reporting(log, "x", [] { throw RuntimeError(ErrorNumber::kOverflow); }),
-               RuntimeError);
+  EXPECT_FALSE(Reporting(log, "late", [] { throw RuntimeError(ErrorNumber::kOverflow); }));
+  EXPECT_THROW(log.WriteErrorLog("late too", RuntimeError(ErrorNumber::kOverflow)), RuntimeError);
   files().DeleteFolder(log.Path());
+  Reporting(log, "next", [] { throw RuntimeError(ErrorNumber::kOverflow); });
+  const std::string text = ReadWholeFile(files(), log.Path());
+  EXPECT_LT(text.find("PMlate\r\n"), text.find("PMlate too\r\n"));
+  EXPECT_LT(text.find("PMlate too\r\n"), text.find("PMnext\r\n"));
+  files().Delete(log.Path());
 }
 
 }  // namespace

@@ -13,7 +13,7 @@ namespace {
 
 using Parts = std::vector<std::string>;
 
-Parts Lines(std::string_view text) {
+Parts LinesOf(std::string_view text) {
   Parts lines;
   LineReader reader(text);
   while (const auto line = reader.Next()) lines.emplace_back(*line);
@@ -30,16 +30,16 @@ Parts Fields(std::string_view text) {
 }
 
 TEST(LineReader, EndsLinesAtEveryForm) {
-  EXPECT_EQ(Lines("a\r\nb\rc\nd"), (Parts{"a", "b", "c", "d"}));
-  EXPECT_EQ(Lines("a\r\n"), Parts{"a"});
-  EXPECT_EQ(Lines("a\n\n"), (Parts{"a", ""}));
-  EXPECT_EQ(Lines("a\n\rb"), (Parts{"a", "", "b"}));
-  EXPECT_EQ(Lines("\r\r\n"), (Parts{"", ""}));
-  EXPECT_EQ(Lines(""), Parts{});
+  EXPECT_EQ(LinesOf("a\r\nb\rc\nd"), (Parts{"a", "b", "c", "d"}));
+  EXPECT_EQ(LinesOf("a\r\n"), Parts{"a"});
+  EXPECT_EQ(LinesOf("a\n\n"), (Parts{"a", ""}));
+  EXPECT_EQ(LinesOf("a\n\rb"), (Parts{"a", "", "b"}));
+  EXPECT_EQ(LinesOf("\r\r\n"), (Parts{"", ""}));
+  EXPECT_EQ(LinesOf(""), Parts{});
   using namespace std::string_literals;
-  EXPECT_EQ(Lines("\0\x1A\xFF\n\t "s), (Parts{"\0\x1A\xFF"s, "\t "}));
+  EXPECT_EQ(LinesOf("\0\x1A\xFF\n\t "s), (Parts{"\0\x1A\xFF"s, "\t "}));
   // Linear also without a single line feed.
-  EXPECT_EQ(Lines(std::string(4'000'000, '\r')).size(), 4'000'000u);
+  EXPECT_EQ(LinesOf(std::string(4'000'000, '\r')).size(), 4'000'000u);
 }
 
 TEST(FieldReader, Fields) {

@@ -1,186 +1,10 @@
 // The windows on a real display, driven by real mouse and keyboard events.
 
-#include <gmock/gmock.h>
-
-#include <map>
-
-#include "core/paths.h"
-#include "core/setting_keys.h"
-#include "display/robot.h"
+#include "display/display_fixture.h"
 #include "recovery/restore_point.h"
-#include "scan/folders.h"
-#include "signatures/compiler.h"
-#include "support/platform_fixture.h"
-#include "ui/application.h"
-#include "ui/wx/wx_host.h"
 
 namespace quarnel {
 namespace {
-
-// A scan takes as long with it as on a slow disk, so that there is time to act in.
-class SlowHost : public WxHost {
- public:
-  using WxHost::WxHost;
-  bool slow = false;
-  Milliseconds pause{0};  // more, for things of which there are few
-
- protected:
-  void ProcessFrontEvents(Milliseconds now) override {
-    // A system may sleep for no less than a millisecond.
-    constexpr int kSteps = 5;
-    if (slow && ++steps_ % kSteps == 0) wxMilliSleep(1);
-    if (pause.count() > 0) wxMilliSleep(static_cast<unsigned long>(pause.count()));
-    WxHost::ProcessFrontEvents(now);
-  }
-
- private:
-  int steps_ = 0;
-};
-
-class DisplayTest : public PlatformTest {
- protected:
-  static constexpr int kProgramFiles = 31;
-  static constexpr int kSignatures = 30000;
-
-  DisplayTest() {
-    settings.SaveSetting("Registry Status", "ResetValue", "x");
-    settings.ResetRegistrySettings();
-    IgnoringErrors([&] { files().Delete(SafeListPath(machine())); });
-    // Enough that somebody can stop the scan by hand; the one with a find comes first.
-    std::string lines = "Any,Threat,1,31,Planted.txt,,7\n";
-    for (int i = 0; i < kSignatures; ++i) {
-      const std::string number = std::to_string(i);
-      lines += "Any,Other " + number + ",1,31,None" + number + ".txt,,7\n";
-    }
-    for (const CompiledFile& file : CompileSet({.files = lines}).files) {
-      WriteWholeFile(files(), DataFolder(machine()) + file.name, file.bytes);
-    }
-    for (const std::string_view name : {"QNLList.dll", "QNLCritProc.dll"}) {
-      WriteWholeFile(files(), DataFolder(machine()) + std::string(name), "list\r\n");
-    }
-    WriteWholeFile(files(), planted, "x");
-  }
-  ~DisplayTest() override {
-    application.reset();
-    host.reset();
-    IgnoringErrors([&] { files().Delete(planted); });
-  }
-
-  frmMain& Start() {
-    host = std::make_unique<SlowHost>(
-        [this](const std::string& page) { return ReadWholeFile(files(), page); });
-    robot.onLate = [this] {
-      host->slow = false;
-      host->Act([this] { host->EndProcess(); });
-    };
-    host->Act([this] {
-      application = std::make_unique<Application>(platform(), *host, kOptions);
-      EXPECT_TRUE(application->Main());
-    });
-    frmMain& main = application->MainForm();
-    robot.Click("the first tab", [this] { return Widget("imgMainTab(0)"); });
-    EXPECT_TRUE(robot.Run(kPatience)) << robot.Waiting();
-    return main;
-  }
-
-  FormWindow* WindowOf(const Form& form) { return host->WindowOf(form); }
-  // The widget that shows a control, of the main window when no form is given.
-  wxWindow* Widget(std::string_view control, const Form* form = nullptr) {
-    FormWindow* window = WindowOf(form != nullptr ? *form : application->MainForm());
-    const Binding* binding = window == nullptr ? nullptr : window->Find(control);
-    return binding == nullptr ? nullptr : binding->Widget();
-  }
-  void Click(const std::string& control, const Form* form = nullptr) {
-    robot.Click(control, [this, control, form] { return Widget(control, form); });
-  }
-  void Until(std::string what, std::function<bool()> when) {
-    robot.Until(std::move(what), std::move(when));
-  }
-  void Run() { EXPECT_TRUE(robot.Run(kPatience)) << "waited for " << robot.Waiting(); }
-  // Lets the window come to rest.
-  void Settle() {
-    const wxLongLong start = wxGetUTCTimeMillis();
-    Until("rest", [start] { return wxGetUTCTimeMillis() - start > 300; });
-    Run();
-    host->Sync();
-  }
-
-  // Each widget says what its control says.
-  void ExpectInStep(Form& form) {
-    host->Sync();
-    FormWindow* window = WindowOf(form);
-    ASSERT_NE(window, nullptr) << form.Name();
-    EXPECT_EQ(window->Window()->GetTitle().utf8_string(), form.Caption());
-    ExpectOwnLetters(*window);
-    for (const auto& binding : window->Bindings()) {
-      const Control& control = binding->control();
-      const std::string_view type = control.Type();
-      SCOPED_TRACE(form.Name() + "." + control.Name());
-      if (type != "Panel" && !control.Name().starts_with("imgMainTab")) {
-        EXPECT_EQ(binding->Widget()->IsShown(), control.Visible());
-        EXPECT_EQ(binding->Widget()->IsThisEnabled(), control.Enabled());
-      }
-      if (type != "Panel" && type != "Image" && type != "Button") {
-        EXPECT_EQ(binding->Shown(), control.ValueText());
-      }
-    }
-  }
-
-  // Each letter reaches one thing that shows, and each button has one.
-  void ExpectOwnLetters(const FormWindow& window) {
-    std::map<wxUniChar, std::string> reached;
-    const auto reach = [&](const wxString& label, const std::string& what) {
-      const int letter = label.find('&') == wxString::npos ? wxNOT_FOUND : label.Find('&') + 1;
-      if (letter == wxNOT_FOUND) return false;
-      const wxUniChar key = wxToupper(label[static_cast<size_t>(letter)]);
-      EXPECT_TRUE(reached.try_emplace(key, what).second) << what << " and " << reached[key];
-      return true;
-    };
-    if (const auto* frame = dynamic_cast<wxFrame*>(window.Window())) {
-      const wxMenuBar* bar = frame->GetMenuBar();
-      for (size_t i = 0; bar != nullptr && i < bar->GetMenuCount(); ++i) {
-        EXPECT_TRUE(reach(bar->GetMenuLabel(i), "menu")) << bar->GetMenuLabel(i);
-      }
-    }
-    for (const auto& binding : window.Bindings()) {
-      if (binding->KeyCaption().empty() || !binding->Widget()->IsShownOnScreen()) continue;
-      const bool keyed = reach(binding->Widget()->GetLabel(), binding->control().Name());
-      const bool button = dynamic_cast<wxAnyButton*>(binding->Widget()) != nullptr;
-      EXPECT_TRUE(keyed || !button) << binding->control().Name();
-    }
-  }
-
-  // The form of this name that is on the screen; null when there is none.
-  const Form* Shown(std::string_view name) {
-    for (const Form* form : host->LoadedForms()) {
-      const FormWindow* window = WindowOf(*form);
-      if (form->Name() == name && window != nullptr && window->Window()->IsShown()) return form;
-    }
-    return nullptr;
-  }
-  void ClickIn(const std::string& form, const std::string& control) {
-    robot.Click(form + "." + control, [this, form, control]() -> wxWindow* {
-      const Form* shown = Shown(form);
-      return shown == nullptr ? nullptr : Widget(control, shown);
-    });
-  }
-
-  static std::string Clipboard() {
-    wxTextDataObject text;
-    if (!wxTheClipboard->Open()) return {};
-    wxTheClipboard->GetData(text);
-    wxTheClipboard->Close();
-    return text.GetText().utf8_string();
-  }
-
-  static constexpr int kPatience = 30;
-  static constexpr StartOptions kOptions = {.showSplash = false, .runWizard = false};
-  std::string planted = GetFolder(machine(), kProgramFiles).front() + "Planted.txt";
-  Settings settings{registry(), "Quarnel"};
-  std::unique_ptr<SlowHost> host;
-  std::unique_ptr<Application> application;
-  Robot robot;
-};
 
 TEST_F(DisplayTest, TabsAreClickedAndEachPageShowsItsControls) {
   frmMain& main = Start();
@@ -291,23 +115,22 @@ TEST_F(DisplayTest, TicksOfAThreatReachItsTraces) {
   auto* widget = dynamic_cast<wxDataViewCtrl*>(Widget("vbatvwResults"));
   ASSERT_NE(widget, nullptr);
   const auto find = [widget] { return widget; };
-  const auto inTheRow = [&](int x) {
-    return [&, x](wxWindow&) {
-      const wxRect row =
-          widget->GetItemRect(wxDataViewItem(tree.At(1).get()), widget->GetColumn(0));
-      if (row.IsEmpty()) return wxDefaultPosition;
-      return widget->ClientToScreen(row.GetTopLeft()) + widget->FromDIP(wxPoint(x, row.height / 2));
+  const auto inTheRow = [&](unsigned column) {
+    return [&, column](wxWindow&) {
+      const wxRect cell =
+          widget->GetItemRect(wxDataViewItem(tree.At(1).get()), widget->GetColumn(column));
+      if (cell.IsEmpty()) return wxDefaultPosition;
+      return widget->ClientToScreen(wxPoint(cell.x + cell.width / 2, cell.y + cell.height / 2));
     };
   };
-  // The box stands at the left of the text.
-  robot.Click("the tick", find, inTheRow(10));
+  robot.Click("the tick", find, inTheRow(0));
   Until("no tick", [&] { return !tree.At(1)->checked && !tree.At(2)->checked; });
   Run();
   ExpectInStep(main);
 
   // The same row's menu copies the results.
   host->SetClipboardText("nothing");
-  robot.Click("the row", find, inTheRow(60), wxMOUSE_BTN_RIGHT);
+  robot.Click("the row", find, inTheRow(1), wxMOUSE_BTN_RIGHT);
   robot.ChooseFromMenu();
   robot.AnswerBox("OK");
   Until("the copy", [] { return Clipboard().find("Threat") != std::string::npos; });
@@ -336,7 +159,7 @@ TEST_F(DisplayTest, WhatWasFoundIsRemovedAndRestored) {
   CreateFolders(files(), BackupFolder(machine()));
   WriteWholeFile(files(), older, "");
   // A strict restore brings the file to its own drive, wherever the program lies.
-  settings.Save(setting::kStrict, "1");
+  settings.Save(setting::kStrict, 1);
   frmMain& main = Start();
   Click("ImgStartScanMouseMove");
   Until("the scan's end", [&] { return main.scan.lblStatus.Caption() == "Scanning completed."; });
@@ -358,16 +181,20 @@ TEST_F(DisplayTest, WhatWasFoundIsRemovedAndRestored) {
 
   Click("cmdFinish");
   Click("cmdRestore");
-  const auto list = [&]() -> wxListCtrl* {
+  const auto list = [&]() -> wxDataViewCtrl* {
     const Form* form = Shown("frmRestore");
-    return form == nullptr ? nullptr : dynamic_cast<wxListCtrl*>(Widget("lvwBackups", form));
+    return form == nullptr ? nullptr : dynamic_cast<wxDataViewCtrl*>(Widget("lvwBackups", form));
+  };
+  const auto item = [&](int row) {
+    const auto* rows = dynamic_cast<wxDataViewVirtualListModel*>(list()->GetModel());
+    return rows->GetItem(static_cast<unsigned>(row));
   };
   // A cell, at a part of its width: two clicks at one place may be a double click.
   constexpr int kHead = -1;
   const auto click = [&](int row, int column, int share) {
     robot.Click("the restore points", list, [&, row, column, share](wxWindow& widget) {
-      wxRect cell;
-      list()->GetSubItemRect(std::max(row, 0), column, cell);
+      const wxRect cell = list()->GetItemRect(item(std::max(row, 0)),
+                                              list()->GetColumn(static_cast<unsigned>(column)));
       if (cell.IsEmpty()) return wxDefaultPosition;
       const int y = row == kHead ? cell.y / 2 : cell.y + cell.height / 2;
       return widget.ClientToScreen(wxPoint(cell.x + cell.width / share, y));
@@ -378,11 +205,16 @@ TEST_F(DisplayTest, WhatWasFoundIsRemovedAndRestored) {
     robot.Then(
         "their order",
         [&, column, ascending] {
-          const wxListCtrl* shown = list();
-          return shown != nullptr && shown->GetSortIndicator() == column &&
-                 shown->IsAscendingSortIndicator() == ascending;
+          const wxDataViewColumn* shown =
+              list() == nullptr ? nullptr : list()->GetColumn(static_cast<unsigned>(column));
+          return shown != nullptr && shown->IsSortKey() &&
+                 shown->IsSortOrderAscending() == ascending;
         },
-        [&] { first.push_back(list()->GetItemText(0).utf8_string()); });
+        [&] {
+          wxVariant text;
+          list()->GetModel()->GetValue(text, item(0), 0);
+          first.push_back(text.GetString().utf8_string());
+        });
   };
   click(kHead, 0, 2);
   expectOrder(0, true);
@@ -429,21 +261,3 @@ TEST_F(DisplayTest, MenuSelectsAPageAndClosingAsks) {
 
 }  // namespace
 }  // namespace quarnel
-
-int main(int argc, char** argv) {
-  ::testing::InitGoogleMock(&argc, argv);
-  wxApp::SetInstance(new wxApp);
-  int own = 1;
-  if (!wxEntryStart(own, argv)) {
-    // Without a display nothing can be shown.
-    constexpr int kSkipped = 77;
-    return kSkipped;
-  }
-  wxTheApp->SetExitOnFrameDelete(false);
-  wxIdleEvent::SetMode(wxIDLE_PROCESS_SPECIFIED);
-  wxUpdateUIEvent::SetMode(wxUPDATE_UI_PROCESS_SPECIFIED);
-  wxInitAllImageHandlers();
-  const int result = RUN_ALL_TESTS();
-  wxEntryCleanup();
-  return result;
-}

@@ -68,6 +68,10 @@ TEST_F(FilesTest, FindsPathsInAnyCaseWithEitherSlash) {
     EXPECT_EQ(entry->size, 5U);
     EXPECT_FALSE(entry->IsFolder());
   }
+  Make("Folder\\ävil ж.txt", "beyond");
+  EXPECT_EQ(Read(Path("Folder\\ÄVIL Ж.TXT")), "beyond");
+  EXPECT_EQ(files().HoldFolders()->Make(Path("folder")).Stat("Ävil ж.txt")->name, "ävil ж.txt");
+  files().Delete(Path("Folder\\ävil Ж.txt"));
   // Written through another case it stays the one file.
   WriteWholeFile(files(), Path("FOLDER\\file.txt"), "again");
   EXPECT_EQ(Names(Path("Folder")), Strings{"File.TXT"});

@@ -11,7 +11,7 @@
 #include "base/host_files.h"
 #include "platform/held_folders.h"
 #include "platform/machine_folder.h"
-#include "platform/posix/path_map.h"
+#include "platform/posix/files/path_map.h"
 #include "platform/posix/unique_fd.h"
 #include "support/platform_fixture.h"
 
@@ -250,10 +250,10 @@ TEST_F(PosixFilesTest, SpecialFilesAreNotOpened) {
 }
 
 TEST_F(PosixFilesTest, HostPathsOfDrivesGoBackToWindowsPaths) {
-  PathMap paths(fs::canonical(machineFolder()));
+  PathMap paths(MachineLayout(fs::canonical(machineFolder()), "user"));
   fs::create_directories(fs::path(machineFolder()) / "drive_q");
   fs::create_directories(fs::path(machineFolder()) / "drive_qq");
-  const std::string root = paths.Root();
+  const std::string root = paths.Layout().drivesFolder;
   EXPECT_EQ(paths.ToWindows(root + "/drive_c"), "C:\\");
   EXPECT_EQ(paths.ToWindows(root + "/drive_q/a b/c*"), "Q:\\a b\\c\xEF\x80\xAA");
   EXPECT_EQ(paths.ToWindows(root + "/drive_qq/a"), std::nullopt);
@@ -325,6 +325,14 @@ TEST(UniqueFdTest, ClosesOnceAndMoves) {
     moved.Reset(second);
   }
   EXPECT_FALSE(isOpen(second));
+}
+
+TEST_F(PosixFilesTest, GivesANameInAnotherCase) {
+  Make("ävil ж.txt", "x");
+  files().Move(Path("ävil ж.txt"), Path("Ävil Ж.txt"));
+  const auto entries = files().List(Scratch());
+  ASSERT_EQ(entries.size(), 1U);
+  EXPECT_EQ(entries.front().name, "Ävil Ж.txt");
 }
 
 }  // namespace

@@ -1,11 +1,11 @@
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <filesystem>
 
 #include "base/host_files.h"
-#include "base/text.h"
 #include "platform/posix/backends.h"
-#include "platform/posix/registry_store.h"
+#include "platform/posix/registry/sqlite_store.h"
 #include "support/platform_fixture.h"
 
 // What the registry of a machine folder does beside the contract of all registries: rights of keys,
@@ -21,10 +21,10 @@ class PosixRegistryTest : public PlatformTest {
 
   std::string Bytes() const { return ReadHostFile(File()); }
   static std::string FullKey(std::string_view name) {
-    return ToUpper("HKEY_USERS\\" + MachineOptions().sid + "\\" + Key(name));
+    return "HKEY_USERS\\" + MachineOptions().sid + "\\" + Key(name);
   }
   void SetRights(std::string_view name, const KeyRights& rights) {
-    RegistryStore store(File());
+    SqliteStore store(File());
     const auto key = store.Find(FullKey(name));
     ASSERT_TRUE(key) << name;
     store.SetRights(key->id, rights);
@@ -50,7 +50,7 @@ TEST_F(PosixRegistryTest, RightsDecideWhatMayBeDone) {
     EXPECT_EQ(registry().SetKeySecurity(kRoot, Key("locked"), "user", registry_access::kDelete),
               "");
   }
-  EXPECT_EQ(RegistryStore(File()).Find(FullKey("locked"))->rights.list->size(), 3U);
+  EXPECT_EQ(SqliteStore(File()).Find(FullKey("locked"))->rights.list->size(), 3U);
   EXPECT_EQ(DeleteKey(registry(), kRoot, Key("locked")), kSuccess);
 }
 
@@ -105,7 +105,7 @@ TEST_F(PosixRegistryTest, RefusesADatabaseThatIsNone) {
   const std::string path = machineFolder() + "/other.db";
   const auto openAfter = [&](const std::string& bytes) {
     WriteHostFile(path, bytes);
-    return ErrorOf([&] { RegistryStore store(path); });
+    return ErrorOf([&] { SqliteStore store(path); });
   };
   const std::string original = Bytes();
   EXPECT_EQ(
@@ -117,8 +117,92 @@ TEST_F(PosixRegistryTest, RefusesADatabaseThatIsNone) {
   EXPECT_EQ(openAfter(std::string(original).replace(60, 4, "ABCD")), ErrorNumber::kInvalidCall);
   EXPECT_TRUE(openAfter(original.substr(0, 4096 + 100)));
   EXPECT_EQ(openAfter(original), std::nullopt);
-  EXPECT_EQ(ErrorOf([&] { RegistryStore store(machineFolder() + "/none/registry.db"); }),
+  EXPECT_EQ(ErrorOf([&] { SqliteStore store(machineFolder() + "/none/registry.db"); }),
             ErrorNumber::kPathNotFound);
+}
+
+// A store of the time when only ASCII letters were folded.
+TEST_F(PosixRegistryTest, AnOlderStoreIsConvertedOnceAndNoKeyIsLost) {
+  const std::string path = machineFolder() + "/old.db";
+  {
+    SqliteStore store(path);
+    Database& old = store.database();
+    old.Execute("DROP TABLE twins; PRAGMA user_version = 1");
+    old.Execute(
+        "INSERT INTO keys(id, parent, name, path) VALUES(1, 0, 'ROOT', 'ROOT'),"
+        " (2, 1, 'ävil', 'ROOT\\äVIL'), (3, 1, 'Ävil', 'ROOT\\ÄVIL'),"
+        " (4, 2, 'süb', 'ROOT\\äVIL\\SüB'), (5, 3, 'SÜB', 'ROOT\\ÄVIL\\SÜB'),"
+        " (6, 1, 'éé', 'ROOT\\éé'), (7, 1, 'Éé', 'ROOT\\Éé'), (8, 1, 'über', 'ROOT\\üBER'),"
+        " (9, 8, 'Plain', 'ROOT\\üBER\\PLAIN');"
+        "INSERT INTO key_values(key, name, folded, type, data) VALUES"
+        " (4, 'ö', 'ö', 1, 'low'), (4, 'Ö', 'Ö', 1, 'high'), (9, 'ñ', 'ñ', 1, 'one')");
+  }
+  for (int turn = 0; turn < 2; ++turn) {
+    SqliteStore store(path);
+    const std::pair<const char*, int64_t> keys[] = {
+        {"root\\ävil", 2},      {"Root\\Ävil", 3},      {"ROOT\\ÄVIL", 3},
+        {"root\\Ävil\\süb", 5}, {"root\\äVil\\SÜB", 4}, {"root\\ävil\\süb", 4},
+        {"root\\éé", 6},        {"root\\éÉ", 7},        {"root\\Éé", 7},
+        {"root\\ÉÉ", 7},        {"ROOT\\Über", 8},      {"root\\ÜBER\\plain", 9}};
+    for (const auto& [name, id] : keys) {
+      const auto key = store.Find(name);
+      EXPECT_EQ(key ? key->id : 0, id) << name;
+    }
+    EXPECT_EQ(store.SubKeyNames(1).size(), 5U);
+    RawValue value;
+    const std::tuple<int64_t, const char*, const char*> values[] = {
+        {4, "ö", "low"}, {4, "Ö", "high"}, {9, "Ñ", "one"}, {9, "ñ", "one"}};
+    for (const auto& [key, name, data] : values) {
+      ASSERT_TRUE(store.GetValue(key, name, value)) << name;
+      EXPECT_EQ(value.data, data) << name;
+    }
+  }
+  SqliteStore store(path);
+  store.SetValue(4, "ö", {ValueType::kString, "new"});
+  EXPECT_EQ(store.ValueNames(4).size(), 2U);
+  EXPECT_TRUE(store.RemoveValue(4, "ö"));
+  RawValue value;
+  EXPECT_TRUE(store.GetValue(4, "ö", value));
+  EXPECT_EQ(value.data, "high");
+}
+
+// The rights of a user to whom nothing belongs, for as long as this lives. The administrator may
+// write everything.
+class AsNobody {
+ public:
+  AsNobody() {
+    constexpr uid_t kNobody = 65534;
+    if (isRoot_) seteuid(kNobody);
+  }
+  ~AsNobody() {
+    if (isRoot_) seteuid(0);
+  }
+  AsNobody(const AsNobody&) = delete;
+  AsNobody& operator=(const AsNobody&) = delete;
+
+ private:
+  const bool isRoot_ = geteuid() == 0;
+};
+
+TEST_F(PosixRegistryTest, IsReadByAUserWhoMayNotWriteIt) {
+  namespace fs = std::filesystem;
+  const fs::path folder =
+      fs::temp_directory_path() / ("quarnel read only #" + std::to_string(getpid()));
+  fs::create_directory(folder);
+  const std::string path = folder / "registry.db";
+  { SqliteStore(path).Add(0, "ROOT"); }
+  for (const fs::path& locked : {fs::path(path), folder}) {
+    fs::permissions(locked, fs::perms::owner_write | fs::perms::group_write,
+                    fs::perm_options::remove);
+  }
+  {
+    const AsNobody nobody;
+    SqliteStore store(path);
+    EXPECT_TRUE(store.Find("root"));
+    EXPECT_EQ(ErrorOf([&] { store.Add(0, "other"); }), ErrorNumber::kPermissionDenied);
+  }
+  fs::permissions(folder, fs::perms::owner_write, fs::perm_options::add);
+  fs::remove_all(folder);
 }
 
 TEST_F(PosixRegistryTest, DamageIsAStatusAndNeverACrash) {
@@ -127,7 +211,7 @@ TEST_F(PosixRegistryTest, DamageIsAStatusAndNeverACrash) {
   }
   const std::string copy = machineFolder() + "/damaged.db";
   {
-    RegistryStore store(File());
+    SqliteStore store(File());
     store.database().Execute("PRAGMA wal_checkpoint(TRUNCATE)");
   }
   const std::string original = Bytes();
@@ -144,7 +228,7 @@ TEST_F(PosixRegistryTest, DamageIsAStatusAndNeverACrash) {
     std::filesystem::rename(copy, File());
     for (const char* leftOver : {"-wal", "-shm"}) std::filesystem::remove(File() + leftOver);
     try {
-      const auto registryOfDamaged = MakeRegistry(folder);
+      const auto registryOfDamaged = MakeRegistry(folder, OpenStore(folder));
       EnumSubKeys(*registryOfDamaged, kRoot, kTestKey);
       for (int i = 0; i < 200; i += 9) {
         std::unique_ptr<RegistryKey> key;

@@ -89,6 +89,9 @@ TEST_F(RegistryTest, ValuesAreFoundInAnyCaseAndKeepTheirFirstSpelling) {
   EXPECT_EQ(QueryText(registry(), kRoot, Key("values"), ""), "default");
   EXPECT_EQ(QueryText(registry(), kRoot, Key("values"), "Apple"), "7");
   EXPECT_EQ(QueryText(registry(), kRoot, Key("values"), "none"), "");
+  set("größe", "3");
+  EXPECT_EQ(QueryText(registry(), kRoot, Key("values"), "GRÖßE"), "3");
+  EXPECT_EQ(DeleteValue(registry(), kRoot, Key("values"), "GRöße"), kSuccess);
   EXPECT_EQ(DeleteValue(registry(), kRoot, Key("values"), "zebrA"), kSuccess);
   EXPECT_EQ(DeleteValue(registry(), kRoot, Key("values"), "zebrA"), kFileNotFound);
   EXPECT_EQ(DeleteValue(registry(), kRoot, Key("none"), "zebrA"), kFileNotFound);
@@ -111,6 +114,7 @@ TEST_F(RegistryTest, GetKeyValueShowsNumbersAsHexadecimalText) {
 TEST_F(RegistryTest, KeysAreMadeWithTheirParentsAndFoundInAnyCase) {
   Make("One\\Two\\\xC3\x84gypten");
   EXPECT_EQ(Open(Key("one\\TWO\\\xC3\x84gypten")), kSuccess);
+  EXPECT_EQ(Open(Key("one\\TWO\\\xC3\xA4GYPTEN")), kSuccess);
   EXPECT_EQ(Open(Key("One\\Two\\")), kSuccess);
   EXPECT_EQ(Open(Key("One\\Three")), kFileNotFound);
   EXPECT_EQ(Open(Key("One\\Two\\Three\\Four")), kFileNotFound);

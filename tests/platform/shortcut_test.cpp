@@ -12,12 +12,6 @@ namespace {
 
 constexpr size_t kHeader = 0x4C;
 
-void SetU32(std::string& bytes, size_t offset, uint32_t value) {
-  std::string word;
-  PutU32(word, value);
-  bytes.replace(offset, 4, word);
-}
-
 // A link with a LinkInfo of the older form, which has no Unicode texts: `fields` are its words from
 // the header's size on, and `data` stands behind them.
 std::string OldLink(uint32_t linkFlags, std::initializer_list<uint32_t> fields,

@@ -18,14 +18,15 @@ class VersionInfoTest : public PlatformTest {
   }
 };
 
-std::string Wide(std::string_view text) { return NullPad(text) + std::string(2, '\0'); }
+std::string Widened(std::string_view text) { return NullPad(text) + std::string(2, '\0'); }
 
 // A value as it stands in the resource: header, name, a word of padding, text.
 std::string Node(std::string_view name, std::string_view text) {
-  return std::string("\x40\0\x09\0\x01\0", 6) + Wide(name) + std::string(2, '\0') + Wide(text);
+  return std::string("\x40\0\x09\0\x01\0", 6) + Widened(name) + std::string(2, '\0') +
+         Widened(text);
 }
 std::string Block(std::string_view company) {
-  return Wide("StringFileInfo") + Node("CompanyName", company);
+  return Widened("StringFileInfo") + Node("CompanyName", company);
 }
 
 TEST_F(VersionInfoTest, ReadsTheRecordOfAProgram) {
@@ -85,8 +86,8 @@ TEST(DescribeVersion, NamesSystemTypeAndSubtype) {
 }
 
 TEST(StringFileInfoText, TakesTheTextBehindTheName) {
-  const std::string filler(300, 'x'), block = Wide("StringFileInfo");
-  const std::string inCode = NullPad("\\StringFileInfo\\%04x\\") + Wide("CompanyName") + filler;
+  const std::string filler(300, 'x'), block = Widened("StringFileInfo");
+  const std::string inCode = NullPad("\\StringFileInfo\\%04x\\") + Widened("CompanyName") + filler;
   const std::string node = Node("CompanyName", "Labs"), whole = block + node;
   const struct {
     const char* about;
@@ -95,18 +96,18 @@ TEST(StringFileInfoText, TakesTheTextBehindTheName) {
   } cases[] = {
       {"whole", whole, "Labs"},
       {"at an odd place", "x" + whole, "Labs"},
-      {"without padding", block + Wide("CompanyName") + Wide("Labs"), "Labs"},
+      {"without padding", block + Widened("CompanyName") + Widened("Labs"), "Labs"},
       {"behind a path in code", inCode + whole, "Labs"},
       {"in the second block", block + filler + whole, "Labs"},
       {"torn in the text", whole.substr(0, 30 + 32 + 4), "La"},
       {"torn in the name", whole.substr(0, 30 + 20)},
       {"without a block", node},
       {"name before the block", node + block},
-      {"part of a name", block + NullPad("CompanyName") + Wide("s") + Wide("Labs")},
+      {"part of a name", block + NullPad("CompanyName") + Widened("s") + Widened("Labs")},
       {"far behind the block", block + std::string(65536, 'x') + node},
       {"empty value", block + Node("CompanyName", "")},
       {"no value before the next node", block + std::string("\x20\0\0\0\x01\0", 6) +
-                                            Wide("CompanyName") + std::string(2, '\0') +
+                                            Widened("CompanyName") + std::string(2, '\0') +
                                             Node("FileDescription", "Text")},
       {"nothing", ""},
   };
@@ -122,7 +123,7 @@ TEST_F(VersionInfoTest, FindsTextAcrossTheBordersOfPieces) {
     EXPECT_EQ(Company(bytes), "Examplesoft Labs") << before;
   }
   // The name may stand up to 64 KB behind the block's beginning.
-  const std::string apart = Wide("StringFileInfo") + std::string(60000, 'x');
+  const std::string apart = Widened("StringFileInfo") + std::string(60000, 'x');
   EXPECT_EQ(Company(std::string(kPiece - 30000, 'x') + apart + Node("CompanyName", "Labs")),
             "Labs");
 }
@@ -138,8 +139,8 @@ TEST_F(VersionInfoTest, LetsEventsRunBetweenPieces) {
 TEST(StringFileInfoText, TakesLittleTimeWhateverTheBytesHold) {
   // Each of these made a search that begins anew at every match take hours.
   std::string names, blocks, both;
-  while (names.size() < 8U << 20) names += Wide("CompanyName");
-  while (blocks.size() < 8U << 20) blocks += Wide("StringFileInfo");
+  while (names.size() < 8U << 20) names += Widened("CompanyName");
+  while (blocks.size() < 8U << 20) blocks += Widened("StringFileInfo");
   while (both.size() < 8U << 20) both += NullPad("CompanyNamCompanyNamStringFileInf");
   for (const std::string& bytes : {names, blocks, both}) {
     EXPECT_EQ(StringFileInfoText(bytes, "CompanyName"), "");

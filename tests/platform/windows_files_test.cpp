@@ -4,7 +4,7 @@
 #include <gmock/gmock.h>
 
 #include "platform/machine_folder.h"
-#include "platform/windows/system_path.h"
+#include "platform/windows/files/system_path.h"
 #include "platform/windows/unique_handle.h"
 #include "platform/windows/wide_text.h"
 #include "support/platform_fixture.h"

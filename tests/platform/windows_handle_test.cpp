@@ -19,7 +19,7 @@ TEST(UniqueHandle, ClosesEachHandleOnce) {
   {
     Handle one(1);
     Handle moved(std::move(one));
-    EXPECT_FALSE(one.Valid());
+    EXPECT_FALSE(one.Valid());  // NOLINT(bugprone-use-after-move)
     Handle two(2);
     two = std::move(moved);
     EXPECT_EQ(Note::closed, std::vector{2});

@@ -1,11 +1,12 @@
 // What only a real registry has: rights of keys as the system enforces them, and names that no text
 // in a code page can hold.
 
-#include <aclapi.h>
-
 #include "platform/windows/unique_handle.h"
 #include "platform/windows/wide_text.h"
 #include "support/platform_fixture.h"
+
+// After the header that brings the system's in their order.
+#include <aclapi.h>
 
 namespace quarnel {
 namespace {

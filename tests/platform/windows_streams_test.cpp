@@ -3,7 +3,7 @@
 #include <ostream>
 #include <string>
 
-#include "platform/windows/standard_streams.h"
+#include "platform/windows/desktop/standard_streams.h"
 #include "platform/windows/unique_handle.h"
 
 namespace quarnel {

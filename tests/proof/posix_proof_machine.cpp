@@ -8,6 +8,7 @@
 
 #include "base/text.h"
 #include "core/error_log.h"
+#include "core/existing_files.h"
 #include "core/paths.h"
 #include "core/settings.h"
 #include "machine/registry_transfer.h"
@@ -15,13 +16,11 @@
 #include "recovery/manifest.h"
 #include "recovery/removal_report.h"
 #include "recovery/restore_point.h"
-#include "scan/registry_scan.h"
 #include "scan/safe_list.h"
-#include "signatures/cipher.h"
-#include "signatures/compiler.h"
 #include "signatures/sha256.h"
 #include "signatures/signature_files.h"
 #include "signatures/taxonomy.h"
+#include "support/signature_set.h"
 #include "support/test_host.h"
 
 namespace quarnel {
@@ -122,22 +121,13 @@ void PlantSignatures(Platform& platform) {
     sources.registry += "Proof Labs,Proof Threat,4,1,KEY:" + std::string(kKeys) +
                         ",KVN:" + ValueName(number) + ",\n";
   }
-  // The compiler takes known folders alone; a path from a drive's root follows the code of none.
-  const auto line = [](std::string_view code, std::string_view folder) {
-    return "Proof Labs,Proof Threat,4," + std::string(code) + "," + std::string(folder) +
-           "\\[[FOLDER]],,3001";
-  };
-  for (const std::string_view folder : kFolders) sources.files += line("31", folder) + "\n";
+  for (const std::string_view folder : kFolders) {
+    sources.files += "Proof Labs,Proof Threat,4,0," + std::string(folder) + "\\[[FOLDER]],,3001\n";
+  }
   sources.programs = "00000000000000000000000000000000^11^Absent\n";
   sources.blockedCookies = "*.example\n";
-  CompiledSet set = CompileSet(sources);
-  for (const SourceError& error : set.errors) ADD_FAILURE() << error.Text();
-  for (CompiledFile& file : set.files) {
-    for (const std::string_view folder : kFolders) {
-      file.bytes = Replace(file.bytes, Encrypt(line("31", folder)), Encrypt(line("0", folder)));
-    }
-    WriteWholeFile(platform.files(), DataFolder(platform.machine()) + file.name, file.bytes);
-  }
+  const CompiledSet set = CompileSet(sources);
+  InstallSet(platform.files(), platform.machine(), set);
 }
 
 std::string CookiePath(Machine& machine, int number) {
@@ -246,7 +236,7 @@ void PlantProof(const std::string& folder) {
   }
   PlantRegistry(platform->registry());
   PlantSignatures(*platform);
-  Settings(platform->registry(), std::string(kTitle)).Save(setting::kStrict, "1");
+  Settings(platform->registry(), std::string(kTitle)).Save(setting::kStrict, 1);
 }
 
 Traces TracesOf(const std::string& folder) {
@@ -359,12 +349,12 @@ TracedRun ProofTest::Run(const Program& program, const Intervention& interventio
 
 void ProofTest::Prove(const Program& program, const Disturbance& disturbance,
                       const std::function<void(const TracedRun&)>& check) {
-  const size_t calls = Run(program, {}, disturbance.from).calls;
+  const size_t calls = Run(program, {.ofLooks = disturbance.ofLooks}, disturbance.from).calls;
   ASSERT_GT(calls, 10U);
   for (const Kind kind : disturbance.kinds) {
     for (const int error : disturbance.errors) {
-      for (const Intervention& intervention :
-           Interventions(kind, error, calls, disturbance.sample)) {
+      for (Intervention intervention : Interventions(kind, error, calls, disturbance.sample)) {
+        intervention.ofLooks = disturbance.ofLooks;
         const TracedRun run = Run(program, intervention, disturbance.from);
         SCOPED_TRACE(Describe(intervention, run));
         const bool kills = kind == Kind::kKill || kind == Kind::kTear;

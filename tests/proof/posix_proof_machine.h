@@ -74,11 +74,12 @@ class ProofTest : public ::testing::Test {
     std::vector<int> errors = {0};
     size_t sample = 0;
     std::string_view from = {};
+    bool ofLooks = false;
   };
   // Runs it with every kind of trouble and lets each result be checked. It interferes at all of its
-  // writing calls when the environment has QUARNEL_PROOF as "all"; otherwise at `sample` of them,
-  // spread over the whole by a seed that is printed, and taken from QUARNEL_PROOF_SEED where that
-  // is set.
+  // writing calls, or looks, when the environment has QUARNEL_PROOF as "all"; otherwise at `sample`
+  // of them, spread over the whole by a seed that is printed, and taken from QUARNEL_PROOF_SEED
+  // where that is set.
   void Prove(const Program& program, const Disturbance& disturbance,
              const std::function<void(const TracedRun&)>& check);
 

@@ -89,7 +89,7 @@ TEST_F(StateProof, TheSafeListIsOldOrNew) {
     Form form(host, "frmMain");
     ListView list(form, "lvwIgnoredSpywares", {"Trace", "Threat", "Company"});
     ErrorLog log(platform.files(), platform.machine(), host, "Quarnel");
-    SafeList safe(platform.files(), log);
+    SafeList safe(platform.files(), platform.machine(), log);
     for (const char* trace : {"C:\\a", "C:\\b", "C:\\c"}) {
       safe.AddIgnoredSpywaresTolvw(path, "New", trace, "New", true, list);
     }

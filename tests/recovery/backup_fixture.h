@@ -44,6 +44,7 @@ class BackupTest : public PlatformTest {
                    .host = host,
                    .log = log}};
 
+  static RawValue Text(std::string_view text) { return RawFromValue(std::string(text)); }
   std::string LogText() { return Exists(log.Path()) ? Read(log.Path()) : std::string(); }
   std::string PointFile(const BackupReport& report, std::string_view ending) {
     return RestorePointFile(program, report.stem, ending);
@@ -58,17 +59,16 @@ class BackupTest : public PlatformTest {
   }
   void AddRow(const std::string& path, bool cookie = false) {
     if (cookie) {
-      results.lvwTrackingCookieObjectrecognized.Add({.text = path, .subItems = {"File"}});
+      results.lvwTrackingCookieObjectrecognized.Add(CookieTrace{path}.Row());
     } else {
-      results.lvwFilesToBeDeleted.Add({.text = path, .subItems = {"Trojan", "Threat"}});
+      results.lvwFilesToBeDeleted.Add(FileTrace{path, "Trojan", "Threat"}.Row());
     }
   }
   // A row for a key below the test's own, or for a value of it.
   void AddTrace(std::string_view name, std::string_view valueName = {}) {
     results.lvwRegistryEntriesFound.Add(
-        {.text = "Company",
-         .subItems = {"Threat", "Trojan", std::to_string(static_cast<int32_t>(kRoot)), Key(name),
-                      std::string(valueName), "display"}});
+        RegistryTrace{"Company", "Threat", "Trojan", kRoot, Key(name), std::string(valueName)}
+            .Row());
   }
   void SetValue(std::string_view name, std::string_view valueName, const RawValue& value) {
     std::unique_ptr<RegistryKey> key;

@@ -9,7 +9,6 @@
 namespace quarnel {
 namespace {
 
-RawValue Text(std::string_view text) { return RawFromValue(std::string(text)); }
 RawValue Typed(ValueType type, RawValue value) {
   value.type = type;
   return value;

@@ -1,11 +1,13 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <fstream>
 
 #include "core/paths.h"
 #include "platform/machine_folder.h"
 #include "recovery/backup_fixture.h"
 #include "recovery/file_removal.h"
+#include "recovery/removal_record.h"
 
 // Folders that were swapped for links between a scan and its removal.
 namespace quarnel {
@@ -40,6 +42,38 @@ TEST_F(LinksTest, NothingBehindALinkIsDeletedOrMoved) {
   EXPECT_NE(Read(log.Path()).find("a folder on the way to it is a link"), std::string::npos);
 }
 
+// A folder that leads nowhere stands for any that may not be entered, as another user's.
+TEST_F(LinksTest, WhatCannotBeLookedAtIsNotCalledGone) {
+  fs::create_directory_symlink("loop", HostOf(Path("loop")));
+  AddRow(Path("loop\\a.exe"));
+  results.lvwFilesToBeDeleted.SetChecked(0, true);
+  RemovalRecord record({.results = results,
+                        .files = files(),
+                        .registry = registry(),
+                        .processes = platform().processes()},
+                       "now");
+  const RemovalReport report = record.Conclude("");
+  EXPECT_EQ(report.traces.front().fate, Fate::kFailed);
+  EXPECT_EQ(report.traces.front().detail, "it could not be looked at");
+}
+
+TEST_F(LinksTest, OfTwoNamesThatDifferInLetterCaseTheRightOneIsTold) {
+  const fs::path gone = HostOf(Make("Twin.txt"));
+  std::ofstream(gone.parent_path() / "tWIN.txt") << "x";
+  for (const char* name : {"Twin.txt", "tWIN.txt"}) AddRow(Path(name));
+  for (const size_t row : {0U, 1U}) results.lvwFilesToBeDeleted.SetChecked(row, true);
+  RemovalRecord record({.results = results,
+                        .files = files(),
+                        .registry = registry(),
+                        .processes = platform().processes()},
+                       "now");
+  fs::remove(gone);
+  const RemovalReport report = record.Conclude("");
+  ASSERT_EQ(report.traces.size(), 2U);
+  EXPECT_EQ(report.traces[0].fate, Fate::kRemoved);
+  EXPECT_EQ(report.traces[1].fate, Fate::kFailed);
+}
+
 TEST_F(LinksTest, ALinkGoesForItselfAndItsTargetStays) {
   const std::string target = Make("target.txt", "keep");
   fs::create_symlink(HostOf(target), HostOf(Path("link.txt")));
@@ -71,7 +105,9 @@ TEST_F(LinksTest, APartOfThePointThatCannotBeReadIsNamed) {
     const fs::path part = HostOf(PointFile(report, ending));
     fs::rename(part, part.string() + ".aside");
     fs::create_symlink(part.filename(), part);
-    EXPECT_FALSE(restore.RestoreSpyware(report.stem).failures.empty()) << ending;
+    // Without its manifest all comes back, unchecked.
+    EXPECT_EQ(restore.RestoreSpyware(report.stem).Complete(), ending == restore_point::kManifest)
+        << ending;
     EXPECT_NE(host.messages.back().text, "Restore process completed successfully.") << ending;
     fs::remove(part);
     fs::rename(part.string() + ".aside", part);
@@ -91,10 +127,10 @@ TEST_F(LinksTest, NothingIsRestoredThroughALinkThatComesMeanwhile) {
   files().CreateFolder(Path("elsewhere"));
   const fs::path folder = HostOf(Path("swapped"));
   const fs::path aside = HostOf(Path("aside"));
-  for (const char* strict : {"0", "1"}) {
+  for (const int strict : {0, 1}) {
     settings.Save(setting::kStrict, strict);
     for (int moment = 1; moment <= 6; ++moment) {
-      SCOPED_TRACE(std::string("strict ") + strict + ", moment " + std::to_string(moment));
+      SCOPED_TRACE("strict " + std::to_string(strict) + ", moment " + std::to_string(moment));
       for (const std::string& path : paths) IgnoringErrors([&] { files().Delete(path); });
       int turn = 0;
       bool swapped = false;

@@ -2,20 +2,23 @@
 
 #include <gmock/gmock.h>
 
+#include "recovery/restore_point.h"
 #include "scan/scan_fixture.h"
+#include "support/recording_window.h"
 #include "support/victim.h"
 
 namespace quarnel {
 namespace {
 
 using ::testing::ElementsAre;
+using ::testing::ElementsAreArray;
 using ::testing::EndsWith;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::StartsWith;
 using ::testing::UnorderedElementsAre;
 
-constexpr std::string_view kThreat = "Threat";
+const Threat kThreat{.name = "Threat", .typeName = "Type", .company = "Company", .spywareId = "7"};
 
 // A removal on a machine with real files, keys and cookies.
 class RemovalTest : public ScanTest {
@@ -29,6 +32,7 @@ class RemovalTest : public ScanTest {
   }
   ~RemovalTest() override {
     DeleteTree(files(), Quarantine());
+    DeleteTree(files(), BackupFolder(machine()));
     IgnoringErrors([&] { files().Delete(RemovalReportPath(machine())); });
   }
 
@@ -41,22 +45,16 @@ class RemovalTest : public ScanTest {
   std::string AddFile(const std::string& name, bool makeFile = true) {
     std::string path = name.find('\\') == std::string::npos ? Path(name) : name;
     if (makeFile) WriteWholeFile(files(), path, "x");
-    results.AddFileTrace({.path = path,
-                          .company = "Company",
-                          .threatName = std::string(kThreat),
-                          .typeName = "Type",
-                          .spywareId = "7"},
-                         root);
+    results.Enter({.threat = kThreat,
+                   .trace = FileTrace{.path = path, .typeName = "Type", .threatName = kThreat.name},
+                   .text = path,
+                   .knownBy = KnownBy::kFileRows});
     return path;
   }
   void AddKey(const std::string& key, const std::string& value) {
-    const std::string text = "HKEY_CURRENT_USER\\" + key + " -> Value Name: " + value;
-    resultsPage.lvwRegistryEntriesFound.Add(
-        {.text = "Company",
-         .subItems = {std::string(kThreat), "Type", "-2147483647", key, value, text}});
-    TreeNodeRef above = resultsPage.vbatvwResults.Find(kThreat);
-    if (!above) above = results.AddThreatRoot(kThreat, "Type");
-    results.ShowTrace(above, {.text = text});
+    const RegistryTrace trace{
+        .threatName = kThreat.name, .hive = hive::kCurrentUser, .key = key, .valueName = value};
+    results.Enter({.threat = kThreat, .trace = trace, .text = trace.Text(), .rowsFirst = true});
   }
   void TickAll() {
     for (const TreeNodeRef& node : resultsPage.vbatvwResults.InOrder()) node->checked = true;
@@ -81,15 +79,24 @@ class RemovalTest : public ScanTest {
   Settings settings{registry(), "Quarnel"};
   RemovalPage removalPage{form};
   CookieScan cookieScan{context, "Quarnel"};
-  TreeNodeRef root;
-  // What the removal asked of its surroundings, in order.
-  std::vector<std::string> asked;
-  std::function<void()> onBackup = [] {};
+  RecordingWindow window;
+  BackupPage backupPage{form};
+  Backup backup{{.page = backupPage,
+                 .results = resultsPage,
+                 .files = files(),
+                 .registry = registry(),
+                 .machine = machine(),
+                 .host = host,
+                 .log = log}};
   Removal removal{{.page = removalPage,
                    .scan = page,
                    .results = resultsPage,
                    .model = results,
+                   .unread = unread,
                    .cookies = cookieScan,
+                   .flags = flags,
+                   .backup = backup,
+                   .window = window,
                    .files = files(),
                    .registry = registry(),
                    .processes = platform().processes(),
@@ -97,18 +104,7 @@ class RemovalTest : public ScanTest {
                    .desktop = platform().desktop(),
                    .settings = settings,
                    .host = host,
-                   .log = log},
-                  {.backupSpyware =
-                       [this] {
-                         asked.emplace_back("backup");
-                         onBackup();
-                         return BackupReport{.stem = "1_2", .folder = "C:\\B", .files = 3};
-                       },
-                   .askToCloseBrowser = [this] { asked.emplace_back("browser"); },
-                   .askToRestart = [this] { asked.emplace_back("restart"); },
-                   .showResultsTab = [this] { asked.emplace_back("tab"); },
-                   .saveLastScanResults = [this] { asked.emplace_back("dumps"); },
-                   .done = [this] { asked.emplace_back("done"); }}};
+                   .log = log}};
   FileRemoval fileRemoval{{.files = files(),
                            .processes = platform().processes(),
                            .machine = machine(),
@@ -145,7 +141,12 @@ TEST_F(RemovalTest, RemovesEverythingTickedByItsKind) {
   RegCreateKeyValue(registry(), kRoot, Key("Values"), "Gone", "1");
   RegCreateKeyValue(registry(), kRoot, Key("Values"), "Stays", "1");
   resultsPage.chkCreateRestore.SetValue(1);
-  onBackup = [&] { EXPECT_TRUE(Exists(text)); };
+  const std::string dump = DataFolder(machine()) + "10004.qks";
+  window.onAsk = [&](std::string_view what) {
+    if (what == "restart") {
+      EXPECT_TRUE(Exists(dump));
+    }
+  };
   RemoveEverything();
 
   for (const std::string& path : {text, component, control, program, noExtension}) {
@@ -157,7 +158,7 @@ TEST_F(RemovalTest, RemovesEverythingTickedByItsKind) {
   RegistryValue value;
   EXPECT_FALSE(QueryValue(registry(), kRoot, Key("Values"), "Gone", value));
   // By default windows are closed without a word.
-  EXPECT_THAT(asked, ElementsAre("backup", "tab", "dumps", "restart"));
+  EXPECT_THAT(window.asked, ElementsAre("select 0", "restart"));
   EXPECT_TRUE(resultsPage.lvwFilesToBeDeleted.Empty());
   EXPECT_TRUE(resultsPage.lvwRegistryEntriesFound.Empty());
   EXPECT_EQ(resultsPage.vbatvwResults.Count(), 0U);
@@ -170,12 +171,11 @@ TEST_F(RemovalTest, RemovesEverythingTickedByItsKind) {
   const RemovalReport& report = *removal.LastReport();
   EXPECT_EQ(report.Count(Fate::kRemoved), 7U);
   EXPECT_EQ(report.traces.size(), 7U);
-  EXPECT_EQ(report.backup->stem, "1_2");
+  // Everything was still there when it was backed up.
+  EXPECT_EQ(report.backup->files, 5U);
+  EXPECT_TRUE(report.backup->Complete());
   EXPECT_EQ(report.problem, "");
   EXPECT_EQ(LogText(), "");
-  removal.cmdFinish_Click();
-  EXPECT_FALSE(removalPage.picRemoveSummary.Visible());
-  EXPECT_EQ(asked.back(), "done");
 }
 
 TEST_F(RemovalTest, KeepsWhatIsNotTickedOrExempt) {
@@ -202,7 +202,7 @@ TEST_F(RemovalTest, HandlesNothingWhenOnlyExemptTracesAreTicked) {
   const std::string exempt = AddFile("exempt.txt");
   resultsPage.lvwIgnoredSpywares.Add({.text = exempt});
   RemoveEverything();
-  EXPECT_THAT(asked, ElementsAre("tab", "dumps"));  // no restart is offered
+  EXPECT_THAT(window.asked, ElementsAre("select 0"));  // no restart is offered
   EXPECT_THAT(Texts(resultsPage.lvwFilesToBeDeleted), ElementsAre(exempt));
 }
 
@@ -259,23 +259,39 @@ TEST_F(RemovalTest, RefusesPathsThatLeadElsewhere) {
   EXPECT_THAT(LogText(), HasSubstr("the path names a stream: "));
 }
 
+// A row whose hive has no name is shown, and found on the safe list, under that of the row before.
+TEST_F(RemovalTest, RowWithoutAHiveTakesTheNameOfTheRowBefore) {
+  AddKey(Key("K"), "v");
+  RegistryTrace nameless{.threatName = kThreat.name, .key = Key("K"), .valueName = "w"};
+  resultsPage.lvwRegistryEntriesFound.SetChecked(
+      resultsPage.lvwRegistryEntriesFound.Add(nameless.Row()), true);
+  nameless.hive = hive::kCurrentUser;
+  resultsPage.lvwIgnoredSpywares.Add({.text = nameless.Text()});
+  RemoveEverything();
+  EXPECT_EQ(resultsPage.lvwRegistryEntriesFound.Count(), 1U);
+}
+
 TEST_F(RemovalTest, CookiesGoEveryOtherRowAtATime) {
   Install({.blockedCookies = "*.example\n"});
   const std::string folder = GetPath(machine(), csidl::kCookies);
   ListView& list = resultsPage.lvwTrackingCookieObjectrecognized;
+  resultsPage.lvwIgnoredSpywares.Add({.text = folder + "\\u@safe[1].txt"});
   std::vector<std::string> paths;
   for (const std::string name :
        {"u@one[1].txt", "u@two[1].txt", "u@safe[1].txt", "u@four[1].txt"}) {
     paths.push_back(folder + "\\" + name);
     WriteFile(paths.back(), "x");
-    list.Add({.text = paths.back(), .subItems = {"File"}});
+    results.Enter({.threat = {.name = std::string(kTrackingObject)},
+                   .trace = CookieTrace{paths.back()},
+                   .text = paths.back(),
+                   .ignoredIsListed = true,
+                   .rowsFirst = true});
   }
-  resultsPage.lvwIgnoredSpywares.Add({.text = paths[2]});
-  resultsPage.lvwPicRemoveListOfSpywareFoundAndToBeRemoved.Add(
-      {.text = std::string(kTrackingObject)});
-  const TreeNodeRef group = results.AddThreatRoot(kTrackingObject, kTrackingCookies);
-  for (const std::string& path : paths) results.ShowTrace(group, {.text = path});
+  // Neither a stop of the scan nor a click on another tab in the middle holds it back.
+  flags.scanStopRequested = true;
+  host.onEvents = [this] { flags.scanStopRequested = true; };
   RemoveEverything();
+  host.onEvents = nullptr;
   EXPECT_FALSE(Exists(paths[0]));
   EXPECT_FALSE(Exists(paths[3]));
   EXPECT_THAT(Texts(list), ElementsAre(paths[1], paths[2]));
@@ -286,10 +302,61 @@ TEST_F(RemovalTest, CookiesGoEveryOtherRowAtATime) {
   for (const size_t left : {1U, 2U}) files().Delete(paths[left]);
 }
 
+// What a scan finds of a threat that another phase met before has a row and no node.
+TEST_F(RemovalTest, TakesAllThatTheListsHoldWhateverTheTreeShows) {
+  AddFile("seen.txt");
+  for (const char* name : {"bare.txt", "[Found] - f.txt", "exempt.txt"}) {
+    resultsPage.lvwFilesToBeDeleted.Add(FileTrace{.path = Make(name)}.Row());
+  }
+  resultsPage.lvwIgnoredSpywares.Add({.text = Path("exempt.txt")});
+  RegCreateKeyValue(registry(), kRoot, Key("Bare"), "v", "1");
+  resultsPage.lvwRegistryEntriesFound.Add(
+      RegistryTrace{.hive = kRoot, .key = Key("Bare"), .valueName = "v"}.Row());
+  removal.RemoveAllFound();
+  EXPECT_THAT(Fates(), ElementsAre("seen.txt: removed", "bare.txt: removed",
+                                   "[Found] - f.txt: removed", "exempt.txt: kept on the safe list",
+                                   EndsWith("-> Value Name: v: removed")));
+  EXPECT_TRUE(removal.LastReport()->AllGone());
+  EXPECT_EQ(removal.LastReport()->CountExempt(), 1U);
+}
+
+TEST_F(RemovalTest, TellsOfEveryTickedNodeThatReachedNoRow) {
+  AddFile("[Found] - f.txt");
+  AddFile("gone.txt");
+  // The user has taken a file from the safe list since the scan: it has a node alone.
+  const TreeNodeRef root = resultsPage.vbatvwResults.Find(kThreat.name);
+  resultsPage.vbatvwResults.AddChild(root, "K9", "[Found] - " + Make("unlisted.txt"));
+  RemoveEverything();
+  const std::vector<std::string> expected = {
+      "[Found] - f.txt: failed still there: its name holds a mark of the list", "gone.txt: removed",
+      "unlisted.txt: failed still there: not in the lists of this scan, scan again"};
+  EXPECT_THAT(Fates(), ElementsAreArray(expected));
+  // The end screen shows the same, what is not gone first.
+  const ListView& shown = removalPage.lvwRemovalReport;
+  ASSERT_EQ(shown.Count(), expected.size());
+  EXPECT_EQ(shown.At(0).text, Path("[Found] - f.txt"));
+  EXPECT_EQ(shown.At(0).SubItem(1), "failed");
+  EXPECT_EQ(shown.At(0).SubItem(2), "still there: its name holds a mark of the list");
+  EXPECT_EQ(shown.At(shown.Count() - 1).SubItem(1), "removed");
+  removal.cmdCopyRemoval_Click();
+  EXPECT_THAT(host.clipboard, HasSubstr("removed      " + Path("gone.txt") + "\r\n"));
+}
+
+TEST_F(RemovalTest, TellsFirstWhatCannotBeBroughtBack) {
+  AddFile("a.txt");
+  AddKey(Key("Gone"), "v");
+  resultsPage.chkCreateRestore.SetValue(1);
+  RemoveEverything();
+  EXPECT_TRUE(removalPage.lblRestorePointState.Visible());
+  const ListRow& first = removalPage.lvwRemovalReport.At(0);
+  EXPECT_THAT(first.text, EndsWith("_REGBK.bkp"));
+  EXPECT_EQ(first.SubItem(1), "not saved");
+  EXPECT_THAT(first.SubItem(2), StartsWith("the key is gone"));
+}
+
 TEST_F(RemovalTest, AnErrorOnTheWayEndsItWithAReport) {
   AddFile("a.txt");
-  resultsPage.chkCreateRestore.SetValue(1);
-  onBackup = [] { throw RuntimeError(ErrorNumber::kTypeMismatch); };
+  window.onAsk = [](std::string_view) { throw RuntimeError(ErrorNumber::kTypeMismatch); };
   RemoveEverything();
   EXPECT_TRUE(Exists(Path("a.txt")));
   EXPECT_THAT(LogText(), HasSubstr("cmdRemoveSpywares_Click in frmMain"));
@@ -300,11 +367,11 @@ TEST_F(RemovalTest, AnErrorOnTheWayEndsItWithAReport) {
 TEST_F(RemovalTest, AsksAboutBrowsersByTheSettings) {
   for (const auto& [always, asks] :
        {std::pair{"True", true}, std::pair{"False", false}, std::pair{"perhaps", true}}) {
-    asked.clear();
+    window.asked.clear();
     AddFile("a.txt");
     settings.SaveSetting("OptionAndSettings", "ShowAlways", always);
     RemoveEverything();
-    EXPECT_EQ(asked.front() == "browser", asks);
+    EXPECT_EQ(window.asked.front() == "browser", asks);
   }
 }
 
@@ -352,7 +419,7 @@ TEST_F(RemovalTest, ANameTakenInTheQuarantineStaysOrGetsASuffix) {
   EXPECT_NE(quarantine("2").obstacle, "");
   EXPECT_TRUE(Exists(Path("a.b")));
   EXPECT_THAT(LogText(), HasSubstr("MoveThisFile"));
-  settings.Save(setting::kStrict, "1");
+  settings.Save(setting::kStrict, 1);
   EXPECT_EQ(quarantine("3").quarantine, Quarantine() + "\\974698_2");
   EXPECT_EQ(Read(Quarantine() + "\\974698"), "1");
 }

@@ -4,6 +4,7 @@
 
 #include "scan/scan_fixture.h"
 #include "signatures/complement.h"
+#include "signatures/signature_files.h"
 
 namespace quarnel {
 namespace {
@@ -85,7 +86,14 @@ TEST_F(CookieScanTest, InvalidPatternEndsTheWalk) {
   const std::string late = Cookie("user@late.example[1].txt", "late.example");
   EXPECT_THAT(Scan("late*\n[torn\n"), ElementsAre());
   EXPECT_THAT(LogText(), HasSubstr("DeleteCookie"));
+  EXPECT_THAT(unread.NotRun(), ElementsAre(HasSubstr("QNLBlkCoo.dll: Invalid pattern")));
   EXPECT_THAT(Scan("ads*\nlate*\n[torn\n"), ElementsAre(testing::_, late));
+}
+
+TEST_F(CookieScanTest, OverlongPatternIsToldAndTheOthersServe) {
+  const std::string cookie = Cookie("user@ads.example[1].txt", "ads.example");
+  EXPECT_THAT(Scan(std::string(kLongestCookiePattern + 1, '*') + "\nads*\n"), ElementsAre(cookie));
+  EXPECT_THAT(unread.NotRun(), ElementsAre(HasSubstr("entry 1: longer than 4096 characters")));
 }
 
 TEST_F(CookieScanTest, StopLeavesTheSearchWithTheListAsItStands) {

@@ -79,6 +79,7 @@ TEST_F(DeepScanTest, TornSignatureEndsTheFolderAndWhatIsBelowIt) {
                      Encrypt(HexText(Md5Of("good")) + "^1^Good") + "\r\n");
   EXPECT_THAT(Scan(Path("torn"), &pool), ElementsAre(Path("torn\\b\\good.dat")));
   EXPECT_THAT(LogText(), HasSubstr("FindFilesAPI"));
+  EXPECT_THAT(unread.NotRun(), ElementsAre(HasSubstr("QNLESig.dll, line 2")));
 }
 
 // What runs ahead changes nothing that anybody can see.
@@ -121,6 +122,14 @@ TEST_F(DeepScanTest, PoolGivesTheRecordsOfThePlainLoop) {
   const auto plainStopped = stopped(nullptr);
   EXPECT_LT(plainStopped.size(), plain.size());
   EXPECT_EQ(stopped(&pool), plainStopped);
+}
+
+TEST_F(DeepScanTest, FileThatAnEarlierPhaseEnteredIsOneTrace) {
+  WriteFile(Path("twice\\a.dat"), "bad");
+  Install({.programs = Line("bad", "One")});
+  results.AddSpaywareToResults("key", {ToUpper(Path("twice\\a.dat")), "Trojan", "One"});
+  EXPECT_THAT(Scan(Path("twice"), &pool), SizeIs(1));
+  EXPECT_EQ(page.lblMD5Infected.Caption(), "0");
 }
 
 TEST_F(DeepScanTest, FileThatCannotBeReadIsCounted) {

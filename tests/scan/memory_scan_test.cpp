@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "base/text.h"
+#include "scan/progress.h"
 #include "scan/scan_fixture.h"
 #include "signatures/md5.h"
 
@@ -96,6 +97,19 @@ TEST_F(MemoryScanTest, ModulePathsBelowSystem32AreMadePlain) {
   EXPECT_EQ(memoryScan.ActuallProcessName("\\SystemRoot\\System32\\smss.exe"),
             system + "\\smss.exe");
   EXPECT_EQ(memoryScan.ActuallProcessName("C:\\Program Files\\x.exe"), "C:\\Program Files\\x.exe");
+}
+
+TEST(IncrementProgressBar, WrapsAtItsEnd) {
+  TestHost host;
+  Form form(host, "frmMain");
+  ProgressBar bar(form, "pbgMain");
+  for (int i = 0; i < 32; ++i) IncrementProgressBar(bar);
+  EXPECT_EQ(bar.Value(), 96);
+  IncrementProgressBar(bar);
+  EXPECT_EQ(bar.Value(), 0);
+  bar.SetValue(99);
+  IncrementProgressBar(bar);
+  EXPECT_EQ(bar.Value(), 0);
 }
 
 }  // namespace

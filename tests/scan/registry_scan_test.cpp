@@ -5,6 +5,7 @@
 #include "base/text.h"
 #include "scan/folders.h"
 #include "scan/scan_fixture.h"
+#include "signatures/taxonomy.h"
 
 namespace quarnel {
 namespace {
@@ -36,7 +37,7 @@ class RegistryScanTest : public ScanTest {
     registryScan.ScanRegistry();
     std::vector<std::string> traces;
     for (const ListRow& row : resultsPage.lvwRegistryEntriesFound.Rows()) {
-      const std::string trace(row.SubItem(6));
+      const std::string trace(RegistryTrace::CompleteKey(row));
       const std::string before = "HKEY_CURRENT_USER\\" + std::string(kTestKey) + "\\";
       EXPECT_TRUE(StartsWithText(trace, before)) << trace;
       traces.push_back(trace.substr(std::min(before.size(), trace.size())));
@@ -95,10 +96,10 @@ TEST_F(RegistryScanTest, UserTokenOfAnEntryIsTheUser) {
   registryScan.LoadSpywareRegistryToBeDeleted(entry);
   ASSERT_EQ(resultsPage.lvwRegistryEntriesFound.Count(), 1U);
   const ListRow& row = resultsPage.lvwRegistryEntriesFound.At(0);
+  const std::string key = Key(machine().UserName());
   EXPECT_EQ(row.text, "Company");
-  EXPECT_EQ(row.SubItem(1), "Threat");
-  EXPECT_EQ(row.SubItem(3), "-2147483647");
-  EXPECT_EQ(row.SubItem(4), Key(machine().UserName()));
+  EXPECT_EQ(row.subItems, (Strings{"Threat", "Adware", "-2147483647", key, "v",
+                                   RegistryTraceText("HKEY_CURRENT_USER", key, "v")}));
 }
 
 TEST_F(RegistryScanTest, TraceIsShownUnderItsThreatWithThePrefixInItsKey) {
@@ -130,6 +131,8 @@ TEST_F(RegistryScanTest, ShortLineEndsThePhase) {
   registryScan.ScanRegistry();
   EXPECT_EQ(resultsPage.lvwRegistryEntriesFound.Count(), 1U);
   EXPECT_THAT(LogText(), HasSubstr("ScanRegistry in frmMain \r\n"));
+  EXPECT_THAT(unread.NotRun(),
+              ElementsAre(HasSubstr("Registry: QNLRSig.dll, line 3: Subscript out of range")));
 }
 
 }  // namespace

@@ -14,19 +14,19 @@ using ::testing::HasSubstr;
 class ResultsTest : public ScanTest {
  protected:
   void AddFile(std::string_view path, std::string_view threat) {
-    results.AddFileTrace({.path = std::string(path),
-                          .company = "Examplesoft",
-                          .threatName = std::string(threat),
-                          .typeName = "Adware",
-                          .spywareId = "id-1"},
-                         root_);
+    const FileTrace trace{std::string(path), "Adware", std::string(threat)};
+    results.Enter({.threat = {trace.threatName, trace.typeName, "Examplesoft", "id-1"},
+                   .trace = trace,
+                   .text = trace.path,
+                   .knownBy = KnownBy::kFileRows,
+                   .lastRoot = &root_,
+                   .oncePerTrace = true});
   }
   void Ignore(std::string_view trace) {
     resultsPage.lvwIgnoredSpywares.Add({.text = std::string(trace)});
   }
   void AddProgram(std::string_view path, std::string_view threat) {
-    results.current = {.type = "Trojan", .name = std::string(threat), .path = std::string(path)};
-    results.AddSpaywareToResults(path);
+    results.AddSpaywareToResults(path, {std::string(path), "Trojan", std::string(threat)});
   }
 
   TreeNodeRef root_;
@@ -111,11 +111,62 @@ TEST_F(ResultsTest, TicksOfARootGoDownAndNeverUp) {
   }
 }
 
+// A list finds by any letter case, so a root is found so, too.
+TEST_F(ResultsTest, NamesInAnyLetterCaseShareOneRoot) {
+  AddProgram("C:\\RUN.EXE", "Evil Tool");
+  AddProgram("C:\\SECOND.EXE", "EVIL TOOL");
+  for (const std::string_view path : {"C:\\1", "C:\\2"}) {
+    results.Enter({.threat = {.name = "evil tool"},
+                   .trace = FileTrace{std::string(path), "Adware", "evil tool"},
+                   .text = std::string(path)});
+  }
+  EXPECT_THAT(TreeLines(),
+              ElementsAre("Evil Tool", "  [Found] - C:\\RUN.EXE", "  [Found] - C:\\SECOND.EXE",
+                          "  [Found] - C:\\1", "  [Found] - C:\\2"));
+}
+
+TEST_F(ResultsTest, ButtonTicksAllAndThenNone) {
+  AddFile("C:\\1", "A");
+  resultsPage.chkSelectAllDetectedSpywares.Click = [&] {
+    results.chkSelectAllDetectedSpywares_Click();
+  };
+  for (const bool ticked : {true, false}) {
+    results.cmdCheckUncheckAll_Click();
+    for (const TreeNodeRef& node : resultsPage.vbatvwResults.InOrder()) {
+      EXPECT_EQ(node->checked, ticked);
+    }
+  }
+}
+
+TEST_F(ResultsTest, WhatWasNotReadIsReadBackWhole) {
+  // On a running Windows another program's test may have left one.
+  IgnoringErrors([&] { files().Delete(UnreadFile(machine(), unread).path); });
+  EXPECT_FALSE(LoadUnread(files(), machine()));
+  for (const auto& [kind, name] : {std::pair{"file", "C:\\tab\there"}, {"folder", "C:\\\xFF\n"}}) {
+    unread.Add(kind, name);
+  }
+  unread.AddUnnamed(5);
+  const WholeFile file = UnreadFile(machine(), unread);
+  WriteFile(file.path, file.bytes);
+  const auto loaded = LoadUnread(files(), machine());
+  ASSERT_TRUE(loaded);
+  EXPECT_EQ(loaded->Count(), 7U);
+  ASSERT_EQ(loaded->Items().size(), 2U);
+  EXPECT_EQ(loaded->Items()[0].name, "C:\\tab\there");
+  EXPECT_EQ(loaded->Items()[1].kind, "folder");
+  // A file that was cut says nothing.
+  for (size_t cut = 0; cut < file.bytes.size(); ++cut) {
+    WriteWholeFile(files(), file.path, file.bytes.substr(0, cut));
+    EXPECT_FALSE(LoadUnread(files(), machine())) << cut;
+  }
+  files().Delete(file.path);
+}
+
 TEST_F(ResultsTest, TicksReachTheRowOfExactlyThatTrace) {
   AddFile("C:\\x", "A");
   AddFile("C:\\[Found] - y", "A");
   resultsPage.lvwRegistryEntriesFound.Add(
-      {.text = "c", .subItems = {"n", "t", "0", "K", "V", "HKEY_USERS\\K -> Value Name: V"}});
+      RegistryTrace{.hive = hive::kUsers, .key = "K", .valueName = "V"}.Row());
   const auto select = [&](std::string_view text) {
     TreeNode node;
     node.text = text;
@@ -129,6 +180,11 @@ TEST_F(ResultsTest, TicksReachTheRowOfExactlyThatTrace) {
   EXPECT_TRUE(resultsPage.lvwFilesToBeDeleted.At(0).checked);
   select("[Found] - C:\\[Found] - y");  // the trace's own text loses the prefix too
   EXPECT_FALSE(resultsPage.lvwFilesToBeDeleted.At(1).checked);
+  for (const std::string_view other :
+       {"HKEY_USERS\\k -> Value Name: V", "HKEY_USERS\\K -> Value Name: ", "K"}) {
+    select("[Found] - " + std::string(other));
+    EXPECT_FALSE(resultsPage.lvwRegistryEntriesFound.At(0).checked) << other;
+  }
   select("[Found] - HKEY_USERS\\K -> Value Name: V");
   EXPECT_TRUE(resultsPage.lvwRegistryEntriesFound.At(0).checked);
 }
@@ -142,7 +198,7 @@ TEST_F(ResultsTest, ResultsTextSetsThreatsAndIgnoredTracesApart) {
 
 class SafeListTest : public ResultsTest {
  protected:
-  SafeList safeList{files(), log};
+  SafeList safeList{files(), machine(), log};
   std::string path = SafeListPath(machine());
 };
 

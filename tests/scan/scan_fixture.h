@@ -7,8 +7,8 @@
 #include "core/error_log.h"
 #include "core/paths.h"
 #include "scan/scan_context.h"
-#include "signatures/compiler.h"
 #include "support/platform_fixture.h"
+#include "support/signature_set.h"
 #include "support/test_host.h"
 
 namespace quarnel {
@@ -43,11 +43,7 @@ class ScanTest : public PlatformTest {
 
   // Compiles sources and puts the files into the system folder.
   void Install(const SignatureSources& sources) {
-    const CompiledSet set = CompileSet(sources);
-    for (const SourceError& error : set.errors) ADD_FAILURE() << error.Text();
-    for (const CompiledFile& file : set.files) {
-      WriteWholeFile(files(), DataFolder(machine()) + file.name, file.bytes);
-    }
+    InstallSet(files(), machine(), CompileSet(sources));
   }
 
   void WriteFile(std::string_view path, std::string_view bytes) {

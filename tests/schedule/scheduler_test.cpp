@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "support/platform_fixture.h"
+#include "support/recording_window.h"
 #include "support/test_host.h"
 
 namespace quarnel {
@@ -20,13 +21,19 @@ class frmSchedule : public Form {
 };
 
 // The test's clock stands at 2:30:00 PM on Tuesday, March 5, 2024.
-class SchedulerTest : public PlatformTest, protected ScheduleSurroundings {
+class SchedulerTest : public PlatformTest {
  protected:
   SchedulerTest() {
     for (const std::string_view key : {"Time", "Day", "Date", "chkAutomaticScanYesOrNo"}) {
       DeleteValue(registry(), hive::kCurrentUser,
                   "Software\\VB and VBA Program Settings\\QuarnelTest\\OptionAndSettings", key);
     }
+    // A scan processes events for as long as it takes.
+    form.tmrScheduler.Tick = [this] {
+      if (!scheduler.TakeDueScan()) return;
+      ++scans;
+      host.Advance(scanTime);
+    };
     form.Show();
   }
 
@@ -47,21 +54,8 @@ class SchedulerTest : public PlatformTest, protected ScheduleSurroundings {
     return texts;
   }
 
-  // ScheduleSurroundings: a scan processes events for as long as it takes.
-  void MakeTimersEnabledOrDisableAcordingToSetting(bool leaveAlone) override {
-    if (!leaveAlone) form.tmrScheduler.SetEnabled(page.chkAutomaticScanYesOrNo.Checked());
-  }
-  bool ScanIsRunning() const override { return scanRuns; }
-  void ShowFirstPage() override { ++firstPages; }
-  void StartScan() override {
-    ++scans;
-    scanRuns = true;
-    host.Advance(scanTime);
-    scanRuns = false;
-  }
-  void RefreshSystemSummary() override { ++refreshes; }
-
   TestHost host;
+  RecordingWindow window;
   frmSchedule form{host};
   SchedulePage& page = form.page;
   Settings settings{registry(), "QuarnelTest"};
@@ -71,11 +65,8 @@ class SchedulerTest : public PlatformTest, protected ScheduleSurroundings {
                        .settings = settings,
                        .host = host,
                        .log = log,
-                       .surroundings = *this}};
+                       .window = window}};
   int scans = 0;
-  int firstPages = 0;
-  int refreshes = 0;
-  bool scanRuns = false;
   Milliseconds scanTime{2000};
 };
 
@@ -91,8 +82,32 @@ TEST_F(SchedulerTest, FreshStoreShowsDailyAtMidnightAndOff) {
   EXPECT_EQ(Stored("Day"), "7");
   EXPECT_EQ(Stored("Date"), "Null");
   EXPECT_EQ(Stored("Time"), "12:00:00 AM");
-  EXPECT_EQ(refreshes, 1);
+  EXPECT_THAT(window.asked, ElementsAre("summary"));
   EXPECT_EQ(host.messages.back().title, "Schedule Settings");
+}
+
+TEST_F(SchedulerTest, TimeOfAStoreThatWasNeverAppliedComesBackAtEveryStart) {
+  scheduler.LoadSchedule();
+  frmSchedule second{host};
+  second.Show();
+  SchedulePage& again = second.page;
+  Scheduler restarted{{.page = again,
+                       .tmrScheduler = second.tmrScheduler,
+                       .settings = settings,
+                       .host = host,
+                       .log = log,
+                       .window = window}};
+  restarted.LoadSchedule();
+  EXPECT_EQ(again.dtpScheduleTime.ValueText(), "12:00:00 AM");
+  again.dtpScheduleTime.SetByUser("3:00:00 PM");
+  again.cmdDefaultSetting.ClickByUser();
+  EXPECT_EQ(again.dtpScheduleTime.ValueText(), "12:00:00 AM");
+  // Without a time the box goes out; ticked again, it stands beside one that can fall due.
+  again.dtpScheduleTime.SetByUser("");
+  again.chkAutomaticScanYesOrNo.ClickByUser();
+  EXPECT_EQ(again.dtpScheduleTime.ValueText(), "2:30:00 PM");
+  again.cmdProceed.ClickByUser();
+  EXPECT_EQ(Stored("Time"), "2:30:00 PM");
 }
 
 TEST_F(SchedulerTest, StartsAtItsSecond) {
@@ -123,33 +138,25 @@ TEST_F(SchedulerTest, StartsAtItsSecond) {
     host.virtualClock().SetNow(local_days(2024y / March / 5) + hours(14) + minutes(30));
     page.chkAutomaticScanYesOrNo.SetValue(0);
     Store(each.day, each.time, each.date);
-    scans = firstPages = 0;
+    scans = 0;
     scheduler.LoadSchedule();
     page.chkAutomaticScanYesOrNo.SetValue(1);
     host.Advance(Milliseconds(1500));
     EXPECT_EQ(scans, 0);
     host.Advance(Milliseconds(1500));
     EXPECT_EQ(scans, each.scans);
-    EXPECT_EQ(firstPages, each.scans);
   }
 }
 
-TEST_F(SchedulerTest, MissedAndMeanwhileDueSecondsAreLost) {
+TEST_F(SchedulerTest, MissedSecondsAreLost) {
   Store("7", "2:30:02 PM", "Null");
   scheduler.LoadSchedule();
   // Busy for three seconds: no tick falls into the due one.
   host.virtualClock().Pass(Milliseconds(3000));
   host.Advance(Milliseconds(2000));
   EXPECT_EQ(scans, 0);
-  // Another scan runs in that second.
-  Store("7", "2:30:06 PM", "Null");
-  scheduler.LoadSchedule();
-  scanRuns = true;
-  host.Advance(Milliseconds(3000));
-  EXPECT_EQ(scans, 0);
-  scanRuns = false;
   // The next day it starts again.
-  host.virtualClock().Pass(std::chrono::hours(24) - Milliseconds(3000));
+  host.virtualClock().Pass(std::chrono::hours(24) - Milliseconds(6000));
   host.Advance(Milliseconds(4000));
   EXPECT_EQ(scans, 1);
 }
@@ -247,6 +254,30 @@ TEST_F(SchedulerTest, DateThatThePickerRefusesEndsTheLoad) {
   EXPECT_EQ(page.cmbDays.ListIndex(), -1);
   EXPECT_FALSE(page.chkAutomaticScanYesOrNo.Checked());
   EXPECT_THAT(ReadWholeFile(files(), log.Path()), ::testing::HasSubstr("LoadSchedule in frmMain"));
+}
+
+// Whoever looks at the clock a hundred times a second keeps a core busy.
+TEST_F(SchedulerTest, SleepsOverTheTicksBeforeItsSecond) {
+  Store("7", "3:30:00 PM", "Null");
+  scheduler.LoadSchedule();
+  form.tmrScheduler.IdleFor = [this] { return scheduler.UntilScheduledSecond(); };
+  int ticks = 0;
+  form.tmrScheduler.Tick = [&, tick = form.tmrScheduler.Tick] {
+    ++ticks;
+    tick();
+  };
+  host.Advance(std::chrono::hours(1) - Milliseconds(1));
+  EXPECT_EQ(scans, 0);
+  EXPECT_LE(ticks, 2 * 3600);
+  host.Advance(Milliseconds(10));
+  EXPECT_EQ(scans, 1);
+  // Another time of day counts from now on.
+  ticks = 0;
+  page.dtpScheduleTime.SetValue(host.clock().Now() + Milliseconds(1500));
+  scheduler.ApplySchedule();
+  host.Advance(std::chrono::seconds(3));
+  EXPECT_EQ(scans, 2);
+  EXPECT_LE(ticks, 120);
 }
 
 }  // namespace

@@ -78,6 +78,13 @@ TEST(Compiler, ShowsWhatHandMadeFilesHold) {
     EXPECT_EQ(ShowSignatureFile(file.name, ""), "");
 }
 
+TEST(Compiler, StopsAtTooManyErrors) {
+  SignatureSources sources;
+  for (int i = 0; i < 2000; ++i) sources.registry += "bad\n";
+  sources.programs = "bad\n";
+  EXPECT_EQ(CompileSet(sources).errors.size(), kMostSourceErrors);
+}
+
 TEST(Compiler, RefusesWhatReadersWouldMisread) {
   using S = SignatureSources;
   const std::string hash(kHash);
@@ -100,9 +107,17 @@ TEST(Compiler, RefusesWhatReadersWouldMisread) {
       {&S::registry, "field 3 (type code)", {"a,b,54,2,key,,", "a,b,-1,2,key,,"}},
       {&S::registry, "field 4 (hive code)", {"a,b,1,6,key,,", "a,b,1,,key,,"}},
       {&S::registry, "neither a key nor a value name", {"a,b,1,2,,,"}},
+      {&S::registry,
+       "whole hive",
+       {"a,b,1,3,[[HKEYUSERVALUE]],,", "a,b,1,3,KEY:,,", "a,b,1,3,key:CB:\\,,", "a,b,1,3,[[x,KVN:,",
+        "a,b,1,3,any[[HKEYUSERVALUE]],,"}},
+      {&S::registry,
+       "",
+       {"a,b,1,3,[[HKEYUSERVALUE]]k,,", "a,b,1,3,[[HKEYUSERVALUE]],v,", "a,b,1,3,KEY:[[USER]]k,,"}},
+      {&S::registry, "\"b\" elsewhere", {"a,b,1,2,key,,\na,B,1,2,key,,"}, 3},
       {&S::registry, "\"^\"", {"a,b^,1,2,key,,"}},
-      {&S::files, "", {"a,b,1,43,p,,", longFile(0)}},
-      {&S::files, "field 4 (folder code)", {"a,b,1,0,p,,", "a,b,1,44,p,,", "a,b,1,1x,p,,"}},
+      {&S::files, "", {"a,b,1,0,C:\\p,,", "a,b,1,44,C:\\p,,", longFile(0)}},
+      {&S::files, "field 4 (folder code)", {"a,b,1,-1,p,,", "a,b,1,32768,p,,", "a,b,1,1x,p,,"}},
       {&S::files,
        "32 hexadecimal",
        {"a,b,1,1,p," + hash.substr(1) + ",", "a,b,1,1,p," + hash.substr(1) + "g,"}},
@@ -117,6 +132,8 @@ TEST(Compiler, RefusesWhatReadersWouldMisread) {
       {&S::blockedCookies, "quotation", {"\"a\""}},
       {&S::blockedCookies, "blank", {" a"}},
       {&S::blockedCookies, "list", {"[a", "[b-a]"}},
+      {&S::blockedCookies, "", {std::string(kLongestCookiePattern, 'a')}},
+      {&S::blockedCookies, "4096 characters", {std::string(kLongestCookiePattern + 1, 'a')}},
       {&S::blockedCookies, "byte 2 has the value 0", {std::string("a\0b", 3)}},
       {&S::blockedCookies, "byte 2 has the value 255", {"a\xFF"}},
       {&S::activeX, "1 fields", {"name"}},

@@ -62,7 +62,6 @@ TEST_F(HashFileTest, BlanksWhereNothingCanBeRead) {
   EXPECT_EQ(HashFile(files(), Path("missing")), kNoHash);
   EXPECT_EQ(HashFile(files(), Scratch()), kNoHash);
   EXPECT_EQ(HashFile(files(), ""), kNoHash);
-  EXPECT_EQ(kNoHash.size(), 32U);
 }
 
 TEST_F(HashFileTest, StopsBetweenPieces) {

@@ -6,6 +6,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <thread>
 
 #include "controls/host.h"
 #include "controls/simple_controls.h"
@@ -216,9 +217,64 @@ TYPED_TEST_P(HostSuite, EndOfTheProcessLeavesEverything) {
   EXPECT_EQ(this->Taken(), "load ");
 }
 
+TYPED_TEST_P(HostSuite, HandlerWaitsForTheUser) {
+  auto form = this->Make("frmOne");
+  form->Show();
+  bool answered = false;
+  form->cmdOne.Click = [&] { answered = true; };
+  this->front.PlayNext("frmOne", [](Form& shown) { shown.Find("cmdOne")->ClickByUser(); });
+  EXPECT_TRUE(this->host().WaitUntil([&] { return answered; }));
+  EXPECT_TRUE(answered);
+}
+
+// One event is under way in another thread, one comes by a handler, and in between the thread
+// sleeps: neither a timer nor a pause of its own has it look for them.
+TYPED_TEST_P(HostSuite, SleepsUntilAnEventComes) {
+  auto form = this->Make("frmOne");
+  form->Load();
+  form->tmrOne.SetInterval(std::chrono::hours(1));
+  form->tmrOne.SetEnabled(true);
+  const Host::UnderWay underWay(this->host());
+  EventWait& events = this->host().events();
+  std::thread other([&] {
+    std::this_thread::sleep_for(Milliseconds(50));
+    events.Post([&] {
+      form->Note("came");
+      bool inner = false;
+      events.Post([&] { inner = true; });
+      const auto innerCame = [&] { return inner; };
+      while (!innerCame()) this->host().WaitForEvent();
+      form->Note("inner");
+    });
+  });
+  const auto came = [&] { return this->notes.find("inner") != std::string::npos; };
+  int rounds = 0;
+  for (; !came() && rounds < 100; ++rounds) this->host().WaitForEvent();
+  other.join();
+  EXPECT_EQ(this->Taken(), "load came inner ");
+  EXPECT_LE(rounds, 5);
+}
+
+TYPED_TEST_P(HostSuite, EventsComeWhileTimePassesAndInsideALongJob) {
+  auto form = this->Make("frmOne");
+  form->Load();
+  const Host::UnderWay underWay(this->host());
+  this->host().events().Post([&] { form->Note("posted"); });
+  this->Until([&] { return this->notes.find("posted") != std::string::npos; });
+  bool came = false;
+  this->host().events().Post([&] { came = true; });
+  for (int turn = 0; turn < 1000 && !came; ++turn) {
+    std::this_thread::sleep_for(Milliseconds(1));
+    this->host().DoEvents();
+  }
+  EXPECT_TRUE(came);
+}
+
 REGISTER_TYPED_TEST_SUITE_P(HostSuite, BoxGivesTheUsersAnswer, TimersTickBehindABox,
                             ModalFormHoldsItsCaller, ModalFormsNest, TimerIsNeverInsideItself,
                             HandlersRunInsideALongJob, FormEndsInItsOwnHandlers,
-                            FormMayDeclineToClose, EndOfTheProcessLeavesEverything);
+                            FormMayDeclineToClose, EndOfTheProcessLeavesEverything,
+                            HandlerWaitsForTheUser, SleepsUntilAnEventComes,
+                            EventsComeWhileTimePassesAndInsideALongJob);
 
 }  // namespace quarnel

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "platform/event_wait.h"
+
 namespace quarnel {
 namespace {
 
@@ -13,7 +15,7 @@ DateTime Start() {
 }  // namespace
 
 // The base class only keeps the address of the clock, which is made after it.
-TestHost::TestHost() : Host(clock_), clock_(Start()) {}
+TestHost::TestHost() : Host(clock_, MakeEventWait()), clock_(Start()) {}
 
 Answer TestHost::MsgBox(const MessageBox& box) {
   messages.push_back(box);
@@ -33,14 +35,29 @@ void TestHost::RunModal(Form& form) {
   if (const auto player = players.find(form.Name()); player != players.end()) {
     player->second(form);
   }
-  for (int turn = 0; turn < 1000 && form.IsLoaded() && form.Visible(); ++turn) {
-    const auto due = NextDue();
-    Advance(due ? std::max(*due - clock().Ticks(), Milliseconds(0)) : Milliseconds(10));
-  }
-  if (form.IsLoaded() && form.Visible()) {
+  if (!GiveTimeUntil([&] { return !form.IsLoaded() || !form.Visible(); })) {
     ADD_FAILURE() << "modal form " << form.Name() << " stays open";
     form.Hide();
   }
+}
+
+bool TestHost::WaitUntil(const std::function<bool()>& condition) {
+  const std::vector<Form*> forms = LoadedForms();
+  for (Form* form : forms) {
+    const auto player = players.find(form->Name());
+    if (form->Visible() && player != players.end() && !condition()) player->second(*form);
+  }
+  const bool holds = GiveTimeUntil(condition);
+  EXPECT_TRUE(holds) << "what is waited for does not come";
+  return holds;
+}
+
+bool TestHost::GiveTimeUntil(const std::function<bool()>& condition) {
+  for (int turn = 0; turn < 1000; ++turn) {
+    if (condition()) return true;
+    Step(NextDue() || IsUnderWay() ? std::nullopt : std::optional(Milliseconds(10)));
+  }
+  return condition();
 }
 
 [[noreturn]] void TestHost::EndProcess() {

@@ -27,8 +27,8 @@ class TestHost : public Host {
 
   // Runs once inside every DoEvents, while set.
   Handler onEvents;
-  // Plays the user in a modal form of this name. A modal form without a player gets time to close
-  // by its own timers.
+  // Plays the user in a form of this name that is modal, or shows while a handler waits. A modal
+  // form without a player gets time to close by its own timers.
   std::map<std::string, std::function<void(Form&)>> players;
 
   // The number of DoEvents calls so far.
@@ -42,6 +42,8 @@ class TestHost : public Host {
     return std::nullopt;
   }
   void RunModal(Form& form) override;
+  // Gives it time; one that never holds fails the test.
+  bool WaitUntil(const std::function<bool()>& condition) override;
   void SetClipboardText(std::string_view text) override { clipboard = text; }
   ScreenFacts Screen() const override { return screen; }
   bool HasTray() const override { return hasTray; }
@@ -51,6 +53,8 @@ class TestHost : public Host {
   void ProcessFrontEvents(Milliseconds now) override;
 
  private:
+  bool GiveTimeUntil(const std::function<bool()>& condition);
+
   VirtualClock clock_;
   bool inEvents_ = false;
 };

@@ -9,8 +9,8 @@
 
 #include "core/paths.h"
 #include "scan/folders.h"
-#include "signatures/compiler.h"
 #include "support/platform_fixture.h"
+#include "support/signature_set.h"
 #include "support/test_host.h"
 #include "ui/application.h"
 
@@ -33,14 +33,7 @@ class ApplicationTest : public PlatformTest {
     IgnoringErrors([&] { files().Delete(planted); });
   }
 
-  void Install(const SignatureSources& sources) {
-    for (const CompiledFile& file : CompileSet(sources).files) {
-      WriteWholeFile(files(), DataFolder(machine()) + file.name, file.bytes);
-    }
-    for (const std::string_view name : {"QNLList.dll", "QNLCritProc.dll"}) {
-      WriteWholeFile(files(), DataFolder(machine()) + std::string(name), "list\r\n");
-    }
-  }
+  void Install(const SignatureSources& sources) { InstallProgramData(files(), machine(), sources); }
 
   frmMain& Start(StartOptions options = {.showSplash = false, .runWizard = false}) {
     application = std::make_unique<Application>(platform(), host, options);

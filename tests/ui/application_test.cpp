@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include "core/existing_files.h"
 #include "core/inifile.h"
 #include "core/product.h"
 #include "ui/application_fixture.h"
@@ -38,6 +39,43 @@ TEST_F(ApplicationTest, FreshStoreComesUpWithItsDefaults) {
   EXPECT_EQ(main.summary.rows[1].lblSystemSummaryValue.Caption(), "N/A");
   EXPECT_EQ(main.summary.rows[3].lblSystemSummaryValue.Caption(), "3 of 4");
   EXPECT_TRUE(main.summary.imgSystemSummaryBigLogoRed.Visible());
+}
+
+// What each step needs of those before it, seen from the two places where the start stands still.
+TEST_F(ApplicationTest, StartGoesStepByStep) {
+  settings.SaveSetting("OptionAndSettings", "chkAutomaticScanYesOrNo", "1");
+  settings.SaveSetting("OptionAndSettings", "Day", "7");
+  settings.SaveSetting("Drives", "Drive C: Fixed Disk", "True");
+  WriteWholeFile(files(), SafeListPath(machine()), planted + "^Threat^Threat\r\n");
+  files().Delete(DataFolder(machine()) + "QNLFSig.dll");
+  application = std::make_unique<Application>(platform(), host, StartOptions{.runWizard = false});
+  frmMain& main = application->MainForm();
+  bool splash = false;
+  host.players["frmSplash"] = [&](Form&) {
+    splash = true;
+    EXPECT_EQ(main.Caption(), "Quarnel v3.0.4");
+    EXPECT_EQ(main.results.lvwIgnoredSpywares.Count(), 1u);
+    EXPECT_FALSE(main.timers.tmrMemoryInspected.Enabled() || main.timers.tmrScheduler.Enabled());
+    EXPECT_TRUE(main.scan.lvwHardDrives.Empty());
+    EXPECT_FALSE(main.Visible());
+  };
+  bool asked = false;
+  host.onEvents = [&] {
+    if (asked || host.messages.empty()) return;
+    asked = true;
+    EXPECT_TRUE(main.timers.tmrScheduler.Enabled());
+    EXPECT_TRUE(main.scan.lvwHardDrives.At(0).checked);
+    EXPECT_TRUE(main.timers.tmrMemoryInspected.Enabled());
+    EXPECT_NE(main.scan.lblTotalSignatureInTabSignature.Caption(), "");
+    EXPECT_FALSE(main.timers.tmrBlink.Enabled());
+    EXPECT_FALSE(main.tray.bRunningInTray());
+  };
+  EXPECT_TRUE(application->Main());
+  EXPECT_TRUE(splash && asked);
+  EXPECT_TRUE(main.timers.tmrBlink.Enabled());
+  EXPECT_TRUE(main.tabs.PicSixthTabLiveUpdate.Visible());
+  EXPECT_TRUE(main.tray.bRunningInTray());
+  EXPECT_EQ(main.summary.rows[2].lblSystemSummaryValue.Caption(), "At 12:00:00 AM Daily");
 }
 
 TEST_F(ApplicationTest, TextsOfTheTrayAndTornOnesComeUpUnchecked) {
@@ -105,6 +143,12 @@ TEST_F(ApplicationTest, CleanMachineIsCongratulatedOnce) {
 }
 
 TEST_F(ApplicationTest, TornOptionsAndCountsHideNothing) {
+  Install({.registry = "C,T,1,1,Software\\None,,\n",
+           .files = "Any,Threat,1,31,Planted.txt,,7\n",
+           .blockedCookies = "*.example\n"});
+  const std::string cookie = GetPath(machine(), csidl::kCookies) + "\\u@an.example[1].txt";
+  CreateFolders(files(), cookie.substr(0, cookie.rfind('\\')));
+  WriteWholeFile(files(), cookie, "x");
   for (const std::string_view option : {"chkScanCookies", "chkSweepMemory", "chkScanRegistry"}) {
     settings.SaveSetting("OptionAndSettings", option, "perhaps");
   }
@@ -117,8 +161,43 @@ TEST_F(ApplicationTest, TornOptionsAndCountsHideNothing) {
   EXPECT_EQ(main.scan.lblTotalNoOfSignature.Caption(), "-210000");
   main.scan.ImgStartScanMouseMove.ClickByUser();
   EXPECT_EQ(main.results.lvwFilesToBeDeleted.Count(), 1U);
+  EXPECT_EQ(main.results.lbltracesFound.Caption(), "1");
+  EXPECT_EQ(main.scan.lblRegistryInspected.Caption(), "1");
   EXPECT_FALSE(ScanRuns(main.scan));
+  files().Delete(cookie);
   EXPECT_THAT(Messages(), IsEmpty());
+}
+
+// Neither a full disk nor missing rights may keep a scan from its end.
+TEST_F(ApplicationTest, ScanWhoseRecordsCannotBeSavedEndsAndTells) {
+  frmMain& main = Start();
+  const std::string history = GetPathWithSlash(machine().ProgramFolder()) + "ScanHistory.ini";
+  const std::string dump = DataFolder(machine()) + "10001.qks";
+  for (const std::string& path : {history, dump}) {
+    IgnoringErrors([&] { files().Delete(path); });
+    files().CreateFolder(path);
+  }
+  main.scan.ImgStartScanMouseMove.ClickByUser();
+  for (const std::string& path : {history, dump}) files().DeleteFolder(path);
+  EXPECT_FALSE(ScanRuns(main.scan));
+  EXPECT_TRUE(main.results.cmdRemoveSpywares.Visible());
+  EXPECT_THAT(Messages(), IsEmpty());
+  EXPECT_EQ(main.engine().CouldNotRead().NotSaved().size(), 2U);
+  EXPECT_THAT(std::string(main.results.txtSpywareDescription.Text()),
+              HasSubstr("Not saved: ScanHistory.ini: "));
+}
+
+TEST_F(ApplicationTest, PhasesWithoutSignaturesAreNamedAndNothingIsCalledClean) {
+  files().Delete(planted);
+  frmMain& main = Start();
+  files().Delete(DataFolder(machine()) + "QNLRSig.dll");
+  WriteWholeFile(files(), DataFolder(machine()) + "QNLESig.dll", "");
+  main.scan.ImgStartScanMouseMove.ClickByUser();
+  EXPECT_THAT(main.engine().CouldNotRead().NotRun(),
+              ElementsAre("Memory: QNLESig.dll is empty", "Registry: QNLRSig.dll is missing",
+                          "Deep scan: QNLESig.dll is empty"));
+  EXPECT_EQ(main.scan.lblStatus.Caption(), "Scanning completed. Not all was scanned.");
+  EXPECT_EQ(main.summary.rows[1].lblSystemSummaryValue.Caption(), "Not all was scanned");
 }
 
 TEST_F(ApplicationTest, StartGoesOnBehindASettingThatStopsAStep) {
@@ -217,7 +296,7 @@ TEST_F(ApplicationTest, ClosingFollowsTheAnswer) {
   main.SetWindowState(WindowState::kNormal);
   main.Show();
   EXPECT_FALSE(main.Close(UnloadMode::kUser));
-  EXPECT_FALSE(main.MainWindowShowing());
+  EXPECT_FALSE(main.Showing());
 }
 
 TEST_F(ApplicationTest, SkippedQuestionWithoutAnAnswerMinimises) {
@@ -237,12 +316,6 @@ TEST_F(ApplicationTest, SessionEndForgetsTheDeclinedPrograms) {
 
 TEST_F(ApplicationTest, OptionsWriteThrough) {
   frmMain& main = Start();
-  main.options.chkRunAtStartup.ClickByUser();
-  main.options.chkRunAtStartup.ClickByUser();
-  RegistryValue value;
-  EXPECT_TRUE(QueryValue(registry(), hive::kLocalMachine,
-                         "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Run",
-                         machine().ExecutableName(), value));
   main.options.optCloseOptions0.ClickByUser();
   EXPECT_EQ(settings.GetSetting("Settings", "Button", ""), "6");
   EXPECT_EQ(settings.GetSetting("Settings", "chkSkipMessages", ""), "1");
@@ -257,6 +330,43 @@ TEST_F(ApplicationTest, OptionsWriteThrough) {
   EXPECT_EQ(main.options.chkAlertsBlocksSpywareAdware.Value(), 1);
 }
 
+// The window's program starts with Windows, whichever front runs, and only the window sees to that
+// by its start alone.
+TEST_F(ApplicationTest, RunValueNamesTheWindowsProgram) {
+  constexpr std::string_view kRun = "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Run";
+  const auto value = [&]() -> std::string {
+    std::string path = "(absent)";
+    GetKeyValue(registry(), hive::kLocalMachine, kRun, kExecutableName, path);
+    return path;
+  };
+  DeleteValue(registry(), hive::kLocalMachine, kRun, kExecutableName);
+  const std::string program = GetPathWithSlash(machine().ProgramFolder()) + "quarnel.exe";
+  frmMain& console = Start({.showSplash = false, .runWizard = false, .registersItself = false});
+  EXPECT_EQ(value(), "(absent)");
+  console.options.chkRunAtStartup.ClickByUser();
+  console.options.chkRunAtStartup.ClickByUser();
+  EXPECT_EQ(value(), program);
+  DeleteValue(registry(), hive::kLocalMachine, kRun, kExecutableName);
+  application.reset();
+  Start();
+  EXPECT_EQ(value(), program);
+}
+
+TEST_F(ApplicationTest, StartsInTheTrayOnce) {
+  settings.Save(setting::kMinimizeAtStartup, 1);
+  frmMain& main = Start();
+  EXPECT_EQ(main.StateOfWindow(), WindowState::kMinimised);
+  EXPECT_FALSE(main.Visible());
+  EXPECT_FALSE(main.Showing());
+  main.RestoreFromTray();
+  EXPECT_EQ(main.StateOfWindow(), WindowState::kNormal);
+  EXPECT_TRUE(main.Visible());
+  // Without the start with Windows the box is off, and means nothing.
+  application.reset();
+  settings.Save(setting::kRunAtStartup, 0);
+  EXPECT_TRUE(Start().Visible());
+}
+
 TEST_F(ApplicationTest, DetailAndCopyOfTheResults) {
   frmMain& main = Start();
   main.results.cmdViewSpywareDetail.ClickByUser();
@@ -267,6 +377,7 @@ TEST_F(ApplicationTest, DetailAndCopyOfTheResults) {
   main.results.vbatvwResults.ClickByUser(main.results.vbatvwResults.At(2));
   EXPECT_THAT(main.results.txtSpywareDescription.Text(),
               StartsWith("Threat Name:Threat\r\nTraces under this Threat:1\r\nTrace: [Found] - "));
+  EXPECT_EQ(main.results.lvwPicRemoveListOfSpywareFoundAndToBeRemoved.SelectedRow(), 0U);
   main.results.ImgAddToIgnoredListNormal.ClickByUser();
   EXPECT_EQ(host.messages.back().text,
             "Added selected spyware successfully to [Ignored Spyware] List.");

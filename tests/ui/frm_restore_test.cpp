@@ -1,4 +1,4 @@
-#include "ui/frm_restore.h"
+#include "ui/dialogs/frm_restore.h"
 
 #include <gtest/gtest.h>
 
@@ -28,11 +28,10 @@ class RestoreFormTest : public PlatformTest {
   TestHost host;
   Settings settings{registry(), "Quarnel"};
   ErrorLog log{files(), machine(), host, "Quarnel"};
-  std::string chosen = "left from before";
 
  private:
   FormSlot<frmRestore> form_{[this] {
-    return std::make_unique<frmRestore>(Services{platform(), host, settings, log}, chosen);
+    return std::make_unique<frmRestore>(Services{platform(), host, settings, log});
   }};
 };
 
@@ -41,23 +40,24 @@ TEST_F(RestoreFormTest, ListsAndChooses) {
   Make("37516.25_20080614102516_FILESBK_DET.bkp");
   Make("9_20240131235959_filesbk.BKP");
   Make("1_20240131235959_REGBK.bkp");
-  frmRestore& form = Form();
-  EXPECT_EQ(chosen, "");
-  ASSERT_EQ(form.lvwBackups.Count(), 2U);
-  EXPECT_EQ(form.lvwBackups.At(0).text, "37516.25_20080614102516");
-  EXPECT_EQ(form.lvwBackups.At(0).SubItem(1), "2008 June, 14 2008 June at 10:25:16 ");
-  EXPECT_EQ(form.lvwBackups.At(1).SubItem(1), "2024 January, 31 2024 January at 23:59:59 ");
-  // Without a selection the answer leads nowhere.
-  host.answers = {Answer::kYes, Answer::kNo, Answer::kYes};
-  form.cmdOK.ClickByUser();
-  form.lvwBackups.SelectByUser(1);
-  form.cmdOK.ClickByUser();
-  EXPECT_TRUE(form.IsLoaded());
-  EXPECT_EQ(chosen, "");
-  form.cmdOK.ClickByUser();
-  EXPECT_FALSE(form.IsLoaded());
-  EXPECT_EQ(chosen, "9_20240131235959");
+  host.answers = {Answer::kNo, Answer::kYes};
+  host.players["frmRestore"] = [](quarnel::Form& shown) {
+    auto& form = dynamic_cast<frmRestore&>(shown);
+    ASSERT_EQ(form.lvwBackups.Count(), 2U);
+    EXPECT_EQ(form.lvwBackups.At(0).text, "37516.25_20080614102516");
+    EXPECT_EQ(form.lvwBackups.At(0).SubItem(1), "2008 June, 14 2008 June at 10:25:16 ");
+    EXPECT_EQ(form.lvwBackups.At(1).SubItem(1), "2024 January, 31 2024 January at 23:59:59 ");
+    // The newest point is selected at first.
+    EXPECT_EQ(form.lvwBackups.SelectedRow(), 1U);
+    form.cmdOK.ClickByUser();
+    EXPECT_TRUE(form.IsLoaded());
+    form.cmdOK.ClickByUser();
+    EXPECT_FALSE(form.IsLoaded());
+  };
+  EXPECT_EQ(Form().Choose(), "9_20240131235959");
   EXPECT_EQ(host.messages[0].icon, MessageIcon::kInformation);
+  host.players["frmRestore"] = [](quarnel::Form& shown) { shown.Close(UnloadMode::kUser); };
+  EXPECT_EQ(Form().Choose(), "");
 }
 
 TEST_F(RestoreFormTest, DeletesAPointWithItsManifestAndKeepsItsCookies) {
@@ -80,6 +80,26 @@ TEST_F(RestoreFormTest, DeletesAPointWithItsManifestAndKeepsItsCookies) {
   EXPECT_EQ(host.messages.back().text, "Restore Point not found on your PC.");
   form.cmdcancel.ClickByUser();
   EXPECT_FALSE(form.IsLoaded());
+}
+
+TEST_F(RestoreFormTest, ActsOnNothingThatIsNotSelected) {
+  for (const char* point : {"1_20240131235959", "2_20240131235958", "3_20230131235959"}) {
+    Make(std::string(point) + "_FILESBK.bkp");
+  }
+  // While the list grows nothing is selected.
+  host.onEvents = [&] { EXPECT_FALSE(Form().cmdOK.Enabled() || Form().cmdDeleteBackup.Enabled()); };
+  frmRestore& form = Form();
+  host.onEvents = nullptr;
+  form.lvwBackups.SelectByUser(1);
+  std::vector<std::string> selected;
+  for (int left = 3; left > 0; --left) {
+    selected.push_back(form.lvwBackups.At(*form.lvwBackups.SelectedRow()).text);
+    host.answers = {Answer::kYes};
+    form.cmdDeleteBackup.ClickByUser();
+  }
+  EXPECT_EQ(selected,
+            (std::vector<std::string>{"2_20240131235958", "3_20230131235959", "1_20240131235959"}));
+  EXPECT_TRUE(form.cmdOK.Enabled() && form.cmdDeleteBackup.Enabled());
 }
 
 TEST_F(RestoreFormTest, EndsTheListAtAMonthThatIsNone) {

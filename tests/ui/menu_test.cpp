@@ -1,7 +1,8 @@
 #include <gmock/gmock.h>
 
+#include "core/product.h"
+#include "ui/alerts/slide_in.h"
 #include "ui/application_fixture.h"
-#include "ui/slide_in.h"
 
 namespace quarnel {
 namespace {
@@ -124,8 +125,7 @@ TEST_F(MenuTest, TogglesWriteTheirWordsAndRepaint) {
   const auto runs = [&] {
     RegistryValue value;
     return QueryValue(registry(), hive::kLocalMachine,
-                      "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Run",
-                      machine().ExecutableName(), value);
+                      "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Run", kExecutableName, value);
   };
   const bool before = runs();
   menu.mnuRunAtStartup.ClickByUser();

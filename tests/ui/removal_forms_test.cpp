@@ -73,7 +73,7 @@ TEST_F(RemovalFormsTest, RestoresWhatWasRemovedPlainlyOrStrictly) {
 
     // The mode at the time of the restore counts.
     if (main.options.chkStrict.Checked() != strict) main.options.chkStrict.ClickByUser();
-    EXPECT_EQ(settings.Get(setting::kStrict), strict ? "1" : "0");
+    EXPECT_EQ(settings.Get(setting::kStrict), strict ? 1 : 0);
     // Nothing comes back for a user who thinks better of it.
     Play<frmRestore>("frmRestore", [](frmRestore& form) { form.cmdcancel.ClickByUser(); });
     main.backup.cmdRestore.ClickByUser();
@@ -101,7 +101,7 @@ TEST_F(RemovalFormsTest, RestoresWhatWasRemovedPlainlyOrStrictly) {
 // A second click comes as an event of the first one's work.
 TEST_F(RemovalFormsTest, ClicksInTheMiddleOfARemovalOrARestoreStartNothing) {
   // A strict restore brings the file to its own drive, wherever the program lies.
-  settings.Save(setting::kStrict, "1");
+  settings.Save(setting::kStrict, 1);
   frmMain& main = ScanAndTick();
   main.results.chkCreateRestore.SetValue(1);
   const auto clickAll = [&] {
@@ -168,14 +168,21 @@ TEST_F(RemovalFormsTest, RestartPromptRestartsOrLetsTheRemovalEnd) {
               "Quarnel has found a few signatures, which can be removed only after restarting the "
               "machine. After rebooting, please run Quarnel again to complete its process.");
     EXPECT_FALSE(main.removal.picRemoveSummary.Visible());
+    // The button does nothing on a machine folder, and a line beside it says so.
+    EXPECT_EQ(form.lblCannotRestart.Visible(), !platform().power().CanRestart());
     settings.SaveSetting("OptionAndSettings", "Reboot Required", "True");
     form.cmdClose.ClickByUser();
   });
   main.results.cmdRemoveSpywares.ClickByUser();
   EXPECT_EQ(Option("Reboot Required"), "False");
   EXPECT_TRUE(main.removal.picRemoveSummary.Visible());
+  const Label& lastResults = main.summary.rows[1].lblSystemSummaryValue;
+  EXPECT_EQ(lastResults.Caption(), "1 threats detected");
   main.removal.cmdFinish.ClickByUser();
   EXPECT_FALSE(main.removal.picRemoveSummary.Visible());
+  EXPECT_EQ(lastResults.Caption(), "No threats detected");
+  // The label that told it has been used for the removal since.
+  EXPECT_EQ(main.engine().scans().Outcome(), "Scanning completed.");
   // Nothing is left to remove, and a second click says so.
   main.results.cmdRemoveSpywares.ClickByUser();
   EXPECT_EQ(host.messages.back().text, "Nothing selected.");

@@ -1,4 +1,4 @@
-#include "ui/slide_in.h"
+#include "ui/alerts/slide_in.h"
 
 #include <gtest/gtest.h>
 

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include "core/existing_files.h"
 #include "core/startup.h"
 #include "signatures/cipher.h"
 #include "ui/application_fixture.h"
@@ -175,7 +176,7 @@ TEST_F(WindowTest, StartupTimerEndsTheFirstRun) {
   main.options.chkStartupShield.SetValue(1);
   host.Advance(Milliseconds(5000));
   EXPECT_EQ(stored(), "FALSE");
-  EXPECT_TRUE(main.StartupBaselineDone());
+  EXPECT_TRUE(main.engine().startups().BaselineDone());
 }
 
 TEST_F(WindowTest, ConnectionTimerGivesUpAfterFourTicks) {
@@ -184,17 +185,16 @@ TEST_F(WindowTest, ConnectionTimerGivesUpAfterFourTicks) {
   EXPECT_FALSE(timer.Enabled());
   timer.SetEnabled(true);
   host.Advance(Milliseconds(20000));
-  main.connectionIsOk = true;  // begins to count anew
+  main.engine().update().NoteConnection();  // begins to count anew
   host.Advance(Milliseconds(30000));
   EXPECT_TRUE(timer.Enabled());
-  EXPECT_FALSE(main.connectionIsOk);
   host.Advance(Milliseconds(10000));
   EXPECT_FALSE(timer.Enabled());
 }
 
 TEST_F(WindowTest, ListsOfTheBrowserPageTakeTurns) {
   frmMain& main = Start();
-  HijackPage& page = main.hijack;
+  BrowserSettingsPage& page = main.browserSettings;
   page.lvwAllowedBlockedURLs.Add({.text = "http://a/"});
   page.imgListOfAllowedBlockedURLs.ClickByUser();
   EXPECT_FALSE(page.lvwBrowserHijackRestore.Visible());
@@ -268,10 +268,10 @@ TEST_F(WindowTest, ConnectionMessageLaysTheWindowOutAnew) {
   FormSlot<frmInternetConnection>& form = application->forms().internetConnection;
   EXPECT_THAT(form->lblMessage.Caption(),
               StartsWith("Live Update could not retrieve the files of signatures and Quarnel "));
-  main.connectionFlag = true;
+  main.engine().update().NoteConnectionLost();
   const uint64_t revision = main.Revision();
   host.Advance(Milliseconds(1000));
-  EXPECT_FALSE(main.connectionFlag);
+  EXPECT_FALSE(main.engine().update().TakeConnectionLost());
   EXPECT_GT(main.Revision(), revision);
   form->cmdOK.ClickByUser();
   EXPECT_FALSE(form.IsLoaded());

@@ -37,7 +37,7 @@ status=0
 [[ $status -eq 0 ]] || exit "$status"
 
 # ---- the sample ----------------------------------------------------------------------------
-run quarnel-machine sample . >"$work/planted"
+run quarnel-machine sample >"$work/planted"
 threats=$(cut -f2 "$work/planted" | sort -u | wc -l)
 traces=$(wc -l <"$work/planted")
 [[ $traces -ge 35 && $threats -ge 8 ]] || fail "only $traces traces of $threats threats were planted"

@@ -13,13 +13,13 @@ class PosixPlatform : public Platform {
  public:
   explicit PosixPlatform(MachineFolder folder)
       : folder_(std::move(folder)),
-        paths_(folder_.path),
+        paths_(folder_.Layout()),
         files_(MakeFiles(paths_)),
-        registry_(MakeRegistry(folder_)),
+        registry_(MakeRegistry(folder_, OpenStore(folder_))),
         processes_(MakeProcesses(paths_)),
         versions_(MakeVersionRecords(*files_)),
         machine_(MakeMachine(folder_, paths_)),
-        shell_(MakeShell(folder_, paths_, *files_, *registry_)),
+        shell_(MakeShell(paths_, *files_)),
         desktop_(MakeDesktop(folder_)),
         power_(MakePower()) {}
 

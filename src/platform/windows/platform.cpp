@@ -1,8 +1,10 @@
 #include "platform/platform.h"
 
+#include <algorithm>
+
 #include "base/runtime_error.h"
 #include "platform/windows/backends.h"
-#include "platform/windows/standard_streams.h"
+#include "platform/windows/desktop/standard_streams.h"
 #include "platform/windows/wide_text.h"
 #include "platform/windows/win32.h"
 
@@ -58,8 +60,8 @@ std::vector<std::string> CommandLine(int argc, char** argv) {
   int count = 0;
   wchar_t** wide = CommandLineToArgvW(GetCommandLineW(), &count);
   if (wide == nullptr) return {argv, argv + argc};
-  std::vector<std::string> arguments;
-  for (int i = 0; i < count; ++i) arguments.push_back(Narrow(wide[i]));
+  std::vector<std::string> arguments(static_cast<size_t>(count));
+  std::transform(wide, wide + count, arguments.begin(), Narrow);
   LocalFree(wide);
   return arguments;
 }

@@ -5,6 +5,9 @@
 #ifndef NOMINMAX
 #define NOMINMAX
 #endif
+// It stands before the system's own, which would bring an older one.
+#include <winsock2.h>
+// This one first.
 #include <windows.h>
 // All others need that one.
 #include <psapi.h>

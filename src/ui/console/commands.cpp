@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <string>
+#include <vector>
 
 namespace quarnel {
 namespace {
@@ -18,16 +19,19 @@ constexpr std::array kCommands{
     Command{"rightclick", "NAME [INDEX]", command::RightClick},
     Command{"hover", "NAME [INDEX]", command::Hover},
     Command{"mouse", "X Y", command::Mouse},
-    Command{"rows", "LIST", command::Rows},
+    Command{"rows", "LIST", command::Rows,
+            "row, checked, text, subitems...; where set: bold, colour=#RRGGBB, picture=N"},
     Command{"select", "LIST ROW", command::Select},
     Command{"check", "LIST ROW 0|1", command::Check},
-    Command{"tree", "TREE", command::Tree},
+    Command{"tree", "TREE", command::Tree,
+            "index, depth, checked, key, text, columns...; where set: bold, colour=#RRGGBB, "
+            "picture=N"},
     Command{"checknode", "TREE INDEX 0|1", command::CheckNode},
     Command{"clicknode", "TREE INDEX", command::ClickNode},
     Command{"answer", "yes|no|ok|cancel|text:...", command::Answer},
     Command{"messages", "", command::Messages},
     Command{"during", "NAME COUNT COMMAND", command::During},
-    Command{"clock", "YYYY-MM-DDTHH:MM:SS", command::Clock},
+    Command{"clock", "YYYY-MM-DDTHH:MM:SS[.FFF]", command::Clock},
     Command{"advance", "DURATION", command::Advance},
     Command{"wait", "DURATION", command::Wait},
     Command{"waitfor", "NAME VALUE [TIMEOUT]", command::WaitFor},
@@ -53,8 +57,10 @@ const Command* FindCommand(std::string_view name) {
 void command::Help(Session& session, Words& words) {
   words.End();
   for (const Command& entry : Commands()) {
-    session.records.Write(
-        {{"command", std::string(entry.name)}, {"arguments", std::string(entry.usage)}});
+    std::vector<Field> fields = {{"command", std::string(entry.name)},
+                                 {"arguments", std::string(entry.usage)}};
+    if (!entry.prints.empty()) fields.push_back({"prints", std::string(entry.prints)});
+    session.records.Write(fields);
   }
 }
 

@@ -27,6 +27,7 @@ struct Command {
   std::string_view name;
   std::string_view usage;  // the arguments
   void (*run)(Session& session, Words& words);
+  std::string_view prints = {};  // the fields of its records, where the names leave a doubt
 };
 
 // All commands, in the order in which `help` shows them.
@@ -78,8 +79,8 @@ bool TakesActions(Session& session, const Target& target);
 
 // Runs a scan and prints what was found.
 ScanSummary RunScan(Session& session);
-// Removes what is ticked and prints what became of it; nothing when there was nothing to remove.
-std::optional<RemovalReport> RunRemoval(Session& session);
+// Removes and prints what became of it; nothing when there was nothing to remove.
+std::optional<RemovalReport> RunRemoval(Session& session, Removing what);
 // Prints what the last scan found and what the last removal did.
 void RunReport(Session& session);
 

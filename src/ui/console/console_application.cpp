@@ -5,9 +5,11 @@
 #include "base/runtime_error.h"
 #include "base/text.h"
 #include "platform/platform.h"
+#include "scan/found_traces.h"
+#include "signatures/levels.h"
 #include "signatures/signature_files.h"
 #include "ui/application.h"
-#include "ui/wizard.h"
+#include "ui/wizard/wizard.h"
 
 namespace quarnel {
 namespace {
@@ -17,7 +19,8 @@ class ConsoleApplication : public ConsoleProgram {
   ConsoleApplication(Host& host, std::unique_ptr<Platform> platform)
       : host_(host),
         platform_(std::move(platform)),
-        application_(*platform_, host, {.showSplash = false, .runWizard = false}) {}
+        application_(*platform_, host,
+                     {.showSplash = false, .runWizard = false, .registersItself = false}) {}
 
   bool Start() override { return application_.Main(); }
 
@@ -36,21 +39,31 @@ class ConsoleApplication : public ConsoleProgram {
     return summary;
   }
 
-  std::optional<RemovalReport> Remove() override {
-    application_.MainForm().results.cmdRemoveSpywares.ClickByUser();
-    return application_.MainForm().LastRemoval();
+  std::optional<RemovalReport> Remove(Removing what) override {
+    if (what == Removing::kAllFound) {
+      application_.MainForm().engine().recovery().RemoveAllFound();
+    } else {
+      application_.MainForm().results.cmdRemoveSpywares.ClickByUser();
+    }
+    return application_.MainForm().engine().recovery().LastRemoval();
   }
 
   ScanSummary Report() override {
-    const frmMain& main = application_.MainForm();
-    ScanSummary summary{.status = main.scan.lblStatus.Caption(),
-                        .threats = ThreatsOf(main.results.vbatvwResults)};
-    // The status tells how a scan of this run ended.
+    frmMain& main = application_.MainForm();
+    const auto levelOf = [this](std::string_view name) {
+      return GetThreatLevel(platform_->files(), platform_->machine(), name);
+    };
+    ScanSummary summary{
+        .status = main.engine().scans().Outcome(),
+        .threats = ThreatsOf(main.results, FoundTraces(main.results, platform_->files()), levelOf)};
     summary.scanned = !summary.status.empty();
     const Unread unread =
-        summary.scanned ? main.CouldNotRead()
+        summary.scanned ? main.engine().CouldNotRead()
                         : LoadUnread(platform_->files(), platform_->machine()).value_or(Unread());
     summary.unreadCount = unread.Count();
+    summary.notRun = unread.NotRun();
+    summary.notSaved = unread.NotSaved();
+    summary.whole = unread.ScanWasWhole();
     for (const UnreadItem& item : unread.Items()) {
       summary.unread.push_back(item.kind + " " + item.name);
     }
@@ -58,8 +71,13 @@ class ConsoleApplication : public ConsoleProgram {
   }
 
   std::optional<RemovalReport> LastRemoval() override {
-    if (const auto& report = application_.MainForm().LastRemoval()) return report;
+    if (const auto& report = application_.MainForm().engine().recovery().LastRemoval())
+      return report;
     return LoadRemovalReport(platform_->files(), platform_->machine());
+  }
+
+  bool RestoreFellShort() override {
+    return application_.MainForm().engine().recovery().RestoreFellShort();
   }
 
   std::vector<std::string> FormNames() override {

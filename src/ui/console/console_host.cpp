@@ -6,13 +6,12 @@
 
 #include "base/text.h"
 #include "core/fields.h"
+#include "platform/event_wait.h"
+#include "ui/console/display_text.h"
 #include "ui/console/records.h"
-#include "ui/display_text.h"
 
 namespace quarnel {
 namespace {
-
-constexpr std::string_view kTextAnswer = "text:";
 
 // A box's text in one line.
 std::string InOneLine(std::string_view text) { return Printable(EscapeField(text)); }
@@ -28,7 +27,7 @@ bool Stands(const Host& host, const Target& target) {
 
 // The base class only keeps the address of the clock, which is made after it.
 ConsoleHost::ConsoleHost(std::ostream& err, Options options)
-    : Host(realClock_), err_(err), options_(options) {}
+    : Host(realClock_, MakeEventWait()), err_(err), options_(options) {}
 
 void ConsoleHost::Notice(std::string_view text) {
   if (progress_) progress_->Wipe();
@@ -156,11 +155,22 @@ void ConsoleHost::RunModal(Form& form) {
   const bool closes = closingJobs_ > 0;
   if (closes && options_.tellsBoxes) Notice(Printable(form.Caption()) + ": closed unanswered");
   if (!Starts() && !closes) {
-    const std::string prompt = form.Name() + "> ";
-    while (isOpen() && player_->RunNext(prompt)) continue;
+    PlayUntil([&] { return !isOpen(); }, form.Name() + "> ");
   }
   if (isOpen()) form.Close(Starts() ? UnloadMode::kCode : UnloadMode::kUser);
   if (isOpen()) form.Hide();
+}
+
+bool ConsoleHost::WaitUntil(const std::function<bool()>& condition) {
+  if (Starts() || closingJobs_ > 0) return condition();
+  return PlayUntil(condition, "> ");
+}
+
+bool ConsoleHost::PlayUntil(const std::function<bool()>& condition, std::string_view prompt) {
+  while (!condition()) {
+    if (!player_->RunNext(prompt)) return condition();
+  }
+  return true;
 }
 
 void ConsoleHost::Add(Watch watch) {
@@ -200,14 +210,6 @@ void ConsoleHost::SetVirtualTime(DateTime now) {
   } else {
     SetClock(virtualClock_.emplace(now));
   }
-}
-
-Milliseconds ConsoleHost::AdvanceToNextTimer(Milliseconds limit) {
-  const Milliseconds start = clock().Ticks();
-  const Milliseconds next = NextDue().value_or(start + limit);
-  // At least one millisecond, so that a caller's loop gets on whatever the timers do.
-  Advance(std::min(std::max(next - start, Milliseconds(1)), limit));
-  return clock().Ticks() - start;
 }
 
 ConsoleHost::Progress::Progress(ConsoleHost& host, std::ostream& out, Terminal& terminal,

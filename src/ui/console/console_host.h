@@ -47,6 +47,8 @@ class ConsoleHost : public Host {
   // The next commands are the user's, until the form was hidden or unloaded; the end of input
   // closes it. While the program starts nobody is there to use a form, so it is closed at once.
   void RunModal(Form& form) override;
+  // The same while a handler waits.
+  bool WaitUntil(const std::function<bool()>& condition) override;
   void SetClipboardText(std::string_view text) override { clipboard_ = text; }
   // A screen of the usual size that nobody sees, with the mouse where a script has put it.
   ScreenFacts Screen() const override { return screen_; }
@@ -78,8 +80,6 @@ class ConsoleHost : public Host {
   // Goes over to a virtual clock, or sets the one that runs already.
   void SetVirtualTime(DateTime now);
   bool HasVirtualClock() const { return virtualClock_.has_value(); }
-  // Lets time go by until the next timer has fallen due, at most `limit`; what went by.
-  Milliseconds AdvanceToNextTimer(Milliseconds limit);
 
   // One of the everyday jobs runs: boxes with nothing but an OK button are answered by themselves.
   // Where it opens forms that nobody asked for, they may be closed at once.
@@ -133,6 +133,8 @@ class ConsoleHost : public Host {
   void RunDueWatches();
   void UpdateListening() { listens_ = progress_ != nullptr || !watches_.empty(); }
   bool Starts() const { return player_ == nullptr; }
+  // Lets the user play until `condition` holds; false at the end of the input.
+  bool PlayUntil(const std::function<bool()>& condition, std::string_view prompt);
   // The word that answers a box; `fits` tells whether a queued answer is one for it.
   std::string TakeAnswer(const MessageBox& box);
   std::optional<std::string> TakeQueued(std::string_view text,

@@ -13,6 +13,10 @@
 
 namespace quarnel {
 
+// What a removal takes: what is ticked in the results, as a click on its button does, or all that
+// the scan found, whatever the tree shows of it.
+enum class Removing { kTicked, kAllFound };
+
 // The program behind the console, as far as its forms and controls do not tell: how it starts, how
 // it ends, and the everyday jobs in one word. Any of these may run modal forms, show message boxes
 // and end the process.
@@ -23,14 +27,15 @@ class ConsoleProgram {
   virtual bool Start() = 0;
   // A whole scan, as a click on its button runs it, and what it found.
   virtual ScanSummary Scan() = 0;
-  // The removal of what is ticked, and what it did; nothing when a box said why there is nothing
-  // to do.
-  virtual std::optional<RemovalReport> Remove() = 0;
+  // A removal, and what it did; nothing when a box said why there is nothing to do.
+  virtual std::optional<RemovalReport> Remove(Removing what) = 0;
   // What the last scan found, as it stands now; of a scan by an earlier run, what it could not
   // read.
   virtual ScanSummary Report() = 0;
   // What the last removal did, also one by an earlier run; nothing when there was none.
   virtual std::optional<RemovalReport> LastRemoval() = 0;
+  // Whether a restore of this run left something behind that it was to bring back.
+  virtual bool RestoreFellShort() = 0;
   // The names of all forms, loaded or not.
   virtual std::vector<std::string> FormNames() = 0;
   // Loads the form of this name, letter case folded, and shows it; false when there is none.

@@ -4,7 +4,7 @@
 #include "controls/simple_controls.h"
 #include "ui/console/command_error.h"
 #include "ui/console/commands.h"
-#include "ui/display_text.h"
+#include "ui/console/display_text.h"
 
 // The commands that look at a single control or act on it.
 namespace quarnel::command {

@@ -4,7 +4,7 @@
 
 #include "ui/console/command_error.h"
 #include "ui/console/commands.h"
-#include "ui/display_text.h"
+#include "ui/console/display_text.h"
 
 // The commands about message boxes, time, and what happens inside event processing.
 namespace quarnel::command {
@@ -84,13 +84,15 @@ void WaitFor(Session& session, Words& words) {
   const Milliseconds timeout =
       words.More() ? ParseDuration(words.Next()) : Milliseconds(std::chrono::seconds(10));
   words.End();
-  for (Milliseconds left = timeout; !HasValue(session.host, name, value);) {
-    if (left <= Milliseconds(0)) {
+  const auto now = [&] { return session.host.clock().Ticks(); };
+  const Milliseconds end = now() + timeout;
+  while (!HasValue(session.host, name, value)) {
+    if (now() >= end) {
       const std::optional<Target> target = FindTarget(session.host, name);
       throw CommandError{name + " is " + (target ? Quoted(target->ValueText()) : "gone") +
                          ", not " + Quoted(value) + ", after " + DurationText(timeout)};
     }
-    left -= session.host.AdvanceToNextTimer(left);
+    session.host.Step(end - now());
   }
 }
 

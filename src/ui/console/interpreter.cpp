@@ -2,7 +2,7 @@
 
 #include "base/runtime_error.h"
 #include "ui/console/command_error.h"
-#include "ui/display_text.h"
+#include "ui/console/display_text.h"
 
 namespace quarnel {
 namespace {

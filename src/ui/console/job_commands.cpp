@@ -1,8 +1,8 @@
 #include <optional>
 
 #include "ui/console/commands.h"
+#include "ui/console/display_text.h"
 #include "ui/console/removal_summary.h"
-#include "ui/display_text.h"
 
 // The everyday jobs, and the end.
 namespace quarnel::command {
@@ -30,7 +30,7 @@ void Print(Session& session, const RemovalReport& report) {
     PrintRemoval(report, session.records.out(), session.terminal.ShowsColours());
   }
   if (!report.problem.empty()) {
-    session.host.Notice("the removal ended early: " + Printable(report.problem));
+    session.host.Notice("removal: " + Printable(report.problem));
   }
 }
 
@@ -54,11 +54,11 @@ ScanSummary RunScan(Session& session) {
   return summary;
 }
 
-std::optional<RemovalReport> RunRemoval(Session& session) {
+std::optional<RemovalReport> RunRemoval(Session& session, Removing what) {
   std::optional<RemovalReport> report;
   {
     const ConsoleHost::Job job(session.host, ConsoleHost::Job::Forms::kClosed);
-    report = session.program.Remove();
+    report = session.program.Remove(what);
   }
   if (report) Print(session, *report);
   return report;
@@ -77,7 +77,7 @@ void Scan(Session& session, Words& words) {
 
 void Remove(Session& session, Words& words) {
   words.End();
-  RunRemoval(session);
+  RunRemoval(session, Removing::kTicked);
 }
 
 void Report(Session& session, Words& words) {

@@ -2,11 +2,12 @@
 #include <string>
 #include <vector>
 
+#include "base/hex.h"
 #include "controls/list_view.h"
 #include "controls/tree_view.h"
 #include "ui/console/command_error.h"
 #include "ui/console/commands.h"
-#include "ui/display_text.h"
+#include "ui/console/display_text.h"
 
 // The commands that show lists and trees and act on their rows and nodes.
 namespace quarnel::command {
@@ -26,6 +27,21 @@ size_t TakeNumber(Words& words, const Target& target, size_t count) {
   return *number;
 }
 
+// Writes a record, and behind its fields how it stands out, if it does.
+void WriteLook(Session& session, std::vector<Field> fields, const Look& look) {
+  std::vector<std::string> words;
+  if (look.bold) words.emplace_back("bold");
+  if (look.colour != Colour::kBlack) {
+    const auto part = [&](int shift) {
+      return static_cast<char>(static_cast<uint32_t>(look.colour) >> shift & 0xFF);
+    };
+    words.push_back("colour=#" + HexText(std::string{part(16), part(8), part(0)}));
+  }
+  if (look.picture != 0) words.push_back("picture=" + std::to_string(look.picture));
+  if (!words.empty()) fields.push_back({"look", std::move(words)});
+  session.records.Write(fields);
+}
+
 void WriteNode(Session& session, const TreeView& tree, const TreeNode& node, size_t depth,
                size_t& number) {
   // As many columns as the tree has headers for, and those that a node has beyond them.
@@ -33,12 +49,14 @@ void WriteNode(Session& session, const TreeView& tree, const TreeNode& node, siz
   if (!tree.Columns().empty()) {
     columns.resize(std::max(columns.size(), tree.Columns().size() - 1));
   }
-  session.records.Write({{"index", Number(++number)},
-                         {"depth", Number(depth)},
-                         {"checked", node.checked},
-                         {"key", node.key},
-                         {"text", node.text},
-                         {"columns", std::move(columns)}});
+  WriteLook(session,
+            {{"index", Number(++number)},
+             {"depth", Number(depth)},
+             {"checked", node.checked},
+             {"key", node.key},
+             {"text", node.text},
+             {"columns", std::move(columns)}},
+            node.LookOf());
   for (const TreeNodeRef& child : node.children) {
     WriteNode(session, tree, *child, depth + 1, number);
   }
@@ -49,12 +67,14 @@ void WriteItems(Session& session, const ItemTree& tree) {
   for (const TreeItem& item : tree.Items()) {
     std::vector<std::string> further;
     if (!item.cells.empty()) further.assign(item.cells.begin() + 1, item.cells.end());
-    session.records.Write({{"index", Number(++number)},
-                           {"depth", int64_t{item.level}},
-                           {"checked", item.checked},
-                           {"key", std::string()},
-                           {"text", std::string(item.Cell(0))},
-                           {"columns", std::move(further)}});
+    WriteLook(session,
+              {{"index", Number(++number)},
+               {"depth", int64_t{item.level}},
+               {"checked", item.checked},
+               {"key", std::string()},
+               {"text", std::string(item.Cell(0))},
+               {"columns", std::move(further)}},
+              {.bold = item.bold});
   }
 }
 
@@ -68,10 +88,12 @@ void Rows(Session& session, Words& words) {
   for (const ListRow& row : list.Rows()) {
     std::vector<std::string> subItems = row.subItems;
     subItems.resize(columns > 0 ? columns - 1 : 0);
-    session.records.Write({{"row", Number(++number)},
-                           {"checked", row.checked},
-                           {"text", row.text},
-                           {"subitems", std::move(subItems)}});
+    WriteLook(session,
+              {{"row", Number(++number)},
+               {"checked", row.checked},
+               {"text", row.text},
+               {"subitems", std::move(subItems)}},
+              row.look);
   }
 }
 

@@ -9,8 +9,6 @@
 namespace quarnel {
 namespace {
 
-constexpr std::string_view kTextAnswer = "text:";
-
 constexpr std::array<std::pair<std::string_view, Answer>, 4> kAnswers{{
     {"ok", Answer::kOk},
     {"cancel", Answer::kCancel},
@@ -33,7 +31,7 @@ constexpr std::array kButtons{
     Buttons{MessageButtons::kYesNo, "yesno", {"yes", "no"}, 2},
 };
 
-const Buttons& Find(MessageButtons buttons) {
+const Buttons& NamesOf(MessageButtons buttons) {
   const auto found = std::find_if(kButtons.begin(), kButtons.end(),
                                   [&](const Buttons& entry) { return entry.buttons == buttons; });
   return found == kButtons.end() ? kButtons.front() : *found;
@@ -98,10 +96,10 @@ std::string_view IconName(MessageIcon icon) {
   return "none";
 }
 
-std::string_view ButtonsName(MessageButtons buttons) { return Find(buttons).name; }
+std::string_view ButtonsName(MessageButtons buttons) { return NamesOf(buttons).name; }
 
 std::span<const std::string_view> AnswersTo(MessageButtons buttons) {
-  const Buttons& entry = Find(buttons);
+  const Buttons& entry = NamesOf(buttons);
   return std::span(entry.answers).first(entry.count);
 }
 

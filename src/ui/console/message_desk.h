@@ -11,6 +11,9 @@
 
 namespace quarnel {
 
+// What begins the answer to a prompt; the text follows.
+inline constexpr std::string_view kTextAnswer = "text:";
+
 // A message box or prompt that was shown, as `messages` prints it.
 struct ShownBox {
   std::string title;

@@ -6,7 +6,7 @@
 #include "base/text.h"
 #include "controls/control.h"
 #include "ui/console/command_error.h"
-#include "ui/display_text.h"
+#include "ui/console/display_text.h"
 
 namespace quarnel {
 namespace {

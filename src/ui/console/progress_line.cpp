@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "base/text.h"
-#include "ui/display_text.h"
+#include "ui/console/display_text.h"
 
 namespace quarnel {
 namespace {

@@ -1,8 +1,10 @@
 #include "ui/console/records.h"
 
+#include "base/hex.h"
+#include "base/text.h"
 #include "base/unicode.h"
 #include "core/fields.h"
-#include "ui/display_text.h"
+#include "ui/console/display_text.h"
 
 namespace quarnel {
 namespace {
@@ -61,7 +63,6 @@ void RecordWriter::Write(const std::vector<Field>& fields) {
 }
 
 std::string JsonText(std::string_view text) {
-  constexpr std::u16string_view kDigits = u"0123456789abcdef";
   std::u16string result = u"\"";
   for (const char16_t unit : WellFormedUtf16(text)) {
     if (unit == u'"' || unit == u'\\') {
@@ -74,9 +75,7 @@ std::string JsonText(std::string_view text) {
     } else if (unit == u'\t') {
       result += u"\\t";
     } else if (unit < 0x20) {
-      result += u"\\u00";
-      result += kDigits[unit >> 4];
-      result += kDigits[unit & 0xF];
+      result += ToUtf16("\\u" + ToLower(HexNumber(unit, 4)));
     } else {
       result += unit;
     }

@@ -6,10 +6,11 @@
 
 #include "base/host_files.h"
 #include "base/runtime_error.h"
+#include "recovery/removal_words.h"
 #include "ui/console/command_error.h"
 #include "ui/console/console_call.h"
+#include "ui/console/display_text.h"
 #include "ui/console/interpreter.h"
-#include "ui/display_text.h"
 
 namespace quarnel {
 namespace {
@@ -19,7 +20,6 @@ using Kind = ConsoleCall::Kind;
 constexpr int kDone = 0;
 constexpr int kError = 1;
 constexpr int kThreatsFound = 2;
-constexpr int kBadCall = 2;
 
 bool IsJob(Kind kind) {
   return kind == Kind::kScan || kind == Kind::kRemove || kind == Kind::kReport;
@@ -41,18 +41,19 @@ bool OpenScript(const std::string& name, std::ifstream& file) {
 }
 
 int CodeOf(const ScanSummary& summary) {
-  if (!summary.problem.empty()) return kError;
+  if (!summary.problem.empty() || !summary.scanned || !summary.whole) return kError;
   return summary.ThreatCount() > 0 ? kThreatsFound : kDone;
 }
 
-// Nothing has been scanned yet when the program has just started, so the scan comes first; it ticks
-// all that it finds.
+// Nothing has been scanned yet when the program has just started, so the scan comes first. What a
+// scan found goes, also when the scan was not whole.
 int ScanAndRemove(Session& session) {
-  if (const int code = CodeOf(command::RunScan(session)); code != kThreatsFound) return code;
-  const std::optional<RemovalReport> report = command::RunRemoval(session);
-  if (!report || !report->problem.empty()) return kError;
-  const size_t left = report->Count(Fate::kFailed) + report->Count(Fate::kRefused);
-  return left > 0 ? kThreatsFound : kDone;
+  const ScanSummary summary = command::RunScan(session);
+  const int code = CodeOf(summary);
+  if (summary.TraceCount() == 0) return code;
+  const std::optional<RemovalReport> report = command::RunRemoval(session, Removing::kAllFound);
+  if (code == kError || !report || !report->problem.empty()) return kError;
+  return report->AllGone() && !RestorePointIsIncomplete(*report) ? kDone : kThreatsFound;
 }
 
 // Runs one of the jobs named on the command line.
@@ -108,6 +109,7 @@ int Run(const ConsoleCall& call, std::istream& script, const ConsoleStreams& str
     code =
         host.HasFailed() || call.kind == Kind::kScan || call.kind == Kind::kRemove ? kError : kDone;
   }
+  if (code == kDone && program->RestoreFellShort()) code = kError;
   streams.out.flush();
   return code;
 }
@@ -116,10 +118,10 @@ int Run(const ConsoleCall& call, std::istream& script, const ConsoleStreams& str
 
 int RunConsole(std::span<const std::string> arguments, const ConsoleStreams& streams,
                const MakeProgram& makeProgram) {
-  const auto complain = [&](std::string_view reason, int code) {
+  const auto complain = [&](std::string_view reason) {
     streams.err << "quarnel-console: " << reason << '\n';
     streams.err.flush();
-    return code;
+    return kError;
   };
   try {
     const ConsoleCall call = Complete(ParseConsoleCall(arguments), streams.terminal);
@@ -129,23 +131,19 @@ int RunConsole(std::span<const std::string> arguments, const ConsoleStreams& str
     }
     std::ifstream file;
     if (call.kind == Kind::kScriptFile && !OpenScript(call.scriptFile, file)) {
-      return complain("cannot read the script " + Quoted(call.scriptFile), kBadCall);
+      return complain("cannot read the script " + Quoted(call.scriptFile));
     }
     std::istringstream nothing;
     std::istream& script = call.kind == Kind::kScriptFile      ? file
                            : call.kind == Kind::kStandardInput ? streams.in
                                                                : nothing;
-    try {
-      return Run(call, script, streams, makeProgram);
-    } catch (const CommandError& failure) {
-      return complain(failure.text, kError);
-    }
+    return Run(call, script, streams, makeProgram);
   } catch (const CommandError& failure) {
-    return complain(failure.text, kBadCall);
+    return complain(failure.text);
   } catch (const RuntimeError& failure) {
-    return complain(Printable(failure.Description()), kError);
+    return complain(Printable(failure.Description()));
   } catch (const std::exception& failure) {
-    return complain(Printable(failure.what()), kError);
+    return complain(Printable(failure.what()));
   }
 }
 

@@ -2,11 +2,12 @@
 
 #include <algorithm>
 #include <array>
+#include <map>
 #include <numeric>
 
 #include "base/text.h"
-#include "scan/results.h"
-#include "ui/display_text.h"
+#include "ui/console/display_text.h"
+#include "ui/console/terminal_style.h"
 
 namespace quarnel {
 namespace {
@@ -14,16 +15,6 @@ namespace {
 constexpr size_t kColumns = 4;
 using Line = std::array<std::string, kColumns>;
 using Widths = std::array<size_t, kColumns>;
-
-// The sequences of a terminal; all empty where it shows none.
-struct Style {
-  std::string_view header;
-  std::string_view threat;
-  std::string_view faint;
-  std::string_view normal;
-};
-constexpr Style kPlain{};
-constexpr Style kColoured{"\033[1m", "\033[1;31m", "\033[2m", "\033[0m"};
 
 Line LineOf(const ScanThreat& threat) {
   return {Printable(threat.name), Printable(threat.type), Printable(threat.level),
@@ -43,8 +34,8 @@ Widths WidthsOf(const std::vector<Line>& lines) {
   return widths;
 }
 
-void PrintLine(const Line& line, const Widths& widths, std::string_view style, const Style& all,
-               std::ostream& out) {
+void PrintLine(const Line& line, const Widths& widths, std::string_view style,
+               const TerminalStyle& all, std::ostream& out) {
   constexpr std::string_view kGap = "  ";
   for (size_t i = 0; i < kColumns; ++i) {
     const size_t width = DisplayWidth(line[i]);
@@ -69,10 +60,12 @@ std::string Counted(size_t count, std::string_view one) {
 
 std::string SummaryLine(const ScanSummary& summary) {
   if (!summary.scanned) return "Nothing was scanned in this run.";
-  std::string line = summary.ThreatCount() == 0
-                         ? "No threats found"
-                         : Counted(summary.ThreatCount(), "threat") + " with " +
-                               Counted(summary.TraceCount(), "trace") + " found";
+  // What was not scanned is not called clean.
+  std::string line =
+      summary.ThreatCount() == 0
+          ? summary.whole ? "No threats found" : "Nothing found, and not all was scanned"
+          : Counted(summary.ThreatCount(), "threat") + " with " +
+                Counted(summary.TraceCount(), "trace") + " found";
   if (summary.IgnoredCount() > 0) {
     line += ", " + Counted(summary.IgnoredCount(), "trace") + " ignored";
   }
@@ -100,30 +93,39 @@ size_t ScanSummary::IgnoredCount() const {
       [](size_t sum, const ScanThreat& threat) { return sum + threat.ignored.size(); });
 }
 
-std::vector<ScanThreat> ThreatsOf(const TreeView& results) {
+std::vector<ScanThreat> ThreatsOf(const ResultsPage& results, const std::vector<FoundTrace>& traces,
+                                  const std::function<int(std::string_view name)>& levelOf) {
   std::vector<ScanThreat> threats;
-  for (const TreeNodeRef& root : results.Roots()) {
-    const auto column = [&](size_t number) {
-      return number <= root->columns.size() ? std::string(Trim(root->columns[number - 1]))
-                                            : std::string();
-    };
-    ScanThreat threat{.name = root->text, .type = column(1), .level = column(2)};
-    for (const TreeNodeRef& child : root->children) {
-      const std::string_view text = child->text;
-      if (text.starts_with(kIgnoredPrefix)) {
-        threat.ignored.emplace_back(text.substr(kIgnoredPrefix.size()));
-      } else {
-        threat.traces.emplace_back(
-            text.substr(text.starts_with(kFoundPrefix) ? kFoundPrefix.size() : 0));
-      }
+  std::map<std::string, size_t, LessText> places;
+  const auto threatOf = [&](const std::string& name, const std::string& type) -> ScanThreat& {
+    const auto [place, isNew] = places.try_emplace(name, threats.size());
+    if (isNew) {
+      threats.push_back({.name = name, .type = type, .level = std::to_string(levelOf(name))});
     }
-    threats.push_back(std::move(threat));
+    return threats[place->second];
+  };
+  for (const TreeNodeRef& root : results.vbatvwResults.Roots()) {
+    threatOf(root->text, root->columns.empty() ? std::string() : root->columns.front());
   }
+  for (const FoundTrace& trace : traces) {
+    ScanThreat& threat = threatOf(trace.threat, trace.typeName);
+    (trace.exempt ? threat.ignored : threat.traces).push_back(trace.text);
+  }
+  // Of a threat that was removed the root alone may be left.
+  std::erase_if(threats, [](const ScanThreat& threat) {
+    return threat.traces.empty() && threat.ignored.empty();
+  });
   return threats;
 }
 
 void PrintSummary(const ScanSummary& summary, std::ostream& out, bool colours) {
-  const Style& style = colours ? kColoured : kPlain;
+  const TerminalStyle style = StyleOf(colours);
+  for (const std::string& phase : summary.notRun) {
+    out << style.bad << "not run: " << Printable(phase) << style.normal << '\n';
+  }
+  for (const std::string& record : summary.notSaved) {
+    out << style.bad << "not saved: " << Printable(record) << style.normal << '\n';
+  }
   if (!summary.threats.empty()) {
     std::vector<Line> lines{{"Threat", "Type", "Level", "Traces"}};
     for (const ScanThreat& threat : summary.threats) lines.push_back(LineOf(threat));
@@ -131,7 +133,7 @@ void PrintSummary(const ScanSummary& summary, std::ostream& out, bool colours) {
     PrintLine(lines.front(), widths, style.header, style, out);
     for (size_t i = 0; i < summary.threats.size(); ++i) {
       const ScanThreat& threat = summary.threats[i];
-      PrintLine(lines[i + 1], widths, threat.Counts() ? style.threat : style.faint, style, out);
+      PrintLine(lines[i + 1], widths, threat.Counts() ? style.bad : style.faint, style, out);
       for (const std::string& trace : threat.traces) out << "    " << Printable(trace) << '\n';
       for (const std::string& trace : threat.ignored) {
         out << style.faint << "    " << Printable(trace) << " (ignored)" << style.normal << '\n';
@@ -158,11 +160,14 @@ void WriteSummary(const ScanSummary& summary, RecordWriter& records) {
                    {"traces", threat.traces},
                    {"ignored", threat.ignored}});
   }
+  for (const std::string& phase : summary.notRun) records.Write({{"notrun", phase}});
+  for (const std::string& record : summary.notSaved) records.Write({{"notsaved", record}});
   for (const std::string& item : summary.unread) records.Write({{"unread", item}});
   records.Write({{"threats", Number(summary.ThreatCount())},
                  {"traces", Number(summary.TraceCount())},
                  {"ignored", Number(summary.IgnoredCount())},
                  {"notread", Number(summary.unreadCount)},
+                 {"whole", summary.whole},
                  {"status", summary.status}});
 }
 

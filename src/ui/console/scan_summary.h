@@ -1,11 +1,12 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <ostream>
 #include <string>
 #include <vector>
 
-#include "controls/tree_view.h"
+#include "scan/found_traces.h"
 #include "ui/console/records.h"
 
 namespace quarnel {
@@ -18,7 +19,7 @@ struct ScanThreat {
   std::vector<std::string> ignored;  // found too, but on the safe list
 
   // A threat all of whose traces are on the safe list is none.
-  bool Counts() const { return !traces.empty() || ignored.empty(); }
+  bool Counts() const { return !traces.empty(); }
 };
 
 // What a scan found, and how it ended.
@@ -30,6 +31,11 @@ struct ScanSummary {
   // higher than what is named.
   std::vector<std::string> unread;
   size_t unreadCount = 0;
+  // Phases that did not run to their end, and records that could not be saved, each with why.
+  std::vector<std::string> notRun;
+  std::vector<std::string> notSaved;
+  // Every phase ran, and the registry could be used.
+  bool whole = true;
   // Why nothing can be concluded from it, such as missing signature files; empty when all is well.
   std::string problem;
 
@@ -38,15 +44,15 @@ struct ScanSummary {
   size_t IgnoredCount() const;
 };
 
-// The threats of a results tree: roots with type and level in columns 1 and 2, and below each its
-// traces with their prefixes.
-std::vector<ScanThreat> ThreatsOf(const TreeView& results);
+// The threats with all their traces, those of the results tree in its order.
+std::vector<ScanThreat> ThreatsOf(const ResultsPage& results, const std::vector<FoundTrace>& traces,
+                                  const std::function<int(std::string_view name)>& levelOf);
 
 // Prints the threats as a table with their traces below, and one line that sums up.
 void PrintSummary(const ScanSummary& summary, std::ostream& out, bool colours);
 
 // The same as records: one for each threat (threat, type, level, traces, ignored), and one with the
-// numbers of threats, traces and ignored traces and the status.
+// numbers of threats, traces and ignored traces, whether all was scanned, and the status.
 void WriteSummary(const ScanSummary& summary, RecordWriter& records);
 
 }  // namespace quarnel

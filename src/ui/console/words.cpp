@@ -5,7 +5,7 @@
 
 #include "base/text.h"
 #include "ui/console/command_error.h"
-#include "ui/display_text.h"
+#include "ui/console/display_text.h"
 
 namespace quarnel {
 namespace {
@@ -101,10 +101,15 @@ Milliseconds ParseDuration(std::string_view text) {
 
 DateTime ParseMoment(std::string_view text) {
   using namespace std::chrono;
-  constexpr std::string_view kForm = "dddd-dd-ddTdd:dd:dd";
+  // Behind the point a second may have as many places as a clock of milliseconds has.
+  constexpr std::string_view kForm = "dddd-dd-ddTdd:dd:dd.ddd";
+  constexpr size_t kWhole = 19;
+  const std::string_view form = kForm.substr(0, text.size());
   const bool fits =
-      std::equal(text.begin(), text.end(), kForm.begin(), kForm.end(),
-                 [](char c, char form) { return form == 'd' ? c >= '0' && c <= '9' : c == form; });
+      (text.size() == kWhole || text.size() > kWhole + 1) &&
+      std::equal(text.begin(), text.end(), form.begin(), form.end(), [](char c, char place) {
+        return place == 'd' ? c >= '0' && c <= '9' : c == place;
+      });
   const auto number = [&](size_t begin, size_t length) {
     return static_cast<int>(ParseCount(text.substr(begin, length)).value_or(0));
   };
@@ -114,10 +119,13 @@ DateTime ParseMoment(std::string_view text) {
     const int minute = number(14, 2);
     const int second = number(17, 2);
     if (date.ok() && hour < 24 && minute < 60 && second < 60) {
-      return local_days(date) + hours(hour) + minutes(minute) + seconds(second);
+      std::string fraction(text.substr(std::min(text.size(), kWhole + 1)));
+      fraction.resize(3, '0');
+      return local_days(date) + hours(hour) + minutes(minute) + seconds(second) +
+             milliseconds(ValLong(fraction));
     }
   }
-  throw CommandError{"no date and time: " + Quoted(text) + " (YYYY-MM-DDTHH:MM:SS)"};
+  throw CommandError{"no date and time: " + Quoted(text) + " (YYYY-MM-DDTHH:MM:SS[.FFF])"};
 }
 
 bool ParseFlag(std::string_view text) {

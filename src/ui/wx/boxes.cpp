@@ -41,8 +41,7 @@ wxSize GapBox::CalcMin() {
 }
 
 CardPanel::CardPanel(wxWindow* parent)
-    : wxPanel(parent, wxID_ANY, wxDefaultPosition, wxDefaultSize,
-              wxTAB_TRAVERSAL | wxFULL_REPAINT_ON_RESIZE) {
+    : GroupPanel(parent, wxTAB_TRAVERSAL | wxFULL_REPAINT_ON_RESIZE) {
   SetBackgroundStyle(wxBG_STYLE_PAINT);
   SetBackgroundColour(theme::Surface());
   Bind(wxEVT_PAINT, [this](wxPaintEvent&) { Paint(); });

@@ -19,8 +19,18 @@ class GapBox : public wxBoxSizer {
   int gap_;
 };
 
+// A part of a window that holds others. The keyboard goes to what it holds, and passes it over
+// where that takes none.
+class GroupPanel : public wxPanel {
+ public:
+  explicit GroupPanel(wxWindow* parent, long style = wxTAB_TRAVERSAL)
+      : wxPanel(parent, wxID_ANY, wxDefaultPosition, wxDefaultSize, style) {
+    m_container.DisableSelfFocus();
+  }
+};
+
 // A surface with round corners, on which things stand that belong together.
-class CardPanel : public wxPanel {
+class CardPanel : public GroupPanel {
  public:
   explicit CardPanel(wxWindow* parent);
 

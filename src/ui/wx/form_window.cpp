@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "base/runtime_error.h"
 #include "base/text.h"
 #include "ui/wx/boxes.h"
 #include "ui/wx/icons.h"
@@ -55,15 +56,13 @@ bool ShowsInItsWindow(const wxWindow& widget) {
 }  // namespace
 
 FormWindow::FormWindow(Form& form, const FormLayout& layout, wxWindow* parent, const Front& front)
-    : form_(&form), layout_(layout), front_(front) {
-  CollectNames(layout_.content);
-  for (const MenuLayout& menu : layout_.menus) {
-    named_.push_back(menu.title);
-    named_.insert(named_.end(), menu.entries.begin(), menu.entries.end());
+    : form_(&form), layout_(layout), front_(front), named_(NamesIn(layout)) {
+  for (const std::string& name : named_) {
+    if (form.Find(name) != nullptr) continue;
+    throw RuntimeError(ErrorNumber::kElementNotFound, form.Name() + "." + name);
   }
-  named_.insert(named_.end(), layout_.behind.begin(), layout_.behind.end());
   MakeWindow(parent);
-  page_ = new wxPanel(window_);
+  page_ = new GroupPanel(window_);
   page_->SetBackgroundColour(theme::Page());
   auto* outer = new wxBoxSizer(wxVERTICAL);
   Fill(page_, *outer, layout_.content);
@@ -102,7 +101,11 @@ void FormWindow::MakeWindow(wxWindow* parent) {
 
 void FormWindow::FitWindow() {
   auto* outer = new wxBoxSizer(wxVERTICAL);
-  outer->Add(page_, 1, wxEXPAND);
+  const bool framed = layout_.kind == WindowKind::kPopup;
+  // What has no frame of the system's has a line around it.
+  if (framed) window_->SetBackgroundColour(theme::Border());
+  const int line = framed ? metrics::Scaled(*window_, metrics::kPopupBorder) : 0;
+  outer->Add(page_, 1, wxEXPAND | wxALL, line);
   window_->SetSizer(outer);
   if (layout_.kind == WindowKind::kMain) {
     window_->SetMinClientSize(metrics::Scaled(
@@ -160,8 +163,8 @@ std::string_view FormWindow::ButtonFor(int key) const {
   // The toolkit sees to what else may have the keyboard.
   const wxWindow* focused = wxWindow::FindFocus();
   const bool list =
-      focused != nullptr && (dynamic_cast<const wxListCtrl*>(focused) != nullptr ||
-                             dynamic_cast<const wxListCtrl*>(focused->GetParent()) != nullptr);
+      focused != nullptr && (dynamic_cast<const wxDataViewCtrl*>(focused) != nullptr ||
+                             dynamic_cast<const wxDataViewCtrl*>(focused->GetParent()) != nullptr);
   return list ? layout_.defaultButton : std::string_view();
 }
 
@@ -169,15 +172,7 @@ bool FormWindow::IsField(const Layout& layout) const {
   const Control* control = form_->Find(layout.name);
   if (control == nullptr) return false;
   const std::string_view type = control->Type();
-  return layout.height > 0 || type == "ListView" || type == "TreeView" || type == "ItemTree" ||
-         type == "Browser";
-}
-
-void FormWindow::CollectNames(const Layout& layout) {
-  if (!layout.name.empty()) named_.push_back(layout.name);
-  for (const ShownWhile& shown : layout.shownWhile) named_.push_back(shown.control);
-  for (const auto& [control, text] : layout.menu) named_.push_back(control);
-  for (const Layout& item : layout.items) CollectNames(item);
+  return layout.height > 0 || type == "ListView" || type == "TreeView" || type == "Browser";
 }
 
 bool FormWindow::Places(const Control& control) const {
@@ -259,7 +254,7 @@ wxWindow* FormWindow::BuildBox(wxWindow* parent, const Layout& layout) {
                                        wxSP_LIVE_UPDATE | wxSP_NOBORDER);
     window = split;
   } else {
-    window = new wxPanel(parent);
+    window = new GroupPanel(parent);
   }
   if (layout.kind != Kind::kCard) window->SetBackgroundColour(parent->GetBackgroundColour());
   auto* outer = new wxBoxSizer(wxVERTICAL);
@@ -267,9 +262,7 @@ wxWindow* FormWindow::BuildBox(wxWindow* parent, const Layout& layout) {
   window->SetSizer(outer);
   Condition condition{window, {}};
   for (const ShownWhile& shown : layout.shownWhile) {
-    if (const Control* control = form_->Find(shown.control)) {
-      condition.controls.emplace_back(control, shown.visible);
-    }
+    condition.controls.emplace_back(form_->Find(shown.control), shown.visible);
   }
   if (!condition.controls.empty()) conditions_.push_back(std::move(condition));
   return window;
@@ -277,7 +270,7 @@ wxWindow* FormWindow::BuildBox(wxWindow* parent, const Layout& layout) {
 
 wxWindow* FormWindow::BuildLeaf(wxWindow* parent, const Layout& layout) {
   if (layout.kind == Layout::Kind::kText) {
-    auto* text = new wxStaticText(parent, wxID_ANY, ToWx(layout.text));
+    auto* text = native::NewText(parent, ToWx(layout.text), 0);
     text->SetFont(theme::FontOf(parent->GetFont(), layout.role));
     if (layout.role == Role::kMuted) text->SetForegroundColour(theme::MutedText());
     if (layout.role != Role::kWrapped && layout.width > 0) {
@@ -293,11 +286,11 @@ wxWindow* FormWindow::BuildLeaf(wxWindow* parent, const Layout& layout) {
     return new wxStaticBitmap(parent, wxID_ANY, icons::Get(layout.icon, layout.iconSize));
   }
   Control* control = form_->Find(layout.name);
-  if (control == nullptr) return nullptr;
   std::unique_ptr<Binding> binding = Bind(parent, *control, layout, front_);
   if (!binding) return nullptr;
   BindContextMenu(*binding, *form_, layout, front_);
   BindDrag(*control, *binding->Widget());
+  if (const Control* state = form_->Find(layout.state)) states_.emplace_back(binding.get(), state);
   wxWindow* widget = binding->Widget();
   if (layout_.defaultButton == layout.name) {
     if (auto* button = dynamic_cast<wxButton*>(widget)) button->SetDefault();
@@ -337,6 +330,7 @@ void FormWindow::SyncContent() {
   bool moved = SyncConditions();
   for (const auto& binding : bindings_) moved = binding->Sync() || moved;
   if (menuBar_) menuBar_->Sync();
+  for (const auto& [binding, state] : states_) binding->SpeakState(state->ValueText());
   ShareKeys();
   if (!moved) return;
   page_->Layout();
@@ -385,9 +379,13 @@ void FormWindow::ShareKeys() {
     const std::string_view caption = binding->KeyCaption();
     if (caption.empty() || !ShowsInItsWindow(*binding->Widget())) continue;
     keyed.push_back({binding.get(), std::string(caption)});
-    captions.emplace_back(caption);
   }
+  // Where letters run out, a box is still reached by Tab; what a button does is wanted at once.
+  std::stable_partition(keyed.begin(), keyed.end(), [](const Keyed& key) {
+    return dynamic_cast<wxAnyButton*>(key.binding->Widget()) != nullptr;
+  });
   if (keyed_ == keyed) return;
+  for (const Keyed& key : keyed) captions.push_back(key.caption);
   keyed_ = std::move(keyed);
   const std::vector<CaptionText> shared = ShareMnemonics(captions);
   for (size_t i = 0; i < keyed_.size(); ++i) {

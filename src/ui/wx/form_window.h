@@ -68,7 +68,6 @@ class FormWindow {
   std::string_view ButtonFor(int key) const;
   // Whether the leaf uses any room that it gets.
   bool IsField(const Layout& layout) const;
-  void CollectNames(const Layout& layout);
   void SyncContent();
   void SyncWindow();
   void ShareKeys();
@@ -80,15 +79,17 @@ class FormWindow {
   Form* form_;
   const FormLayout& layout_;
   Front front_;
+  std::vector<std::string> named_;
   wxTopLevelWindow* window_ = nullptr;
   wxPanel* page_ = nullptr;
   std::vector<std::unique_ptr<Binding>> bindings_;
   std::vector<Condition> conditions_;
+  // What a screen reader says behind the name of a widget.
+  std::vector<std::pair<Binding*, const Control*>> states_;
   std::unique_ptr<MenuBar> menuBar_;
   std::vector<Keyed> keyed_;
   // The one on the screen of those that take the keyboard.
   const Binding* keyboardPlace_ = nullptr;
-  std::vector<std::string> named_;
   // Of the form as the window shows it.
   uint64_t revision_ = ~uint64_t{0};
   WindowState state_ = WindowState::kNormal;

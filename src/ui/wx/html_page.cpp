@@ -40,7 +40,9 @@ void HtmlPage::Open(const std::string& location, const std::string& localPage) {
   if (!IsNetworkAddress(location)) return Paint(BodyOf(location));
   const wxString address = AsText(location);
   const wxString link = "<p><a href=\"" + address + "\">" + address + "</a></p>";
-  Paint(localPage.empty() ? link : link + BodyOf(localPage));
+  Paint(localPage.empty()
+            ? "<p>Nothing of this page is kept on this computer yet. It can be read at</p>" + link
+            : link + BodyOf(localPage));
 }
 
 wxString HtmlPage::BodyOf(const std::string& path) const {

@@ -15,7 +15,37 @@ FormLayout PlainLayout() {
   return {.kind = WindowKind::kSheet, .content = Column({Rest()}).Padding(metrics::kDialogPadding)};
 }
 
+void AddNames(const Layout& layout, std::vector<std::string>& names) {
+  if (!layout.name.empty()) names.push_back(layout.name);
+  if (!layout.state.empty()) names.push_back(layout.state);
+  for (const ShownWhile& shown : layout.shownWhile) names.push_back(shown.control);
+  for (const auto& [control, text] : layout.menu) names.push_back(control);
+  for (const Layout& item : layout.items) AddNames(item, names);
+}
+
 }  // namespace
+
+std::vector<std::string> NamesIn(const FormLayout& layout) {
+  std::vector<std::string> names;
+  AddNames(layout.content, names);
+  for (const MenuLayout& menu : layout.menus) {
+    names.push_back(menu.title);
+    names.insert(names.end(), menu.entries.begin(), menu.entries.end());
+  }
+  names.insert(names.end(), layout.keyboard.begin(), layout.keyboard.end());
+  names.insert(names.end(), layout.behind.begin(), layout.behind.end());
+  names.emplace_back(layout.defaultButton);
+  names.emplace_back(layout.cancelButton);
+  std::erase(names, "");
+  return names;
+}
+
+std::string HeadingOf(const Layout& layout, size_t column, const std::string& own) {
+  for (const auto& [place, title] : layout.headings) {
+    if (place == column) return title;
+  }
+  return own;
+}
 
 Layout Put(std::string_view control) { return {.name = std::string(control)}; }
 

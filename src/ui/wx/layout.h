@@ -49,7 +49,9 @@ struct Layout {
   };
   Kind kind = Kind::kControl;
   std::string name = {};
-  std::string text = {};       // caption of a control that has none of its own
+  std::string text = {};       // caption of a control that has none of its own, or none now
+  std::string spoken = {};     // what a picture says to those who cannot see it
+  std::string state = {};      // the control whose value a screen reader says behind the name
   std::string_view icon = {};  // an icon's name
   int iconSize = 0;
   Role role = Role::kPlain;
@@ -61,7 +63,9 @@ struct Layout {
   bool centred = false;
   bool ticks = false;   // rows have check boxes
   int fileColumn = -1;  // of the paths of files, whose types' pictures stand before the rows
-  int width = 0;        // at least this wide, or high
+  // Titles of columns that the control leaves without one, or hides.
+  std::vector<std::pair<size_t, std::string>> headings = {};
+  int width = 0;  // at least this wide, or high
   int height = 0;
   std::vector<ShownWhile> shownWhile = {};  // a box is there while all of these hold
   std::vector<std::pair<std::string, std::string>> menu = {};  // context menu: control, text
@@ -74,11 +78,16 @@ struct Layout {
   Layout&& Padding(int pixels) && { return padding = pixels, std::move(*this); }
   Layout&& As(Role wanted) && { return role = wanted, std::move(*this); }
   Layout&& Called(std::string_view caption) && { return text = caption, std::move(*this); }
+  Layout&& Spoken(std::string_view words) && { return spoken = words, std::move(*this); }
+  Layout&& SaidWith(std::string_view control) && { return state = control, std::move(*this); }
   Layout&& With(std::string_view iconName, int size = 0) && {
     return icon = iconName, iconSize = size, std::move(*this);
   }
   Layout&& Ticks() && { return ticks = true, std::move(*this); }
   Layout&& FilesIn(int column) && { return fileColumn = column, std::move(*this); }
+  Layout&& Heading(size_t column, std::string_view title) && {
+    return headings.emplace_back(column, title), std::move(*this);
+  }
   Layout&& Wide(int pixels) && { return width = pixels, std::move(*this); }
   Layout&& High(int pixels) && { return height = pixels, std::move(*this); }
   // The box is there while the control `control` is visible, or while it is not.
@@ -92,6 +101,9 @@ struct Layout {
     return menu = std::move(entries), std::move(*this);
   }
 };
+
+// The title that the layout gives a column; `own` where it gives none.
+std::string HeadingOf(const Layout& layout, size_t column, const std::string& own);
 
 Layout Put(std::string_view control);
 Layout Text(std::string_view text);
@@ -136,6 +148,9 @@ struct FormLayout {
 
 // The layout of this form; a plain one is made for a form that has none.
 const FormLayout& LayoutOf(std::string_view form);
+
+// The names of the controls that a layout names, wherever it does.
+std::vector<std::string> NamesIn(const FormLayout& layout);
 
 // All layouts that were written by hand.
 std::span<const FormLayout> WrittenLayouts();

@@ -72,7 +72,7 @@ class MessageWindow : public wxDialog {
       message->Put(new wxStaticBitmap(this, wxID_ANY, icons::Get(icon, metrics::kLargeIcon)), 0,
                    wxALIGN_TOP);
     }
-    auto* text = new wxStaticText(this, wxID_ANY, "");
+    auto* text = native::NewText(this, "", 0);
     text->SetLabelText(ToWx(box.text));
     text->Wrap(gap(metrics::kMessageWidth));
     message->Put(text, 1, wxALIGN_CENTRE_VERTICAL);

@@ -17,6 +17,7 @@ inline constexpr int kPopupPadding = 12;
 
 inline constexpr int kCardRadius = 8;
 inline constexpr int kCardBorder = 1;
+inline constexpr int kPopupBorder = 1;
 
 inline constexpr int kSmallIcon = 16;
 inline constexpr int kButtonIcon = 18;
@@ -60,8 +61,10 @@ inline constexpr float kHeadingFont = 1.12F;
 inline constexpr float kFigureFont = 1.6F;
 inline constexpr float kSmallFont = 0.92F;
 inline constexpr int kNameColumn = 320;
-inline constexpr int kTextColumn = 190;
+inline constexpr int kTextColumn = 170;
+inline constexpr int kLevelColumn = 64;
 inline constexpr int kListColumn = 180;
+inline constexpr int kTickColumn = 56;     // of check boxes
 inline constexpr int kLeastColumn = 120;   // a path's beginning can be told
 inline constexpr int kColumnPadding = 24;  // beside the text, with room for a check box
 

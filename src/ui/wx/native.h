@@ -1,5 +1,9 @@
 #pragma once
 
+#include <functional>
+#include <memory>
+
+#include "base/event_wait.h"
 #include "ui/wx/wx.h"
 
 // What the toolkit leaves to the system below it; each system has a file of this name in its
@@ -21,6 +25,9 @@ void SetFlatCaption(wxAnyButton& button, const wxString& caption);
 // Gives a tab its look of a selected or resting one, beside its state as a button.
 void ShowTab(wxToggleButton& tab, bool selected);
 
+// A text that stands for itself, and labels nothing that follows it.
+wxStaticText* NewText(wxWindow* parent, const wxString& text, long style);
+
 // A button that is seen before all others, by the colours that it is given.
 wxButton* NewPrimaryButton(wxWindow* parent, const wxString& caption);
 
@@ -34,9 +41,6 @@ wxRadioButton* NewOption(wxWindow* parent);
 // Lets the box or circle stand in a place too narrow for its caption, until that is broken anew.
 void LetCaptionShrink(wxControl& mark);
 
-// Frames a list of rows as the system's own lists are.
-void FrameList(wxWindow& list);
-
 // Lets a window come up where the program has put it, also under a window manager that places none.
 void KeepPlace(wxTopLevelWindow& window);
 
@@ -45,5 +49,12 @@ bool HasComeUp(const wxWindow& window);
 
 // What a screen reader says for a widget that shows no caption of its own.
 void SetAccessibleName(wxWindow& widget, const wxString& name);
+
+// Lets a screen reader take the widget for a picture.
+void SpeakAsPicture(wxWindow& widget);
+
+// Has the toolkit's message loops, also one inside a handler of such an event, call `run` whenever
+// one of the sources is ready, as long as what is returned lives.
+std::shared_ptr<void> WatchEvents(EventWait& events, std::function<void()> run);
 
 }  // namespace quarnel::native

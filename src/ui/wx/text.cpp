@@ -5,7 +5,7 @@
 #include <algorithm>
 
 #include "base/text.h"
-#include "ui/display_text.h"
+#include "base/unicode.h"
 
 namespace quarnel {
 

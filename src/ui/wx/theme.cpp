@@ -51,6 +51,7 @@ wxColour Of(Colour colour) {
   switch (colour) {
     case Colour::kRed:
       return Attention();
+    case Colour::kGreen:
     case Colour::kHighlight:
       return Good();
     case Colour::kBlack:

@@ -1,7 +1,7 @@
 #pragma once
 
-// The toolkit's headers in one place. On Windows they bring system macros, of which one would
-// rename a type of ours.
+// The toolkit's headers in one place. On Windows they bring system macros, of which some would
+// rename functions and types of ours.
 
 #include <wx/bmpbndl.h>
 #include <wx/choice.h>
@@ -13,7 +13,6 @@
 #include <wx/generic/statbmpg.h>
 #include <wx/html/htmlwin.h>
 #include <wx/hyperlink.h>
-#include <wx/listctrl.h>
 #include <wx/scrolwin.h>
 #include <wx/settings.h>
 #include <wx/sizer.h>
@@ -23,6 +22,5 @@
 #include <wx/timectrl.h>
 #include <wx/wx.h>
 
-#ifdef MessageBox
 #undef MessageBox
-#endif
+#undef ReplaceFile

@@ -6,6 +6,7 @@
 
 #include "base/runtime_error.h"
 #include "core/product.h"
+#include "platform/event_wait.h"
 #include "ui/wx/message_dialog.h"
 #include "ui/wx/native.h"
 #include "ui/wx/text.h"
@@ -40,10 +41,11 @@ class WxHost::Depth {
 };
 
 WxHost::WxHost(std::function<std::string(const std::string&)> readPage)
-    : Host(realClock_),
+    : Host(realClock_, MakeEventWait()),
       front_{.run = [this](const Handler& action) { Act(action); },
              .readPage = std::move(readPage)} {
   timer_.Bind(wxEVT_TIMER, [this](wxTimerEvent&) { OnTimer(); });
+  eventWatch_ = native::WatchEvents(events(), [this] { Act([this] { events().Run(); }); });
 }
 
 WxHost::~WxHost() = default;
@@ -83,7 +85,14 @@ void WxHost::Settle() {
   if (ended_) return LeaveLoops();
   SyncIfDue();
   if (depth_ == 0) DropGone();
+  LeaveWaits();
   Arm();
+}
+
+// Only the innermost loop can end; when it was that of another, it is looked at again after that.
+void WxHost::LeaveWaits() {
+  if (waits_.empty() || waits_.back().loop != wxEventLoopBase::GetActive()) return;
+  if ((*waits_.back().condition)()) waits_.back().loop->ScheduleExit();
 }
 
 void WxHost::LeaveLoops() {
@@ -269,18 +278,37 @@ void WxHost::RunModal(Form& form) {
   Sync();
   FormWindow* const window = WindowOf(form);
   if (window == nullptr) return;
-  {
-    const Depth depth(depth_);
-    const Milliseconds pump = nextPump_;
-    nextPump_ = Milliseconds(0);
-    wxGUIEventLoop loop;
-    modal_.push_back({&form, &loop, std::make_unique<wxWindowDisabler>(window->Window())});
-    Arm();
-    if (form.Visible()) loop.Run();
-    modal_.pop_back();
-    nextPump_ = pump;
-  }
+  wxGUIEventLoop loop;
+  modal_.push_back({&form, &loop, std::make_unique<wxWindowDisabler>(window->Window())});
+  if (form.Visible()) RunLoop(loop);
+  modal_.pop_back();
   if (ended_) throw ProcessEnded();
+}
+
+void WxHost::RunLoop(wxGUIEventLoop& loop) {
+  const Depth depth(depth_);
+  const Milliseconds pump = nextPump_;
+  nextPump_ = Milliseconds(0);
+  Arm();
+  loop.Run();
+  nextPump_ = pump;
+}
+
+// Nothing but a handler changes what is waited for, and each looks after itself.
+bool WxHost::WaitUntil(const std::function<bool()>& condition) {
+  if (condition()) return true;
+  Sync();
+  wxGUIEventLoop loop;
+  waits_.push_back({&condition, &loop});
+  RunLoop(loop);
+  waits_.pop_back();
+  if (ended_) throw ProcessEnded();
+  return true;
+}
+
+void WxHost::WaitForEvent() {
+  int looks = 0;
+  WaitUntil([&] { return looks++ > 0; });
 }
 
 Answer WxHost::MsgBox(const MessageBox& box) {

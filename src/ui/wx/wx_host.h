@@ -25,6 +25,8 @@ class WxHost : public Host {
   std::optional<std::string> InputBox(std::string_view prompt, std::string_view title,
                                       std::string_view initial) override;
   void RunModal(Form& form) override;
+  void WaitForEvent() override;
+  bool WaitUntil(const std::function<bool()>& condition) override;
   void SetClipboardText(std::string_view text) override;
   ScreenFacts Screen() const override;
   bool HasTray() const override { return Tray::Available(); }
@@ -64,6 +66,9 @@ class WxHost : public Host {
   void ShowPointer();
   void SyncTrays();
   void LeaveLoops();
+  void LeaveWaits();
+  // Runs events in a loop of their own, in which windows show as at rest.
+  void RunLoop(wxGUIEventLoop& loop);
   void DropGone();
   void EnableBehind(const Form& form);
   wxWindow* ActiveWindow() const;
@@ -84,6 +89,12 @@ class WxHost : public Host {
     std::unique_ptr<wxWindowDisabler> others;
   };
   std::vector<ModalLoop> modal_;
+  // Handlers that wait, each in a loop.
+  struct Waiting {
+    const std::function<bool()>* condition;
+    wxEventLoopBase* loop;
+  };
+  std::vector<Waiting> waits_;
   Milliseconds nextPump_{0};
   Milliseconds nextShow_{0};
   // Since when the windows stand still inside the working handler.
@@ -95,6 +106,7 @@ class WxHost : public Host {
   bool syncing_ = false;
   bool busy_ = false;
   bool ended_ = false;
+  std::shared_ptr<void> eventWatch_;
 };
 
 }  // namespace quarnel

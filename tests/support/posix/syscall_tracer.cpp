@@ -27,6 +27,7 @@
 #include <cstring>
 #include <filesystem>
 #include <iostream>
+#include <span>
 #include <stdexcept>
 #include <vector>
 
@@ -87,10 +88,38 @@ constexpr Call kCalls[] = {
     {SYS_lremovexattr, "lremovexattr", 0},
 };
 
+// Those that look at something.
+constexpr Call kLooks[] = {
+    {SYS_read, "read"},
+    {SYS_pread64, "pread64"},
+    {SYS_readv, "readv"},
+    {SYS_preadv, "preadv"},
+    {SYS_getdents64, "getdents64"},
+    {SYS_fstat, "fstat"},
+    {SYS_fgetxattr, "fgetxattr"},
+    {SYS_stat, "stat", 0},
+    {SYS_lstat, "lstat", 0},
+    {SYS_newfstatat, "newfstatat", 1},
+    {SYS_statx, "statx", 1},
+    {SYS_open, "open", 0},
+    {SYS_openat, "openat", 1},
+    {SYS_openat2, "openat2", 1},
+    {SYS_access, "access", 0},
+    {SYS_faccessat, "faccessat", 1},
+    {SYS_readlink, "readlink", 0},
+    {SYS_readlinkat, "readlinkat", 1},
+    {SYS_getxattr, "getxattr", 0},
+    {SYS_lgetxattr, "lgetxattr", 0},
+};
+
+std::span<const Call> CallsOf(const Intervention& intervention) {
+  return intervention.ofLooks ? std::span<const Call>(kLooks) : std::span<const Call>(kCalls);
+}
+
 constexpr uint32_t Low(size_t offset) { return static_cast<uint32_t>(offset); }
 
 // Stops the child at the calls of the table.
-std::vector<sock_filter> Filter() {
+std::vector<sock_filter> Filter(std::span<const Call> calls) {
   std::vector<sock_filter> code;
   const auto load = [&](size_t offset) {
     code.push_back(BPF_STMT(BPF_LD | BPF_W | BPF_ABS, Low(offset)));
@@ -100,7 +129,7 @@ std::vector<sock_filter> Filter() {
   code.push_back(BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, AUDIT_ARCH_X86_64, 1, 0));
   give(SECCOMP_RET_ALLOW);
   load(offsetof(seccomp_data, nr));
-  for (const Call& call : kCalls) {
+  for (const Call& call : calls) {
     const bool opens = call.openFlags != kNoPath;
     const auto length = static_cast<uint8_t>(opens ? 4 : 1);
     code.push_back(BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, call.number, 0, length));
@@ -118,13 +147,14 @@ std::vector<sock_filter> Filter() {
 }
 
 // The child's side; never returns. What goes wrong is told by an exit code that no program uses.
-[[noreturn]] void RunChild(const std::function<int()>& program, int output) {
+[[noreturn]] void RunChild(const std::function<int()>& program, int output,
+                           std::span<const Call> calls) {
   constexpr int kNoStart = 125;
   const int nowhere = open("/dev/null", O_RDWR | O_CLOEXEC);
   dup2(nowhere, STDIN_FILENO);
   dup2(output, STDOUT_FILENO);
   dup2(nowhere, STDERR_FILENO);
-  std::vector<sock_filter> code = Filter();
+  std::vector<sock_filter> code = Filter(calls);
   const sock_fprog filter{static_cast<unsigned short>(code.size()), code.data()};
   if (ptrace(PTRACE_TRACEME, 0, nullptr, nullptr) != 0) _exit(kNoStart);
   if (raise(SIGSTOP) != 0) _exit(kNoStart);
@@ -185,10 +215,11 @@ class Tracer {
   void AtCall(pid_t thread) {
     user_regs_struct registers = {};
     ptrace(PTRACE_GETREGS, thread, nullptr, &registers);
-    const auto* call = std::find_if(std::begin(kCalls), std::end(kCalls), [&](const Call& known) {
+    const std::span<const Call> calls = CallsOf(intervention_);
+    const auto call = std::find_if(calls.begin(), calls.end(), [&](const Call& known) {
       return known.number == registers.orig_rax;
     });
-    const bool counts = call != std::end(kCalls) && Counts(thread, *call, registers);
+    const bool counts = call != calls.end() && Counts(thread, *call, registers);
     if (counts) ++run_.calls;
     using Kind = Intervention::Kind;
     const bool isChosen = intervention_.kind == Kind::kFailFromThen
@@ -217,6 +248,9 @@ class Tracer {
 
   bool Counts(pid_t thread, const Call& call, user_regs_struct& registers) {
     if (call.path == kNoPath && registers.rdi <= STDERR_FILENO) return false;
+    if (intervention_.ofLooks) {
+      return About(thread, call, registers).find(from_) != std::string::npos;
+    }
     // Through a pipe of its own a sanitizer asks whether memory can be read; no machine has pipes.
     if (call.path == kNoPath && TargetOf(thread, registers.rdi).starts_with("pipe:")) return false;
     if (!counting_) counting_ = About(thread, call, registers).find(from_) != std::string::npos;
@@ -288,7 +322,7 @@ TracedRun RunTraced(const std::function<int()>& program, const Intervention& int
   std::cout.flush();
   const pid_t child = fork();
   if (child < 0 || output < 0) throw std::runtime_error("no child for the test");
-  if (child == 0) RunChild(program, output);
+  if (child == 0) RunChild(program, output, CallsOf(intervention));
   TracedRun run = Tracer(child, intervention, from).Run();
   run.output = ReadAll(output);
   close(output);

@@ -8,7 +8,8 @@
 
 namespace quarnel {
 
-// What happens to a child's system calls that change something on the disk.
+// What happens to a child's system calls that change something on the disk, or to those that look
+// at something there.
 struct Intervention {
   enum class Kind {
     kNone,
@@ -20,6 +21,8 @@ struct Intervention {
   Kind kind = Kind::kNone;
   size_t at = 0;  // the call, counted from 1
   int error = 0;  // errno of a failing call
+  // Of reading, opening, listing and looking, and not of writing.
+  bool ofLooks = false;
 };
 
 struct TracedRun {
@@ -36,7 +39,8 @@ struct TracedRun {
 std::string WhyNoTracing();
 
 // Runs `program` in a child, whose exit code it gives, and counts the writing calls of all its
-// threads; those before the first one about a path with `from` in it do not count. Its standard
+// threads; those before the first one about a path with `from` in it do not count, and of looks
+// only those at such a path. Its standard
 // output is kept, its standard error is lost, and writing to either is no counted call.
 TracedRun RunTraced(const std::function<int()>& program, const Intervention& intervention,
                     std::string_view from = {});

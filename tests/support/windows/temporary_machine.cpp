@@ -42,7 +42,7 @@ class UndoneFiles : public Files {
     }
     return *withoutLinks_;
   }
-  std::optional<DirectoryEntry> Stat(std::string_view path) override { return files_.Stat(path); }
+  std::optional<DirectoryEntry> Look(std::string_view path) override { return files_.Look(path); }
   std::vector<DirectoryEntry> List(std::string_view folder) override { return files_.List(folder); }
   std::unique_ptr<File> Open(std::string_view path, OpenMode mode) override {
     return (mode == OpenMode::kRead ? files_ : Kept(path)).Open(path, mode);

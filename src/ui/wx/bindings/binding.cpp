@@ -92,6 +92,13 @@ wxString Binding::WithKey(std::string_view caption) const {
   return ToWx(CaptionText{ReadCaption(caption).text, key_});
 }
 
+void Binding::SpeakState(const std::string& state) {
+  const std::string name = FromWx(wxControl::RemoveMnemonics(widget_->GetLabel())) + ", " + state;
+  if (accessibleName_ == name) return;
+  accessibleName_ = name;
+  native::SetAccessibleName(*widget_, ToWx(name));
+}
+
 std::string Binding::AccessibleName() const {
   return accessibleName_.empty() ? FromWx(widget_->GetLabel()) : accessibleName_;
 }

@@ -45,6 +45,8 @@ class Binding {
   // Where a menu opens that the keyboard asks for, within the widget.
   virtual wxPoint MenuPlace() const { return wxPoint() + widget_->GetClientSize() / 2; }
 
+  // Lets a screen reader say this behind the caption.
+  void SpeakState(const std::string& state);
   // What a screen reader says for the widget.
   std::string AccessibleName() const;
   // What the widget shows, read back from it, in the form of the control's ValueText.
@@ -101,7 +103,7 @@ std::unique_ptr<Binding> BindList(wxWindow* parent, Control& control, const Layo
 std::unique_ptr<Binding> BindTree(wxWindow* parent, Control& control, const Layout& layout,
                                   const Front& front);
 
-// What a screen reader says for a control without a caption: the layout's text, or the control's
+// What a screen reader says for a field without a caption: the layout's text, or the control's
 // name in words ("lvwHardDrives" is "Hard Drives").
 std::string NameInWords(const Control& control, const Layout& layout);
 

@@ -127,14 +127,20 @@ class MenuRowBinding : public Binding {
     row_ = native::NewFlatButton(parent, ToWx(item.Caption()),
                                  icons::Get(layout.icon, metrics::kSmallIcon));
     row_->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { Act([this] { item_.ClickByUser(); }); });
+    row_->Bind(wxEVT_LEAVE_WINDOW, [this](wxMouseEvent& event) {
+      event.Skip();
+      Act([this] { item_.SetHighlighted(false); });
+    });
     Attach(row_);
   }
   std::string Shown() const override { return FromWx(row_->GetLabel()); }
 
  protected:
   bool Update() override {
-    row_->SetBackgroundColour(item_.Highlighted() ? theme::SelectedTab()
-                                                  : row_->GetParent()->GetBackgroundColour());
+    // A menu that slides in passes under a mouse at rest, whose moves then tell of rows gone by.
+    const bool lit = item_.Highlighted() && row_->GetScreenRect().Contains(wxGetMousePosition());
+    row_->SetBackgroundColour(lit ? theme::SelectedTab()
+                                  : row_->GetParent()->GetBackgroundColour());
     const wxString caption = ToWx(item_.Caption());
     if (row_->GetLabel() == caption) return false;
     native::SetFlatCaption(*row_, caption);

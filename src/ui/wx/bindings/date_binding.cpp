@@ -2,6 +2,7 @@
 
 #include "controls/date_picker.h"
 #include "ui/wx/bindings/binding.h"
+#include "ui/wx/boxes.h"
 #include "ui/wx/metrics.h"
 #include "ui/wx/native.h"
 #include "ui/wx/text.h"
@@ -19,7 +20,7 @@ class DateBinding : public Binding {
  public:
   DateBinding(wxWindow* parent, DatePicker& picker, const Layout& layout, const Front& front)
       : Binding(picker, front), picker_(picker) {
-    auto* both = new wxPanel(parent);
+    auto* both = new GroupPanel(parent);
     both->SetBackgroundColour(parent->GetBackgroundColour());
     const std::string name = NameInWords(picker, layout);
     has_ = new wxCheckBox(both, wxID_ANY, "");
@@ -42,6 +43,11 @@ class DateBinding : public Binding {
     both->SetMinSize(metrics::Scaled(*both, wxSize(metrics::kFieldWidth, -1)));
     native::SetAccessibleName(*has_, ToWx(name));
     native::SetAccessibleName(*Field(), ToWx(name));
+    // Its parts, one of which has the keyboard.
+    for (wxWindow* part : Field()->GetChildren()) {
+      native::SetAccessibleName(*part, ToWx(name));
+      for (wxWindow* inner : part->GetChildren()) native::SetAccessibleName(*inner, ToWx(name));
+    }
     Attach(both, name);
   }
 

@@ -7,6 +7,7 @@
 #include "ui/wx/boxes.h"
 #include "ui/wx/icons.h"
 #include "ui/wx/metrics.h"
+#include "ui/wx/native.h"
 #include "ui/wx/text.h"
 #include "ui/wx/theme.h"
 
@@ -16,7 +17,7 @@ namespace {
 class LabelBinding : public Binding {
  public:
   LabelBinding(wxWindow* parent, Label& label, const Layout& layout, const Front& front)
-      : Binding(label, front), label_(label), role_(layout.role) {
+      : Binding(label, front), label_(label), role_(layout.role), ifEmpty_(layout.text) {
     long style = wxST_NO_AUTORESIZE;
     if (IsCut()) style |= wxST_ELLIPSIZE_MIDDLE;
     // A text takes no part in what the mouse does; where that matters, it stands in a window that
@@ -27,7 +28,7 @@ class LabelBinding : public Binding {
       around = new StillWindow(parent);
       around->SetBackgroundColour(parent->GetBackgroundColour());
     }
-    text_ = new wxStaticText(around, wxID_ANY, "", wxDefaultPosition, wxDefaultSize, style);
+    text_ = native::NewText(around, "", style);
     text_->SetFont(theme::FontOf(parent->GetFont(), role_));
     if (IsCut() || role_ == Role::kTitle) text_->SetMinSize({1, -1});
     if (role_ == Role::kTitle) OnResize(*text_, [this] { WrapTitle(); });
@@ -56,10 +57,11 @@ class LabelBinding : public Binding {
     if (label_.Bold() && text_->GetFont().GetWeight() != wxFONTWEIGHT_BOLD) {
       text_->SetFont(text_->GetFont().Bold());
     }
-    if (shown_ == label_.Caption()) return false;
+    if (written_ && shown_ == label_.Caption()) return false;
+    written_ = true;
     shown_ = label_.Caption();
     if (IsCut()) {
-      text_->SetLabelText(ToWxLine(shown_));
+      text_->SetLabelText(ToWxLine(shown_.empty() ? ifEmpty_ : shown_));
       return false;
     }
     text_->SetLabelText(ToWx(shown_));
@@ -97,7 +99,9 @@ class LabelBinding : public Binding {
   wxStaticText* text_;
   int wrapWidth_ = 0;
   int titleWidth_ = 0;
+  std::string ifEmpty_;  // of a label that is cut
   std::string shown_;
+  bool written_ = false;
 };
 
 class LinkBinding : public Binding {
@@ -144,7 +148,8 @@ class PictureBinding : public Binding {
     picture_ = new wxGenericStaticBitmap(parent, wxID_ANY, icons::Get(IconName(), size_));
     picture_->Bind(wxEVT_LEFT_UP,
                    [this](wxMouseEvent&) { Act([this] { control().ClickByUser(); }); });
-    Attach(picture_, NameInWords(image, layout));
+    Attach(picture_, layout.spoken);
+    if (!layout.spoken.empty()) native::SpeakAsPicture(*picture_);
   }
   std::string Shown() const override { return {}; }
 

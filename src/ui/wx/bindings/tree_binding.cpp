@@ -4,6 +4,7 @@
 
 #include "controls/tree_view.h"
 #include "ui/wx/bindings/binding.h"
+#include "ui/wx/bindings/data_view.h"
 #include "ui/wx/bindings/tree_model.h"
 #include "ui/wx/metrics.h"
 #include "ui/wx/text.h"
@@ -14,20 +15,21 @@ namespace {
 class TreeBinding : public Binding {
  public:
   TreeBinding(wxWindow* parent, TreeView& tree, const Layout& layout, const Front& front)
-      : Binding(tree, front), tree_(tree), ticks_(layout.ticks || tree.NodeCheck) {
+      : Binding(tree, front), layout_(layout), tree_(tree), ticks_(layout.ticks || tree.NodeCheck) {
     const long header = tree.Columns().empty() ? wxDV_NO_HEADER : 0;
     widget_ = new wxDataViewCtrl(parent, wxID_ANY, wxDefaultPosition, wxDefaultSize,
                                  wxDV_SINGLE | wxDV_ROW_LINES | wxBORDER_THEME | header);
     widget_->SetMinSize(metrics::Scaled(
         *widget_, wxSize(layout.width > 0 ? layout.width : metrics::kFieldWidth,
                          layout.height > 0 ? layout.height : metrics::kTreeHeight)));
-    model_ = new TreeModel(tree, ticks_);
+    model_ = new TreeModel(tree);
     widget_->AssociateModel(model_.get());
     model_->ticked = [this](const TreeNodeRef& node, bool checked) {
       Act([this, node, checked] {
         if (node->tree == &tree_) tree_.CheckByUser(node, checked);
       });
     };
+    if (ticks_) data_view::OnTickKey(*widget_, [this] { TickChosen(); });
     widget_->Bind(wxEVT_DATAVIEW_SELECTION_CHANGED, [this](wxDataViewEvent& event) {
       const TreeNodeRef node = model_->NodeOf(event.GetItem());
       if (selecting_ || !node || tree_.Selected() == node) return;
@@ -47,13 +49,7 @@ class TreeBinding : public Binding {
   }
 
   std::string Shown() const override { return std::to_string(model_->Count()); }
-  // Under the text of the selected row.
-  wxPoint MenuPlace() const override {
-    const wxDataViewItem selected = widget_->GetSelection();
-    if (!selected.IsOk()) return Binding::MenuPlace();
-    const wxRect row = widget_->GetItemRect(selected, widget_->GetColumn(0));
-    return row.IsEmpty() ? Binding::MenuPlace() : row.GetBottomLeft();
-  }
+  wxPoint MenuPlace() const override { return data_view::MenuPlace(*widget_, ticks_); }
 
  protected:
   bool Update() override {
@@ -85,45 +81,56 @@ class TreeBinding : public Binding {
   void MakeColumns() {
     std::vector<std::string> headers;
     for (const TreeView::Column& column : tree_.Columns()) {
-      headers.push_back(column.visible ? column.header : std::string());
+      const std::string own = column.visible ? column.header : std::string();
+      headers.push_back(HeadingOf(layout_, headers.size(), own));
     }
     if (headers.empty()) headers.emplace_back(" ");
     if (headers == headers_) return;
     headers_ = headers;
     widget_->ClearColumns();
+    if (ticks_) data_view::AppendTicks(*widget_);
     for (unsigned i = 0; i < headers_.size(); ++i) {
       if (headers_[i].empty()) continue;
-      const int width = i == 0 ? metrics::kNameColumn : metrics::kTextColumn;
-      constexpr int kFlags = wxDATAVIEW_COL_RESIZABLE | wxDATAVIEW_COL_SORTABLE;
+      const int width = i == 0 ? metrics::kNameColumn : WidthOf(i);
       wxDataViewRenderer* renderer = nullptr;
-      if (i > 0) {
-        renderer = new wxDataViewTextRenderer();
-      } else if (ticks_) {
-        renderer = new wxDataViewCheckIconTextRenderer(wxDATAVIEW_CELL_ACTIVATABLE);
-      } else {
+      if (i == 0) {
         renderer = new wxDataViewIconTextRenderer();
+      } else {
+        renderer = new wxDataViewTextRenderer();
       }
-      // Of a long path the end tells more than what follows its beginning.
-      renderer->EnableEllipsize(wxELLIPSIZE_MIDDLE);
-      widget_->AppendColumn(new wxDataViewColumn(
-          ToWx(headers_[i]), renderer, i, metrics::Scaled(*widget_, width), wxALIGN_LEFT, kFlags));
+      data_view::AppendTexts(*widget_, renderer, ToWx(headers_[i]), i, width);
     }
+    widget_->SetExpanderColumn(&data_view::TextColumn(*widget_, ticks_, 0));
     fittedWidth_ = 0;
     FitColumns();
   }
   // The first column takes what the others leave, and beside others never less than one of them.
   void FitColumns() {
-    const unsigned count = widget_->GetColumnCount();
-    const int width = widget_->GetClientSize().x;
-    if (count == 0 || width == fittedWidth_) return;
+    const int count = static_cast<int>(widget_->GetColumnCount()) - (ticks_ ? 1 : 0);
+    const int width = data_view::RoomForTexts(*widget_, ticks_);
+    if (count <= 0 || width == fittedWidth_) return;
     fittedWidth_ = width;
-    const int others =
-        metrics::Scaled(*widget_, metrics::kTextColumn) * static_cast<int>(count - 1);
+    int others = 0;
+    for (unsigned i = 1; i < headers_.size(); ++i) {
+      if (!headers_[i].empty()) others += metrics::Scaled(*widget_, WidthOf(i));
+    }
     const int least = count > 1 ? metrics::Scaled(*widget_, metrics::kTextColumn) : 1;
-    widget_->GetColumn(0)->SetWidth(
-        std::max(width - others - metrics::Scaled(*widget_, metrics::kWideGap), least));
+    data_view::TextColumn(*widget_, ticks_, 0)
+        .SetWidth(std::max(width - others - metrics::Scaled(*widget_, metrics::kWideGap), least));
+  }
+  // Of a column beside the first. What has its title from the layout is a short one.
+  int WidthOf(unsigned column) const {
+    return tree_.Columns().at(column).visible ? metrics::kTextColumn : metrics::kLevelColumn;
+  }
+  void TickChosen() {
+    const TreeNodeRef node = model_->NodeOf(widget_->GetSelection());
+    if (!node || !node->hasCheckBox) return;
+    Act([this, node] {
+      if (node->tree == &tree_) tree_.CheckByUser(node, !node->checked);
+    });
   }
 
+  const Layout layout_;
   TreeView& tree_;
   bool ticks_;
   wxDataViewCtrl* widget_;

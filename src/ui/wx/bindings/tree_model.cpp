@@ -4,6 +4,7 @@
 #include <map>
 
 #include "base/text.h"
+#include "ui/wx/bindings/data_view.h"
 #include "ui/wx/icons.h"
 #include "ui/wx/metrics.h"
 #include "ui/wx/text.h"
@@ -21,7 +22,7 @@ std::string_view IconNameOf(const TreeNode& node) {
   return icons::NameOfType(text);
 }
 
-const wxBitmapBundle& IconOf(const TreeNode& node) {
+const wxBitmapBundle& IconBefore(const TreeNode& node) {
   static std::map<std::string_view, wxBitmapBundle> icons;
   static const wxBitmapBundle none;
   if (node.image == 0) return none;
@@ -32,8 +33,6 @@ const wxBitmapBundle& IconOf(const TreeNode& node) {
 }
 
 }  // namespace
-
-TreeModel::TreeModel(TreeView& tree, bool ticks) : tree_(tree), ticks_(ticks) {}
 
 void TreeModel::Learn(const TreeNodeRef& node) {
   known_[node.get()].node = node;
@@ -110,28 +109,27 @@ TreeNodeRef TreeModel::NodeOf(const wxDataViewItem& item) const {
   return found == known_.end() ? nullptr : found->second.node;
 }
 
+bool TreeModel::HasValue(const wxDataViewItem& item, unsigned column) const {
+  const TreeNodeRef node = NodeOf(item);
+  return node && (column != data_view::kTickColumn || node->hasCheckBox);
+}
+
 void TreeModel::GetValue(wxVariant& value, const wxDataViewItem& item, unsigned column) const {
   const TreeNodeRef node = NodeOf(item);
   if (!node) return;
-  if (column > 0) {
+  if (column == data_view::kTickColumn) {
+    value = node->checked;
+  } else if (column > 0) {
     value = column <= node->columns.size() ? ToWxLine(node->columns[column - 1]) : wxString();
-    return;
-  }
-  const wxString text = ToWxLine(node->text);
-  if (ticks_) {
-    value << wxDataViewCheckIconText(text, IconOf(*node),
-                                     node->checked ? wxCHK_CHECKED : wxCHK_UNCHECKED);
   } else {
-    value << wxDataViewIconText(text, IconOf(*node));
+    value << wxDataViewIconText(ToWxLine(node->text), IconBefore(*node));
   }
 }
 
 bool TreeModel::SetValue(const wxVariant& value, const wxDataViewItem& item, unsigned column) {
   const TreeNodeRef node = NodeOf(item);
-  if (!node || column != 0 || !ticks_ || !ticked) return false;
-  wxDataViewCheckIconText shown;
-  shown << value;
-  ticked(node, shown.GetCheckedState() == wxCHK_CHECKED);
+  if (!node || column != data_view::kTickColumn || !ticked) return false;
+  ticked(node, value.GetBool());
   return true;
 }
 

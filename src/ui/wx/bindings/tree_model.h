@@ -15,8 +15,7 @@ namespace quarnel {
 // a change of the tree becomes the few steps from there to the present state.
 class TreeModel : public wxDataViewModel {
  public:
-  // With `ticks` the first column carries check boxes.
-  TreeModel(TreeView& tree, bool ticks);
+  explicit TreeModel(TreeView& tree) : tree_(tree) {}
 
   // The user ticked a node.
   std::function<void(const TreeNodeRef& node, bool checked)> ticked;
@@ -33,6 +32,7 @@ class TreeModel : public wxDataViewModel {
   // Null for no item, and for one that the toolkit should have forgotten.
   TreeNodeRef NodeOf(const wxDataViewItem& item) const;
 
+  bool HasValue(const wxDataViewItem& item, unsigned column) const override;
   void GetValue(wxVariant& value, const wxDataViewItem& item, unsigned column) const override;
   bool SetValue(const wxVariant& value, const wxDataViewItem& item, unsigned column) override;
   bool GetAttr(const wxDataViewItem& item, unsigned column,
@@ -66,7 +66,6 @@ class TreeModel : public wxDataViewModel {
   const TreeNode* ParentOf(const TreeNode* node) const;
 
   TreeView& tree_;
-  bool ticks_;
   std::unordered_map<const TreeNode*, Known> known_;
   std::unordered_map<const TreeNode*, const TreeNode*> parents_;
   // Of the roots under null.

@@ -1,9 +1,11 @@
 #include "ui/wx/native.h"
 
+#include <glib-unix.h>
 #include <gtk/gtk.h>
 
+#include <utility>
+
 #include "ui/wx/metrics.h"
-#include "ui/wx/theme.h"
 
 namespace quarnel::native {
 namespace {
@@ -56,6 +58,22 @@ void SetFlatCaption(wxAnyButton& button, const wxString& caption) {
 // The desktop's theme marks a button that is held down.
 void ShowTab(wxToggleButton&, bool) {}
 
+namespace {
+
+// The toolkit takes each text for the label of the next widget that takes the keyboard, whatever
+// that is.
+class Text : public wxStaticText {
+ public:
+  using wxStaticText::wxStaticText;
+  bool GTKWidgetNeedsMnemonic() const override { return false; }
+};
+
+}  // namespace
+
+wxStaticText* NewText(wxWindow* parent, const wxString& text, long style) {
+  return new Text(parent, wxID_ANY, text, wxDefaultPosition, wxDefaultSize, style);
+}
+
 wxButton* NewPrimaryButton(wxWindow* parent, const wxString& caption) {
   return new wxButton(parent, wxID_ANY, caption);
 }
@@ -86,19 +104,6 @@ void LetCaptionShrink(wxControl& mark) {
   if (GTK_IS_LABEL(caption)) gtk_label_set_ellipsize(GTK_LABEL(caption), PANGO_ELLIPSIZE_END);
 }
 
-// The toolkit's frame of such a list has sides missing; a plain one has the colour of the style.
-void FrameList(wxWindow& list) {
-  list.SetWindowStyle((list.GetWindowStyle() & ~wxBORDER_MASK) | wxBORDER_SIMPLE);
-  const wxString style =
-      "* { border-color: " + theme::Border().GetAsString(wxC2S_HTML_SYNTAX) + "; }";
-  GtkCssProvider* provider = gtk_css_provider_new();
-  gtk_css_provider_load_from_data(provider, style.utf8_str(), -1, nullptr);
-  gtk_style_context_add_provider(gtk_widget_get_style_context(list.m_wxwindow),
-                                 GTK_STYLE_PROVIDER(provider),
-                                 GTK_STYLE_PROVIDER_PRIORITY_APPLICATION);
-  g_object_unref(provider);
-}
-
 void KeepPlace(wxTopLevelWindow& window) {
   g_signal_connect_after(window.GetHandle(), "realize", G_CALLBACK(PutInPlace), &window);
 }
@@ -125,7 +130,30 @@ void SetAccessibleName(wxWindow& widget, const wxString& name) {
   }
 }
 
+void SpeakAsPicture(wxWindow& widget) {
+  atk_object_set_role(gtk_widget_get_accessible(widget.GetHandle()), ATK_ROLE_IMAGE);
+}
+
 // The toolkit does.
 void InitControls() {}
+
+std::shared_ptr<void> WatchEvents(EventWait& events, std::function<void()> run) {
+  const std::optional<EventToken> token = events.LeaveWaiting({});
+  auto* const handler = new std::function<void()>(std::move(run));
+  GSource* const source = g_unix_fd_source_new(static_cast<int>(*token), G_IO_IN);
+  const GUnixFDSourceFunc call = [](int, GIOCondition, gpointer data) {
+    (*static_cast<std::function<void()>*>(data))();
+    return G_SOURCE_CONTINUE;
+  };
+  g_source_set_callback(source, reinterpret_cast<GSourceFunc>(reinterpret_cast<void (*)()>(call)),
+                        handler,
+                        [](gpointer data) { delete static_cast<std::function<void()>*>(data); });
+  g_source_set_can_recurse(source, TRUE);
+  g_source_attach(source, nullptr);
+  return {source, [](GSource* attached) {
+            g_source_destroy(attached);
+            g_source_unref(attached);
+          }};
+}
 
 }  // namespace quarnel::native

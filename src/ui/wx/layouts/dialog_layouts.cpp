@@ -42,13 +42,15 @@ FormLayout SplashLayout() {
 }
 
 // A page of the wizard: its text above, its answers in the middle, its buttons at the bottom.
-FormLayout WizardLayout(std::string_view form, std::vector<Layout> answers,
-                        std::string_view defaultButton = "cmdNext") {
+FormLayout WizardLayout(std::string_view form, std::vector<Layout> answers, bool last = false) {
   std::vector<Layout> text;
   text.push_back(Put("Label1").As(Role::kTitle));
   text.push_back(Put("Label2").As(Role::kWrapped).Wide(kMessageWidth));
   for (Layout& answer : answers) text.push_back(std::move(answer));
   text.push_back(Spring());
+  Layout buttons = Row({Put("cmdExit"), Put("cmdSkip"), Spring(), Put("cmdBack"),
+                        Put("cmdNext").As(Role::kPrimary)});
+  if (last) buttons.items.push_back(Put("cmdEnterapplicationNow").As(Role::kPrimary));
   return {.form = form,
           .content = Column({
                                 Row({Column({Picture("quarnel", kHeroIcon), Spring()}),
@@ -57,19 +59,18 @@ FormLayout WizardLayout(std::string_view form, std::vector<Layout> answers,
                                     .Wide(kWizardWidth)
                                     .High(kWizardHeight)
                                     .Grow(),
-                                Row({Put("cmdExit"), Put("cmdSkip"), Spring(), Put("cmdBack"),
-                                     Put("cmdNext").As(Role::kPrimary),
-                                     Put("cmdEnterapplicationNow").As(Role::kPrimary)}),
+                                std::move(buttons),
                             })
                          .Gap(kWideGap)
                          .Padding(kDialogPadding),
-          .defaultButton = defaultButton};
+          .defaultButton = last ? "cmdEnterapplicationNow" : "cmdNext"};
 }
 
 FormLayout QuestionLayout(std::string_view form) {
-  return WizardLayout(form, {Put("optYesNo(0)"), Put("optYesNo(1)"),
-                             Put("lblReportingPage").As(Role::kLink).Narrow(),
-                             Put("lblLearnMore").As(Role::kLink).Narrow()});
+  std::vector<Layout> answers = {Put("optYesNo(0)"), Put("optYesNo(1)")};
+  if (form == "frmWizard7") answers.push_back(Put("lblReportingPage").As(Role::kLink).Narrow());
+  answers.push_back(Put("lblLearnMore").As(Role::kLink).Narrow());
+  return WizardLayout(form, std::move(answers));
 }
 
 FormLayout MenuLayoutOfTray() {
@@ -78,7 +79,7 @@ FormLayout MenuLayoutOfTray() {
   };
   const auto toggle = [](std::string_view item, std::string_view icon, std::string_view label,
                          std::string_view picture) {
-    return Row({Put(item).With(icon).Grow(), Put(label).As(Role::kMuted),
+    return Row({Put(item).With(icon).SaidWith(label).Grow(), Put(label).As(Role::kMuted),
                 Put(picture).With("switch", kRowIcon)});
   };
   return {.form = "frmMenuPopUp",
@@ -150,6 +151,20 @@ FormLayout HomePageLayout() {
           .defaultButton = "cmdYes"};
 }
 
+FormLayout ShieldLayout(std::string_view form) {
+  return {.form = form,
+          .content = Column({
+                                Row({Picture("tab-defender", kLargeIcon),
+                                     Put("lblStatus").As(Role::kWrapped).Wide(kMessageWidth)})
+                                    .Gap(kWideGap),
+                                Row({Spring(), Put("cmdcancel").As(Role::kPrimary)}),
+                            })
+                         .Gap(kWideGap)
+                         .Padding(kDialogPadding),
+          .defaultButton = "cmdcancel",
+          .cancelButton = "cmdcancel"};
+}
+
 FormLayout ConnectionLayout() {
   return {.form = "frmInternetConnection",
           .content = Column({
@@ -186,7 +201,11 @@ FormLayout RestoreLayout() {
           .kind = WindowKind::kSheet,
           .content = Column({
                                 Put("lblExplanation").As(Role::kWrapped).Wide(kSheetWidth),
-                                Put("lvwBackups").Called("Restore points").High(kHtmlHeight).Grow(),
+                                Put("lvwBackups")
+                                    .Called("Restore points")
+                                    .Heading(1, "Date")
+                                    .High(kHtmlHeight)
+                                    .Grow(),
                                 Row({Put("cmdDeleteBackup").With("remove"), Spring(),
                                      Put("cmdOK").As(Role::kPrimary), Put("cmdcancel")}),
                             })
@@ -216,21 +235,20 @@ FormLayout CloseBrowserLayout() {
 }
 
 FormLayout RestartLayout() {
-  return {
-      .form = "frmReBootMachine",
-      .content =
-          Column({
-                     Row({Picture("message-exclamation", kLargeIcon),
-                          Column({Put("lblRebootWarning").As(Role::kWrapped),
-                                  Put("lblInfected").As(Role::kWrapped)})
-                              .Gap(kWideGap)})
-                         .Gap(kWideGap),
-                     Row({Spring(), Put("cmdRebootWindows"), Put("cmdClose").As(Role::kPrimary)}),
-                 })
-              .Gap(kWideGap)
-              .Padding(kDialogPadding),
-      .defaultButton = "cmdClose",
-      .cancelButton = "cmdClose"};
+  return {.form = "frmReBootMachine",
+          .content = Column({
+                                Row({Picture("message-exclamation", kLargeIcon),
+                                     Column({Put("lblRebootWarning").As(Role::kWrapped),
+                                             Put("lblInfected").As(Role::kWrapped)})
+                                         .Gap(kWideGap)})
+                                    .Gap(kWideGap),
+                                Row({Put("lblCannotRestart").As(Role::kMuted), Spring(),
+                                     Put("cmdRebootWindows"), Put("cmdClose").As(Role::kPrimary)}),
+                            })
+                         .Gap(kWideGap)
+                         .Padding(kDialogPadding),
+          .defaultButton = "cmdClose",
+          .cancelButton = "cmdClose"};
 }
 
 }  // namespace
@@ -243,14 +261,15 @@ std::vector<FormLayout> DialogLayouts() {
   for (const std::string_view form : {"frmWizard2", "frmWizard3", "frmWizard7"}) {
     layouts.push_back(QuestionLayout(form));
   }
-  layouts.push_back(WizardLayout("frmWizard4",
-                                 {Put("lblRecommended").As(Role::kHeading), Put("chkScanSchedule")},
-                                 "cmdEnterapplicationNow"));
+  layouts.push_back(WizardLayout(
+      "frmWizard4", {Put("lblRecommended").As(Role::kHeading), Put("chkScanSchedule")}, true));
   layouts.push_back(MenuLayoutOfTray());
   layouts.push_back(DefinitionsLayout());
   layouts.push_back(ApproveLayout());
   layouts.push_back(HomePageLayout());
   layouts.push_back(ConnectionLayout());
+  layouts.push_back(ShieldLayout("frmImmunize"));
+  layouts.push_back(ShieldLayout("frmDeImmunize"));
   layouts.push_back(CloseBrowserLayout());
   layouts.push_back(RestartLayout());
   layouts.push_back(RestoreLayout());

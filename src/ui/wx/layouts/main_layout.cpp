@@ -33,13 +33,37 @@ Layout Tabs() {
   return Column(std::move(tabs)).Gap(kTightGap).Padding(kGap);
 }
 
+// What the pictures of a state say.
+constexpr std::string_view kGood = "Good:";
+constexpr std::string_view kBad = "Needs attention:";
+
 // ---- the scan page -----------------------------------------------------------------------------
+
+// What was found where, in one line.
+Layout Finds() {
+  struct Place {
+    std::string_view caption;
+    std::string_view found;
+  };
+  constexpr Place kPlaces[] = {{"Traces:", "txtAdwareSpyware"},
+                               {"programs", "lblMemoryInfected"},
+                               {"registry", "lblRegistryInfected"},
+                               {"files", "lblFilesFolderInfected"},
+                               {"cookies", "lbltracesFound"}};
+  std::vector<Layout> line;
+  for (const Place& place : kPlaces) {
+    line.push_back(Row({Text(place.caption).As(Role::kMuted), Put(place.found).As(Role::kStrong)})
+                       .Gap(kTightGap));
+  }
+  line.push_back(Spring());
+  return Row(std::move(line));
+}
 
 // What the program is at: the state of the machine, or the running scan; and its buttons.
 Layout JobCard() {
   Layout state = Row({
-      Put("imgSystemSummaryBigLogoBlue").With("good", kHeroIcon).Called({}),
-      Put("imgSystemSummaryBigLogoRed").With("attention", kHeroIcon).Called({}),
+      Put("imgSystemSummaryBigLogoBlue").With("good", kHeroIcon).Spoken(kGood),
+      Put("imgSystemSummaryBigLogoRed").With("attention", kHeroIcon).Spoken(kBad),
       Column({
                  Put("lblSummaryTitle").As(Role::kTitle),
                  Row({Text("Signatures:").As(Role::kMuted),
@@ -55,7 +79,10 @@ Layout JobCard() {
       Column(
           {
               Column({Put("lblScanSummary").As(Role::kTitle)}).On("picRemoveSummary"),
-              Column({Put("lblStatus").As(Role::kStatus)}).Unless("picRemoveSummary"),
+              Column({Put("lblStatus").As(Role::kStatus).Called("Results of the last scan"),
+                      Finds().On("ImgStartScanMouseMove")})
+                  .Gap(kTightGap)
+                  .Unless("picRemoveSummary"),
               Column({Put("lblPercentageCompleted"), Put("pbgMain"),
                       Put("lblScanning").As(Role::kPath)})
                   .Gap(kTightGap)
@@ -73,7 +100,10 @@ Layout JobCard() {
           .Centred(),
   });
   return Card({}, {Row({
-                           Column({std::move(state).Gap(kWideGap)}).On("picSummary").Grow(),
+                           Column({std::move(state).Gap(kWideGap)})
+                               .Padding(kGap)
+                               .On("picSummary")
+                               .Grow(),
                            Column({std::move(scan).Gap(kWideGap)}).Unless("picSummary").Grow(),
                            Column({Row({
                                       Put("ImgStartScanMouseMove")
@@ -86,22 +116,25 @@ Layout JobCard() {
                                .On("picSpywareAdwareLeftWindow")
                                .Centred(),
                        })
-                       .Gap(kWideGap)});
+                       .Gap(kWideGap)})
+      .Padding(kGap);
 }
 
 Layout SummaryRow(int index) {
-  return Card(
-      {},
-      {Row({
-               Put(Indexed("imgSystemSummaryBigSmallBlue", index)).With("row-good", kRowIcon),
-               Put(Indexed("imgSystemSummaryBigSmallRed", index)).With("row-attention", kRowIcon),
-               Column({Put(Indexed("lblSystemSummaryLabel", index)).As(Role::kMuted),
-                       Put(Indexed("lblSystemSummaryValue", index)).As(Role::kStrong)})
-                   .Gap(kTightGap)
-                   .Grow()
-                   .Centred(),
-           })
-           .Gap(kWideGap)});
+  return Card({}, {Row({
+                           Put(Indexed("imgSystemSummaryBigSmallBlue", index))
+                               .With("row-good", kRowIcon)
+                               .Spoken(kGood),
+                           Put(Indexed("imgSystemSummaryBigSmallRed", index))
+                               .With("row-attention", kRowIcon)
+                               .Spoken(kBad),
+                           Column({Put(Indexed("lblSystemSummaryLabel", index)).As(Role::kMuted),
+                                   Put(Indexed("lblSystemSummaryValue", index)).As(Role::kStrong)})
+                               .Gap(kTightGap)
+                               .Grow()
+                               .Centred(),
+                       })
+                       .Gap(kWideGap)});
 }
 
 Layout Summary() {
@@ -144,33 +177,31 @@ Layout Counters() {
   });
 }
 
-// Narrow enough for the smallest window, row by row.
+// Narrow enough for the smallest window, row by row; the tree has all room that is left.
 Layout Results() {
   return Column({
-      Row({Text("Threats and their traces").As(Role::kHeading), Spring(),
-           Text("Traces:").As(Role::kMuted), Put("txtAdwareSpyware").As(Role::kStrong),
-           Put("chkSelectAllDetectedSpywares"), Put("cmdCheckUncheckAll")}),
       Put("vbatvwResults")
           .Called("Threats and their traces")
+          .Heading(2, "Level")
           .Ticks()
-          .Grow(3)
+          .Grow()
           .Menu(
               {{"Command1", "&Copy results"}, {"ImgAddToIgnoredListNormal", "&Add to safe list"}}),
       Row({
-              Put("txtSpywareDescription").Called("Description").High(kTextHeight).Grow(1),
+              Put("txtSpywareDescription").Called("Description").High(kTextHeight).Grow(2),
               Put("lvwPicRemoveListOfSpywareFoundAndToBeRemoved")
                   .Called("Threats")
                   .High(kTextHeight)
-                  .Grow(1),
+                  .Grow(3),
+              Column({Put("cmdViewSpywareDetail"), Spring()}),
           })
-          .Grow(1)
           .On("picSearchResultsLeftWindow"),
       Row({
+          Put("chkSelectAllDetectedSpywares"),
+          Spring(),
           Put("cmdIgnoredSpyware"),
           Put("ImgAddToIgnoredListNormal").Called("&Add to safe list").With("safe"),
           Put("Command1").With("copy"),
-          Put("cmdViewSpywareDetail"),
-          Spring(),
       }),
       Row({
           Put("chkCreateRestore"),
@@ -193,11 +224,16 @@ Layout RemovalSummary() {
                          .Gap(kTightGap)
                          .Grow());
   }
-  return Card({}, {Put("lblScanSummaryMessage").As(Role::kWrapped),
-                   Put("lblRemoveSummaryMessage").As(Role::kWrapped), Row(std::move(levels)),
-                   Row({Spring(), Put("cmdRemoveSpyware2").With("remove"),
-                        Put("cmdFinish").As(Role::kPrimary)})})
-      .Gap(kWideGap);
+  return Card({},
+              {Put("lblScanSummaryMessage").As(Role::kWrapped),
+               Put("lblRestorePointState").As(Role::kWrapped),
+               Put("lvwRemovalReport").Called("What became of each trace").Grow(),
+               Put("lblThreatLevelNote").As(Role::kMuted), Row(std::move(levels)),
+               Put("lblRemoveSummaryMessage").As(Role::kWrapped),
+               Row({Put("cmdCopyRemoval").With("copy"), Spring(),
+                    Put("cmdRemoveSpyware2").With("remove"), Put("cmdFinish").As(Role::kPrimary)})})
+      .Gap(kWideGap)
+      .Grow();
 }
 
 Layout ScanPageLayout() {
@@ -209,8 +245,8 @@ Layout ScanPageLayout() {
                         .On("picSummary")
                         .Grow(),
                     Column({
-                               Counters(),
-                               Column({RemovalSummary(), Spring()}).On("picRemoveSummary").Grow(),
+                               Column({Counters()}).On("ImgStopScanMouseMove"),
+                               Column({RemovalSummary()}).On("picRemoveSummary").Grow(),
                                Column({Results().Grow()}).Unless("picRemoveSummary").Grow(),
                            })
                         .Unless("picSummary")
@@ -247,10 +283,11 @@ Layout OptionsLayout() {
   });
   Layout right = Column({
       Card("Protection",
-           {Mark("chkMemorySheild"), Mark("chkStartupShield"), Mark("chkSelfDownloadingActivex"),
-            Mark("chkDisplayHijakRestoreAlerts"), Mark("chkAlertsBlocksSpywareAdware"),
-            Text("The shields come with a later version.").As(Role::kMuted), Mark("chkStrict"),
-            Mark("chkReportLorrimesh")}),
+           {Mark("chkSelfDownloadingActivex"), Row({Put("cmdImmunize"), Put("cmdDeImmunize")}),
+            Mark("chkMemorySheild"), Mark("chkStartupShield"), Mark("chkDisplayHijakRestoreAlerts"),
+            Mark("chkAlertsBlocksSpywareAdware"),
+            Text("The other shields come with a later version.").As(Role::kMuted),
+            Mark("chkStrict"), Mark("chkReportLorrimesh")}),
       Card("Start", {Mark("chkRunAtStartup"), Mark("chkMinimizeToTrayWindowAtStartup")}),
       Card("Updates",
            {Mark("chkEnableAutoUpdaterNotifications"),
@@ -361,10 +398,10 @@ FormLayout MainLayout() {
                 {"mnuHelp", {"mnuOnlineHelp", "", "mnuHAbout"}}},
       .keyboard = {"vbatvwResults", "cmdFinish"},
       .behind = {"sfttvwResults", "lvwFilesToBeDeleted", "lvwRegistryEntriesFound",
-                 "lvwTrackingCookieObjectrecognized", "lvwFileNotFounds", "lvwBlockedCookies",
-                 "lvwIgnoredSpywares", "lvwRegBackup", "cmdIgnoredProcesses", "cmdViewResults",
-                 "lblTotalSpywares", "cmdcancel", "lblEnableAutoScan", "picLeft", "Label34",
-                 "vbatvwStartup", "txtSetting", "vbaPrgBar"},
+                 "cmdCheckUncheckAll", "lvwTrackingCookieObjectrecognized", "lvwFileNotFounds",
+                 "lvwBlockedCookies", "lvwIgnoredSpywares", "lvwRegBackup", "cmdIgnoredProcesses",
+                 "cmdViewResults", "lblTotalSpywares", "cmdcancel", "lblEnableAutoScan", "picLeft",
+                 "Label34", "vbatvwStartup", "txtSetting", "vbaPrgBar"},
   };
 }
 

@@ -7,25 +7,39 @@
 #include <commctrl.h>
 #include <shellapi.h>
 
+#include <utility>
+
 #include "ui/wx/metrics.h"
 #include "ui/wx/theme.h"
 
 namespace quarnel::native {
 namespace {
 
-// Leaves everything but the name to the system.
-class NamedAccessible : public wxAccessible {
+// Leaves everything but the name, and the role of a picture, to the system or the toolkit.
+template <typename Accessible, typename Widget>
+class Named : public Accessible {
  public:
-  NamedAccessible(wxWindow* widget, wxString name) : wxAccessible(widget), name_(std::move(name)) {}
+  Named(Widget* widget, const wxString& name) : Accessible(widget), name_(name) {}
   wxAccStatus GetName(int part, wxString* name) override {
-    if (part != wxACC_SELF) return wxACC_NOT_IMPLEMENTED;
+    if (part != wxACC_SELF) return Accessible::GetName(part, name);
     *name = name_;
     return wxACC_OK;
   }
+  wxAccStatus GetRole(int part, wxAccRole* role) override {
+    if (part != wxACC_SELF || !picture_) return Accessible::GetRole(part, role);
+    *role = wxROLE_SYSTEM_GRAPHIC;
+    return wxACC_OK;
+  }
+  void BecomePicture() { picture_ = true; }
 
  private:
   wxString name_;
+  bool picture_ = false;
 };
+
+using NamedAccessible = Named<wxAccessible, wxWindow>;
+// The toolkit draws rows itself, and tells of them.
+using NamedRows = Named<wxDataViewCtrlAccessible, wxDataViewCtrl>;
 
 // The toolkit draws a button without a frame in its colour alone, as long as it has one of its own.
 // What answers to mouse and keyboard is added here.
@@ -109,6 +123,10 @@ void ShowTab(wxToggleButton& tab, bool selected) {
   if (tab.GetBackgroundColour() != colour) tab.SetBackgroundColour(colour);
 }
 
+wxStaticText* NewText(wxWindow* parent, const wxString& text, long style) {
+  return new wxStaticText(parent, wxID_ANY, text, wxDefaultPosition, wxDefaultSize, style);
+}
+
 wxButton* NewPrimaryButton(wxWindow* parent, const wxString& caption) {
   return new Flat<wxButton>(parent, caption, 0);
 }
@@ -134,21 +152,31 @@ wxRadioButton* NewOption(wxWindow* parent) { return new Option(parent); }
 // The system cuts what has no room.
 void LetCaptionShrink(wxControl&) {}
 
-// The list is one of them.
-void FrameList(wxWindow&) {}
-
 // The system does.
 void KeepPlace(wxTopLevelWindow&) {}
 
 bool HasComeUp(const wxWindow&) { return true; }
 
 void SetAccessibleName(wxWindow& widget, const wxString& name) {
-  widget.SetAccessible(new NamedAccessible(&widget, name));
+  if (auto* rows = dynamic_cast<wxDataViewCtrl*>(&widget)) {
+    rows->SetAccessible(new NamedRows(rows, name));
+  } else {
+    widget.SetAccessible(new NamedAccessible(&widget, name));
+  }
+}
+
+void SpeakAsPicture(wxWindow& widget) {
+  if (auto* named = dynamic_cast<NamedAccessible*>(widget.GetAccessible())) named->BecomePicture();
 }
 
 void InitControls() {
   const INITCOMMONCONTROLSEX classes{sizeof(INITCOMMONCONTROLSEX), ICC_USEREX_CLASSES};
   InitCommonControlsEx(&classes);
+}
+
+std::shared_ptr<void> WatchEvents(EventWait& events, std::function<void()> run) {
+  events.LeaveWaiting(std::move(run));
+  return {&events, [](EventWait* left) { left->LeaveWaiting({}); }};
 }
 
 }  // namespace quarnel::native

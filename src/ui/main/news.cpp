@@ -1,0 +1,33 @@
+#include "ui/main/news.h"
+
+#include "core/existing_files.h"
+#include "core/own_files.h"
+#include "core/paths.h"
+#include "ui/main/maker_pages.h"
+
+namespace quarnel {
+
+News::News(const Services& services, NewsPage& page) : s_(services), page_(page) {
+  page_.lblReportPage.Click = [this] {
+    Reporting(s_.log, "lblReportPage_Click in frmMain",
+              [&] { OpenMakerPage(s_, maker_page::kReport); });
+  };
+  page_.wbrNewsAndReport.LinkClick = [this](std::string_view address) {
+    Reporting(s_.log, "wbrNewsAndReport_LinkClick in frmMain", [&] { OpenAddress(s_, address); });
+  };
+}
+
+void News::ShowFile() {
+  Files& files = s_.platform.files();
+  Machine& machine = s_.platform.machine();
+  const std::string described = GetPathWithSlash(machine.ProgramFolder()) + "News.html";
+  std::string path = OwnFileToRead(files, machine, described);
+  if (!FileExists(files, path)) {
+    IgnoringErrors([&] { path = OwnFileToWrite(files, machine, described); });
+  }
+  page_.wbrNewsAndReport.Navigate(path);
+}
+
+void News::ShowReportPage() { page_.wbrNewsAndReport.Navigate(MakerPage(maker_page::kReport)); }
+
+}  // namespace quarnel

@@ -1,0 +1,97 @@
+// What lies on a machine folder and is no plain file, and what changes while it is read.
+
+#include <gmock/gmock.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+
+#include "core/existing_files.h"
+#include "platform/machine_folder.h"
+#include "scan/deep_scan.h"
+#include "scan/file_scan.h"
+#include "scan/scan_fixture.h"
+#include "scan/watched_files.h"
+#include "signatures/md5.h"
+
+namespace quarnel {
+namespace {
+
+namespace fs = std::filesystem;
+using ::testing::ElementsAre;
+using ::testing::UnorderedElementsAre;
+
+class UnreadTest : public ScanTest {
+ protected:
+  UnreadTest() { files().CreateFolder(Path("tree")); }
+
+  fs::path HostOf(std::string_view name) { return HostPathOf(machineFolder(), Path(name)); }
+  std::vector<std::string> Unreads() {
+    std::vector<std::string> all;
+    for (const UnreadItem& item : unread.Items()) {
+      all.push_back(item.kind + " " + item.name.substr(item.name.rfind('\\') + 1));
+    }
+    return all;
+  }
+
+  HashPool pool{2};
+};
+
+TEST_F(UnreadTest, TheDeepScanHashesBehindLinksAndTellsOfTheRest) {
+  WriteFile(Path("target.dat"), "bad");
+  WriteFile(Path("folder\\x.dat"), "bad");
+  fs::create_symlink(HostOf("target.dat"), HostOf("tree\\link.dat"));
+  fs::create_symlink("nowhere", HostOf("tree\\dangling.dat"));
+  fs::create_directory_symlink(HostOf("folder"), HostOf("tree\\away"));
+  // The path is the test's own.  NOLINTNEXTLINE(cert-env33-c)
+  ASSERT_EQ(std::system(("mkfifo " + HostOf("tree\\pipe.dat").string()).c_str()), 0);
+  Install({.programs = HexText(Md5Of("bad")) + "^1^Bad\n"});
+  for (HashPool* hashPool : {static_cast<HashPool*>(nullptr), &pool}) {
+    resultsPage.lvwFilesToBeDeleted.Clear();
+    resultsPage.sfttvwResults.Clear();
+    unread.Clear();
+    DeepScan scan(context, hashPool);
+    ASSERT_TRUE(scan.LoadSignatureHashText());
+    scan.ScanFolder(Path("tree"));
+    EXPECT_THAT(Texts(resultsPage.lvwFilesToBeDeleted), ElementsAre(Path("tree\\link.dat")));
+    EXPECT_THAT(Unreads(), UnorderedElementsAre("link away", "file dangling.dat", "file pipe.dat"));
+  }
+}
+
+TEST_F(UnreadTest, AFileThatGrowsIsHashedAsFarAsItWent) {
+  const std::string content(600'000, 'x');
+  WriteFile(Path("growing.log"), content);
+  bool grew = false;
+  const auto grows = [&] {
+    std::ofstream(HostOf("growing.log"), std::ios::app) << std::string(300'000, 'y');
+    return false;
+  };
+  EXPECT_EQ(HashFile(files(), Path("growing.log"), grows, &grew), HexText(Md5Of(content)));
+  EXPECT_TRUE(grew);
+}
+
+// A link that leads to itself stands for whatever cannot be looked at.
+TEST_F(UnreadTest, WhatCannotBeLookedAtIsNotMissing) {
+  fs::create_directory_symlink("loop", HostOf("loop"));
+  WatchedFiles watched(files(), unread);
+  EXPECT_FALSE(FileExists(watched, Path("loop\\file.txt")));
+  EXPECT_FALSE(FileExists(watched, Path("nowhere\\file.txt")));
+  EXPECT_FALSE(FileExists(watched, Path("missing.txt")));
+  EXPECT_FALSE(FileExists(watched, Path("loop\\file.txt")));
+  EXPECT_THAT(Unreads(), ElementsAre("file file.txt"));
+  EXPECT_TRUE(unread.ScanWasWhole());
+}
+
+// An error is told as soon as the log can be written again, and hides nothing until then.
+TEST_F(UnreadTest, ALogThatCannotBeWrittenKeepsItsEntries) {
+  files().CreateFolder(log.Path());
+  EXPECT_FALSE(Reporting(log, "first", [] { throw RuntimeError(ErrorNumber::kOverflow); }));
+  files().DeleteFolder(log.Path());
+  EXPECT_FALSE(Reporting(log, "second", [] { throw RuntimeError(ErrorNumber::kOverflow); }));
+  const std::string text = LogText();
+  EXPECT_NE(text.find("first"), std::string::npos);
+  EXPECT_LT(text.find("first"), text.find("second"));
+}
+
+}  // namespace
+}  // namespace quarnel
