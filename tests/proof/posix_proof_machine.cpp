@@ -156,6 +156,7 @@ std::string WhatKeyIs(Registry& registry, const std::string& path) {
     return {};
   }
   std::vector<std::string> lines;
+  lines.reserve(steps.size());
   for (const RegStep& step : steps) {
     lines.push_back(Join({KeyPathText(step.key), ValueLine(step.name, step.value)}, " "));
   }

@@ -276,14 +276,14 @@ TEST_F(RemovalTest, CookiesGoEveryOtherRowAtATime) {
   const std::string folder = GetPath(machine(), csidl::kCookies);
   ListView& list = resultsPage.lvwTrackingCookieObjectrecognized;
   resultsPage.lvwIgnoredSpywares.Add({.text = folder + "\\u@safe[1].txt"});
-  std::vector<std::string> paths;
-  for (const std::string name :
-       {"u@one[1].txt", "u@two[1].txt", "u@safe[1].txt", "u@four[1].txt"}) {
-    paths.push_back(folder + "\\" + name);
-    WriteFile(paths.back(), "x");
+  std::vector<std::string> paths = {"u@one[1].txt", "u@two[1].txt", "u@safe[1].txt",
+                                    "u@four[1].txt"};
+  for (std::string& path : paths) {
+    path.insert(0, folder + "\\");
+    WriteFile(path, "x");
     results.Enter({.threat = {.name = std::string(kTrackingObject)},
-                   .trace = CookieTrace{paths.back()},
-                   .text = paths.back(),
+                   .trace = CookieTrace{path},
+                   .text = path,
                    .ignoredIsListed = true,
                    .rowsFirst = true});
   }

@@ -444,9 +444,9 @@ TEST_F(RestoreTest, WhatAKilledProgramLeftGoesAtTheNextStart) {
 
 // Damage at any place of an archive without a manifest costs entries, and never more.
 TEST_F(RestoreTest, SurvivesAnyArchive) {
-  std::vector<std::string> entries;
-  for (int i = 0; i < 5; ++i) {
-    entries.push_back(EntryName(Path("inside\\file" + std::to_string(i))));
+  std::vector<std::string> entries(5);
+  for (size_t i = 0; i < entries.size(); ++i) {
+    entries[i] = EntryName(Path("inside\\file" + std::to_string(i)));
   }
   const std::string path = RestorePointFile(program, "1_2", restore_point::kFiles);
   CreateFolders(files(), BackupFolder(program));

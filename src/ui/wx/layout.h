@@ -63,6 +63,8 @@ struct Layout {
   bool centred = false;
   bool ticks = false;   // rows have check boxes
   int fileColumn = -1;  // of the paths of files, whose types' pictures stand before the rows
+  // Icons before the rows, by the number of the picture that a row has.
+  std::vector<std::string_view> pictures = {};
   // Titles of columns that the control leaves without one, or hides.
   std::vector<std::pair<size_t, std::string>> headings = {};
   int width = 0;  // at least this wide, or high
@@ -85,6 +87,9 @@ struct Layout {
   }
   Layout&& Ticks() && { return ticks = true, std::move(*this); }
   Layout&& FilesIn(int column) && { return fileColumn = column, std::move(*this); }
+  Layout&& Pictures(std::vector<std::string_view> icons) && {
+    return pictures = std::move(icons), std::move(*this);
+  }
   Layout&& Heading(size_t column, std::string_view title) && {
     return headings.emplace_back(column, title), std::move(*this);
   }

@@ -359,6 +359,7 @@ int BecomeProgram(const std::vector<std::string>& words, const std::string& inpu
   if (setenv("ASAN_OPTIONS", "detect_leaks=0:exitcode=99", 1) != 0) return -1;
   if (setenv("UBSAN_OPTIONS", "halt_on_error=1:exitcode=99", 1) != 0) return -1;
   std::vector<char*> arguments;
+  arguments.reserve(words.size() + 1);
   for (const std::string& word : words) arguments.push_back(const_cast<char*>(word.c_str()));
   arguments.push_back(nullptr);
   execv(arguments.front(), arguments.data());

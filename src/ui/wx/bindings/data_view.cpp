@@ -1,6 +1,7 @@
 #include "ui/wx/bindings/data_view.h"
 
 #include "ui/wx/metrics.h"
+#include "ui/wx/theme.h"
 
 namespace quarnel::data_view {
 
@@ -26,6 +27,12 @@ int RoomForTexts(const wxDataViewCtrl& widget, bool ticks) {
 
 wxDataViewColumn& TextColumn(const wxDataViewCtrl& widget, bool ticks, int place) {
   return *widget.GetColumn(static_cast<unsigned>(place + (ticks ? 1 : 0)));
+}
+
+bool Show(const Look& look, wxDataViewItemAttr& attributes) {
+  if (look.colour != Colour::kBlack) attributes.SetColour(theme::Of(look.colour));
+  attributes.SetBold(look.bold);
+  return !attributes.IsDefault();
 }
 
 bool HasKeyboard(const wxDataViewCtrl& widget) {

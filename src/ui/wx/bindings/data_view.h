@@ -1,5 +1,6 @@
 #pragma once
 
+#include "controls/look.h"
 #include "ui/wx/wx.h"
 
 // What lists and trees of rows have in common.
@@ -22,6 +23,9 @@ int RoomForTexts(const wxDataViewCtrl& widget, bool ticks);
 
 // The column of texts at this place.
 wxDataViewColumn& TextColumn(const wxDataViewCtrl& widget, bool ticks, int place);
+
+// Lets a text stand out as its row does; false for one that does not.
+bool Show(const Look& look, wxDataViewItemAttr& attributes);
 
 // Whether the keyboard is on the rows, or on a part of the widget.
 bool HasKeyboard(const wxDataViewCtrl& widget);

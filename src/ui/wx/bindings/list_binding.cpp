@@ -26,7 +26,7 @@ class ListBinding : public Binding {
     widget_->SetMinSize(metrics::Scaled(
         *widget_, wxSize(layout.width > 0 ? layout.width : metrics::kFieldWidth,
                          layout.height > 0 ? layout.height : metrics::kListHeight)));
-    model_ = new ListModel(list, layout.fileColumn);
+    model_ = new ListModel(list, layout);
     widget_->AssociateModel(model_.get());
     MakeColumns();
     model_->ticked = [this](size_t row, bool checked) {

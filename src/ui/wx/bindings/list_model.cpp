@@ -4,13 +4,19 @@
 #include <numeric>
 
 #include "ui/wx/bindings/data_view.h"
+#include "ui/wx/icons.h"
 #include "ui/wx/metrics.h"
 #include "ui/wx/text.h"
 
 namespace quarnel {
 
-ListModel::ListModel(const ListView& list, int fileColumn) : list_(list), fileColumn_(fileColumn) {
-  if (HasPictures()) pictures_.Create(metrics::kSmallIcon);
+ListModel::ListModel(const ListView& list, const Layout& layout)
+    : list_(list), fileColumn_(layout.fileColumn) {
+  icons_.reserve(layout.pictures.size());
+  for (const std::string_view name : layout.pictures) {
+    icons_.push_back(icons::Get(name, metrics::kSmallIcon));
+  }
+  if (fileColumn_ >= 0) pictures_.Create(metrics::kSmallIcon);
 }
 
 void ListModel::SortBy(int column, bool ascending) {
@@ -36,6 +42,8 @@ size_t ListModel::LookOf(const ListRow& row) {
   };
   mix(std::hash<std::string>()(row.text));
   for (const std::string& text : row.subItems) mix(std::hash<std::string>()(text));
+  mix(static_cast<size_t>(row.look.colour));
+  mix(static_cast<size_t>(row.look.picture) * 2 + (row.look.bold ? 1 : 0));
   return look;
 }
 
@@ -96,10 +104,21 @@ void ListModel::GetValueByRow(wxVariant& value, unsigned place, unsigned column)
     value = text;
     return;
   }
-  const int picture =
-      row ? pictures_.ItemIndex(TextAt(*row, static_cast<unsigned>(fileColumn_))) : -1;
-  value << wxDataViewIconText(
-      text, picture < 0 ? wxBitmapBundle() : pictures_.hIml()[static_cast<size_t>(picture)]);
+  value << wxDataViewIconText(text, row ? PictureOf(*row) : wxBitmapBundle());
+}
+
+wxBitmapBundle ListModel::PictureOf(size_t row) const {
+  if (const auto icon = static_cast<size_t>(list_.At(row).look.picture); icon < icons_.size()) {
+    return icons_[icon];
+  }
+  if (fileColumn_ < 0) return {};
+  const int picture = pictures_.ItemIndex(TextAt(row, static_cast<unsigned>(fileColumn_)));
+  return picture < 0 ? wxBitmapBundle() : pictures_.hIml()[static_cast<size_t>(picture)];
+}
+
+bool ListModel::GetAttrByRow(unsigned place, unsigned, wxDataViewItemAttr& attributes) const {
+  const std::optional<size_t> row = RowAt(place);
+  return row && data_view::Show(list_.At(*row).look, attributes);
 }
 
 bool ListModel::SetValueByRow(const wxVariant& value, unsigned place, unsigned column) {

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "controls/list_view.h"
+#include "ui/wx/layout.h"
 #include "ui/wx/sys_image_list.h"
 #include "ui/wx/wx.h"
 
@@ -14,9 +15,8 @@ namespace quarnel {
 // costs the same. They may stand in another order than in the list: a row's place is the toolkit's.
 class ListModel : public wxDataViewVirtualListModel {
  public:
-  // `fileColumn` holds the paths of files, whose types' pictures stand before the rows; -1 for
-  // none.
-  ListModel(const ListView& list, int fileColumn);
+  // The layout tells what stands before the rows: their own pictures, or those of types of files.
+  ListModel(const ListView& list, const Layout& layout);
 
   // The user ticked a row.
   std::function<void(size_t row, bool checked)> ticked;
@@ -32,18 +32,21 @@ class ListModel : public wxDataViewVirtualListModel {
   std::optional<size_t> RowAt(unsigned place) const;
   std::optional<unsigned> PlaceOf(size_t row) const;
   std::string_view TextAt(size_t row, unsigned column) const;
-  bool HasPictures() const { return fileColumn_ >= 0; }
+  bool HasPictures() const { return fileColumn_ >= 0 || !icons_.empty(); }
 
   void GetValueByRow(wxVariant& value, unsigned place, unsigned column) const override;
   bool SetValueByRow(const wxVariant& value, unsigned place, unsigned column) override;
+  bool GetAttrByRow(unsigned place, unsigned column, wxDataViewItemAttr& attributes) const override;
 
  private:
   // What tells a row's present look from another one.
   static size_t LookOf(const ListRow& row);
   void Sort();
+  wxBitmapBundle PictureOf(size_t row) const;
 
   const ListView& list_;
   int fileColumn_;
+  std::vector<wxBitmapBundle> icons_;  // by the number of a row's picture
   mutable cVBALSysImageList pictures_;
   std::vector<size_t> order_;  // the rows by their places
   std::vector<size_t> looks_;  // by their places, as the toolkit knows them

@@ -59,11 +59,11 @@ void TreeModel::Visit(const std::vector<TreeNodeRef>& nodes, Changes& changes) {
     Known& known = entry->second;
     known.walk = walk_;
     known.place = met_++;
-    if (isNew || known.checked != node->checked || known.bold != node->bold ||
+    if (isNew || known.checked != node->checked || known.look != node->LookOf() ||
         known.text != node->text || known.columns != node->columns) {
       (isNew ? changes.added : changes.changed).push_back(node);
       known.checked = node->checked;
-      known.bold = node->bold;
+      known.look = node->LookOf();
       known.text = node->text;
       known.columns = node->columns;
     }
@@ -136,9 +136,7 @@ bool TreeModel::SetValue(const wxVariant& value, const wxDataViewItem& item, uns
 bool TreeModel::GetAttr(const wxDataViewItem& item, unsigned,
                         wxDataViewItemAttr& attributes) const {
   const TreeNodeRef node = NodeOf(item);
-  if (!node || !node->bold) return false;
-  attributes.SetBold(true);
-  return true;
+  return node && data_view::Show(node->LookOf(), attributes);
 }
 
 wxDataViewItem TreeModel::GetParent(const wxDataViewItem& item) const {

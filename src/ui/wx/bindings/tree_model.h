@@ -52,7 +52,7 @@ class TreeModel : public wxDataViewModel {
     size_t place = 0;   // among all nodes
     uint64_t walk = 0;  // the last walk that met it
     bool checked = false;
-    bool bold = false;
+    Look look;
     std::string text;
     std::vector<std::string> columns;
   };

@@ -357,13 +357,17 @@ Layout AdvancedLayout() {
       "picBHOLeftView", "Advanced tools", "Browser helper objects and startup programs.",
       {Row({
                Put("tvwAdvancedTools").Called("Tools").Wide(kToolsWidth),
-               Column({Put("lvwBHOs").Called("Browser helper objects").FilesIn(1).Grow(),
-                       Put("lvwStartup").Called("Startup programs").FilesIn(1).Grow(),
-                       Put("lblNotListedYet").As(Role::kMuted),
-                       Row({Put("lblAllowBHO").As(Role::kLink), Put("lblBlockBHO").As(Role::kLink),
-                            Put("lblAllowThisStartupItem").As(Role::kLink),
-                            Put("lblBlockThisStartupItem").As(Role::kLink), Spring()})
-                           .Gap(kWideGap)})
+               Column(
+                   {Put("lvwBHOs")
+                        .Called("Browser helper objects")
+                        .Pictures({"trace-program", {}, "message-question", {}, "stop", "row-good"})
+                        .Grow(),
+                    Put("lvwStartup").Called("Startup programs").FilesIn(1).Grow(),
+                    Put("lblNotListedYet").As(Role::kMuted),
+                    Row({Put("lblAllowBHO").As(Role::kLink), Put("lblBlockBHO").As(Role::kLink),
+                         Put("lblAllowThisStartupItem").As(Role::kLink),
+                         Put("lblBlockThisStartupItem").As(Role::kLink), Spring()})
+                        .Gap(kWideGap)})
                    .Grow(),
            })
            .Gap(kWideGap)
