@@ -134,11 +134,6 @@ void ReplaceWholeFiles(Files& files, std::span<const WholeFile> wanted) {
   }
 }
 
-void AppendInOneStep(Files& files, std::string_view path, std::string_view bytes) {
-  std::string all = files.Stat(path) ? ReadWholeFile(files, path) : std::string();
-  ReplaceWholeFile(files, path, all.append(bytes));
-}
-
 void WriteWholeFile(Files& files, std::string_view path, std::string_view bytes) {
   files.Open(path, OpenMode::kCreate)->Write(bytes);
 }

@@ -173,9 +173,6 @@ struct WholeFile {
 // together, and only until a crash can tear none of them: after one the old content may be back.
 void ReplaceWholeFiles(Files& files, std::span<const WholeFile> wanted);
 
-// Adds bytes to the end of a file, which is made when absent, in the same way: all of them or none.
-void AppendInOneStep(Files& files, std::string_view path, std::string_view bytes);
-
 // Makes or replaces a file with this content. Not atomic.
 void WriteWholeFile(Files& files, std::string_view path, std::string_view bytes);
 

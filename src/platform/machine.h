@@ -55,9 +55,8 @@ class Machine {
   // The path of a special folder; nothing when the machine has none of that number.
   virtual std::optional<std::string> SpecialFolder(int csidl) = 0;
   virtual std::string SystemDirectory() = 0;
-  // The folder in which the running program lies, and its executable's name without ".exe".
+  // The folder in which the running program lies.
   virtual std::string ProgramFolder() = 0;
-  virtual std::string ExecutableName() = 0;
   virtual std::optional<std::string> TempFolder() = 0;
   // Nothing when the system does not tell.
   virtual std::optional<SystemFamily> Family() = 0;

@@ -195,17 +195,6 @@ std::string_view SignatureFields::operator[](size_t index) const {
   return fields_[index];
 }
 
-std::vector<ActiveXControl> ParseActiveXControls(std::string_view text) {
-  std::vector<ActiveXControl> controls;
-  FieldReader fields(text);
-  while (auto name = fields.Next()) {
-    auto classId = fields.Next();
-    if (!classId) break;
-    controls.push_back({std::move(*name), std::move(*classId)});
-  }
-  return controls;
-}
-
 std::vector<std::string> ParseCookiePatterns(std::string_view text) {
   std::vector<std::string> patterns;
   FieldReader fields(text);

@@ -141,15 +141,6 @@ class SignatureFields {
   size_t size_ = 0;
 };
 
-// One control of QNLImmData.dll.
-struct ActiveXControl {
-  std::string name;
-  std::string classId;  // as it stands under the compatibility key, with its braces
-};
-// The controls of the file's text (complemented back already). The last name of an odd number of
-// fields has no identifier and is left out.
-std::vector<ActiveXControl> ParseActiveXControls(std::string_view text);
-
 // A longer pattern of a cookie's domain is refused wherever one is read.
 inline constexpr size_t kLongestCookiePattern = 4096;
 

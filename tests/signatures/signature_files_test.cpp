@@ -146,11 +146,7 @@ TEST(SignatureFields, ShortLinesRaiseWhereAFieldIsMissing) {
   EXPECT_EQ(SignatureFields("h^1^name", '^')[2], "name");
 }
 
-TEST(Parsing, ControlsComeInPairs) {
-  const auto controls = ParseActiveXControls("A,{1}\r\n\"B, b\"\r\n{2},last");
-  ASSERT_EQ(controls.size(), 2U);
-  EXPECT_EQ(controls[0].name + controls[0].classId, "A{1}");
-  EXPECT_EQ(controls[1].name + controls[1].classId, "B, b{2}");
+TEST(Parsing, CookiePatterns) {
   EXPECT_EQ(ParseCookiePatterns("*.a.example,b?\r\n"),
             (std::vector<std::string>{"*.a.example", "b?"}));
 }

@@ -17,7 +17,6 @@ class MachineIn : public Machine {
   }
   std::string SystemDirectory() override { return folder_; }
   std::string ProgramFolder() override { return folder_; }
-  std::string ExecutableName() override { return machine_.ExecutableName(); }
   std::optional<std::string> TempFolder() override { return machine_.TempFolder(); }
   std::optional<SystemFamily> Family() override { return machine_.Family(); }
   std::string UserName() override { return machine_.UserName(); }

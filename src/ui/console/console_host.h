@@ -49,11 +49,10 @@ class ConsoleHost : public Host {
   void RunModal(Form& form) override;
   // The same while a handler waits.
   bool WaitUntil(const std::function<bool()>& condition) override;
-  void SetClipboardText(std::string_view text) override { clipboard_ = text; }
+  void SetClipboardText(std::string_view) override {}  // a console has none
   // A screen of the usual size that nobody sees, with the mouse where a script has put it.
   ScreenFacts Screen() const override { return screen_; }
   void PlaceMouse(ScreenFacts::Point place) { screen_.mouse = place; }
-  const std::string& ClipboardText() const { return clipboard_; }
 
   // The program has started, and commands follow from this player.
   void Play(CommandPlayer& player) { player_ = &player; }
@@ -151,7 +150,6 @@ class ConsoleHost : public Host {
   std::vector<PlacedWatch> watches_;
   ProgressLine* progress_ = nullptr;
   bool listens_ = false;
-  std::string clipboard_;
   ScreenFacts screen_;
   size_t line_ = 0;
   int jobs_ = 0;

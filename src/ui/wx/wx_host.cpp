@@ -40,6 +40,22 @@ class WxHost::Depth {
   int& depth_;
 };
 
+class WxHost::ModalWait {
+ public:
+  explicit ModalWait(WxHost& host) : host_(host), depth_(host.depth_), pump_(host.nextPump_) {
+    host_.nextPump_ = Milliseconds(0);
+    host_.Arm();
+  }
+  ~ModalWait() { host_.nextPump_ = pump_; }
+  ModalWait(const ModalWait&) = delete;
+  ModalWait& operator=(const ModalWait&) = delete;
+
+ private:
+  WxHost& host_;
+  const Depth depth_;
+  const Milliseconds pump_;
+};
+
 WxHost::WxHost(std::function<std::string(const std::string&)> readPage)
     : Host(realClock_, MakeEventWait()),
       front_{.run = [this](const Handler& action) { Act(action); },
@@ -280,18 +296,12 @@ void WxHost::RunModal(Form& form) {
   if (window == nullptr) return;
   wxGUIEventLoop loop;
   modal_.push_back({&form, &loop, std::make_unique<wxWindowDisabler>(window->Window())});
-  if (form.Visible()) RunLoop(loop);
+  if (form.Visible()) {
+    const ModalWait wait(*this);
+    loop.Run();
+  }
   modal_.pop_back();
   if (ended_) throw ProcessEnded();
-}
-
-void WxHost::RunLoop(wxGUIEventLoop& loop) {
-  const Depth depth(depth_);
-  const Milliseconds pump = nextPump_;
-  nextPump_ = Milliseconds(0);
-  Arm();
-  loop.Run();
-  nextPump_ = pump;
 }
 
 // Nothing but a handler changes what is waited for, and each looks after itself.
@@ -300,7 +310,10 @@ bool WxHost::WaitUntil(const std::function<bool()>& condition) {
   Sync();
   wxGUIEventLoop loop;
   waits_.push_back({&condition, &loop});
-  RunLoop(loop);
+  {
+    const ModalWait wait(*this);
+    loop.Run();
+  }
   waits_.pop_back();
   if (ended_) throw ProcessEnded();
   return true;
@@ -315,12 +328,8 @@ Answer WxHost::MsgBox(const MessageBox& box) {
   Sync();
   Answer answer = Answer::kCancel;
   {
-    const Depth depth(depth_);
-    const Milliseconds pump = nextPump_;
-    nextPump_ = Milliseconds(0);
-    Arm();
+    const ModalWait wait(*this);
     answer = ShowMessage(ParentOfBox(), box);
-    nextPump_ = pump;
   }
   if (ended_) throw ProcessEnded();
   return answer;
@@ -331,9 +340,8 @@ std::optional<std::string> WxHost::InputBox(std::string_view prompt, std::string
   Sync();
   std::optional<std::string> typed;
   {
-    const Depth depth(depth_);
+    const ModalWait wait(*this);
     wxTextEntryDialog dialog(ParentOfBox(), ToWx(prompt), ToWx(title), ToWx(initial));
-    Arm();
     if (dialog.ShowModal() == wxID_OK) typed = FromWx(dialog.GetValue());
   }
   if (ended_) throw ProcessEnded();

@@ -55,6 +55,8 @@ class WxHost : public Host {
  private:
   // Counts how deep the program is in its own handlers.
   class Depth;
+  // A handler waits in a loop of the toolkit's, in which windows show as at rest.
+  class ModalWait;
 
   void Settle();
   void Pump();
@@ -67,8 +69,6 @@ class WxHost : public Host {
   void SyncTrays();
   void LeaveLoops();
   void LeaveWaits();
-  // Runs events in a loop of their own, in which windows show as at rest.
-  void RunLoop(wxGUIEventLoop& loop);
   void DropGone();
   void EnableBehind(const Form& form);
   wxWindow* ActiveWindow() const;

@@ -19,13 +19,6 @@ class PosixMachine : public Machine {
   std::string SystemDirectory() override { return Layout().KnownFolder(csidl::kSystem); }
   std::string ProgramFolder() override { return Layout().programFolder; }
 
-  std::string ExecutableName() override {
-    std::string path(4096, '\0');
-    const ssize_t length = readlink("/proc/self/exe", path.data(), path.size());
-    path.resize(length > 0 ? static_cast<size_t>(length) : 0);
-    return path.substr(path.rfind('/') + 1);
-  }
-
   std::optional<std::string> TempFolder() override { return Layout().tempFolder; }
   std::optional<SystemFamily> Family() override { return folder_.family; }
   std::string UserName() override { return folder_.userName; }

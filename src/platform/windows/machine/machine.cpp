@@ -57,14 +57,6 @@ class WindowsMachine : public Machine {
     return WithoutSlash(path.substr(0, path.rfind(L'\\')));
   }
 
-  std::string ExecutableName() override {
-    const std::wstring& path = ExecutablePath();
-    std::wstring name = path.substr(path.rfind(L'\\') + 1);
-    const size_t point = name.rfind(L'.');
-    if (point != std::wstring::npos) name.resize(point);
-    return Narrow(name);
-  }
-
   std::optional<std::string> TempFolder() override {
     wchar_t path[MAX_PATH + 1] = {};
     const DWORD size = GetTempPathW(MAX_PATH + 1, path);
