@@ -9,6 +9,7 @@ enum class Colour : uint32_t {
   kBlack = 0x000000,
   kRed = 0xFF0000,
   kGreen = 0x00C000,
+  kDarkGreen = 0x008000,
   kHighlight = 0x316AC5
 };
 

@@ -78,14 +78,32 @@ void cInifile::Replace(const std::string& text) {
 }
 
 std::string cInifile::Value() const {
+  const std::array<std::string_view, 1> keys{key_};
+  return std::move(Values(keys).front());
+}
+
+std::vector<std::string> cInifile::Values(std::span<const std::string_view> keys) const {
   const std::optional<IniText> ini = Read();
-  std::string value = ini ? ini->Value(section_, key_).value_or(default_) : default_;
-  if (value.size() > kValueLimit) value.resize(kValueLimit);
-  return value;
+  std::vector<std::string> values;
+  values.reserve(keys.size());
+  for (const std::string_view key : keys) {
+    std::string value = ini ? ini->Value(section_, key).value_or(default_) : default_;
+    if (value.size() > kValueLimit) value.resize(kValueLimit);
+    values.push_back(std::move(value));
+  }
+  return values;
 }
 
 void cInifile::SetValue(std::string_view text) {
   Rewrite([&](IniText& ini) { return ini.SetValue(section_, key_, text); });
+}
+
+void cInifile::SetValues(std::span<const KeyAndValue> values) {
+  Rewrite([&](IniText& ini) {
+    return std::all_of(values.begin(), values.end(), [&](const KeyAndValue& entry) {
+      return ini.SetValue(section_, entry.first, entry.second);
+    });
+  });
 }
 
 void cInifile::DeleteKey() {

@@ -2,8 +2,10 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "controls/form.h"
@@ -39,6 +41,12 @@ class cInifile {
   // NUL characters are removed from the text. A key that begins with "[" or ";" is refused.
   void SetValue(std::string_view text);
   void DeleteKey();
+
+  // The same for several keys of the current section in one look at the file, or one replacement.
+  // One key that is refused refuses all.
+  std::vector<std::string> Values(std::span<const std::string_view> keys) const;
+  using KeyAndValue = std::pair<std::string_view, std::string>;
+  void SetValues(std::span<const KeyAndValue> values);
   void DeleteSection();
 
   // The current section's "key=value" lines, each ended by a NUL, at most 8190 characters.

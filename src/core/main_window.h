@@ -51,6 +51,8 @@ class MainWindow {
 
   // Tells of a listed program that runs, and returns when the user has answered.
   virtual void Alert(const MemoryAlert& alert) = 0;
+  // Asks about the change of a browser's setting that is pending; returns at once.
+  virtual void AlertBrowserChange() = 0;
 };
 
 }  // namespace quarnel

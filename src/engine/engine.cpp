@@ -75,7 +75,7 @@ Engine::Engine(const Services& services, Pages& pages, MainWindow& window)
                   .host = s_.host,
                   .log = s_.log,
                   .window = window_}),
-      browserSettings_(pages_.browserSettings),
+      browserSettings_({.page = pages_.browserSettings, .services = s_, .window = window_}),
       tools_(pages_.tools),
       startups_({.options = pages_.options, .settings = s_.settings}),
       activeX_(ActiveXUses(s_, pages_, options_, window_)),
@@ -96,8 +96,7 @@ void Engine::WireScan() {
   };
 }
 
-// The timers of the guards that have not joined yet look at nothing: tmrMemoryInspected,
-// tmrPreventChangeHomePage and tmrBHO.
+// The timers of the guards that have not joined yet look at nothing: tmrMemoryInspected and tmrBHO.
 void Engine::WireTimers() {
   const auto wire = [this](Timer& timer, std::string_view label, Handler work) {
     timer.Tick = [this, label, work = std::move(work)] { Reporting(s_.log, label, work); };
@@ -110,11 +109,21 @@ void Engine::WireTimers() {
   };
   wire(timers.tmrAlertEnableDisable, "tmrAlertEnableDisable_Timer in frmMain",
        [this] { options_.RestoreAlertOption(); });
+  wire(timers.tmrPreventChangeHomePage, "tmrPreventChangeHomePage_Timer",
+       [this] { browserSettings_.CheckBrowserSettings(); });
   wire(timers.tmrStartup, "tmrStartup_Timer in frmMain", [this] { startups_.tmrStartup_Timer(); });
   wire(timers.tmrLiveUpadate, "tmrLiveUpadate_Timer of frmMain",
        [this] { update_.tmrLiveUpadate_Timer(); });
   wire(timers.tmrIsConnectionOk, "tmrIsConnectionOk_Timer of frmMain",
        [this] { update_.tmrIsConnectionOk_Timer(); });
+}
+
+void Engine::TakeGuardsOff() {
+  MainTimers& timers = pages_.timers;
+  for (Timer* timer : {&timers.tmrMemoryInspected, &timers.tmrPreventChangeHomePage, &timers.tmrBHO,
+                       &timers.tmrStartup, &timers.tmrLiveUpadate, &timers.tmrIsConnectionOk}) {
+    timer->Tick = nullptr;
+  }
 }
 
 void Engine::StartScan() {

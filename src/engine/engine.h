@@ -40,6 +40,8 @@ class Engine {
   void ShowSignatureTotals();
   bool SignaturesPresent();
   void ClearLeftoversOfRestores();
+  // The timers of guards and update do nothing from here on, whoever switches them on.
+  void TakeGuardsOff();
 
   ScanController& scans() { return scans_; }
   ResultsController& results() { return results_; }

@@ -7,6 +7,7 @@
 
 #include "base/runtime_error.h"
 #include "base/text.h"
+#include "core/inifile.h"
 #include "core/paths.h"
 #include "machine/embedded.h"
 #include "machine/sample_plan.h"
@@ -67,6 +68,7 @@ class Planter {
     for (const SampleFile& file : SampleFiles()) PlantFile(file);
     for (const SampleCookie& cookie : SampleCookies()) PlantCookie(cookie);
     for (const SampleEntry& entry : SampleEntries()) PlantEntry(entry);
+    PlantBrowserSettings();
     PlantSignatures();
     PlantHelp();
     return std::move(sample_);
@@ -155,6 +157,24 @@ class Planter {
     AddTrace(entry.threat, PlantedKind::kRegistry,
              RegistryTraceText(HiveName(entry.hive), keepsKey ? *key : ToUpper(*key),
                                keepsValue ? *value : ToUpper(*value)));
+  }
+
+  // A browser that has a home page is in use and keeps all its settings.
+  void PlantBrowserSettings() {
+    Registry& registry = platform_.registry();
+    const SampleBrowserSetting& home = SampleBrowserSettings().front();
+    if (!QueryText(registry, home.hive, home.key, home.value).empty()) return;
+    cInifile baselines(platform_.files(), platform_.machine());
+    baselines.SetPath(GetPathWithSlash(platform_.machine().ProgramFolder()) + "QS_BHR.ini");
+    baselines.SetSection("BHR Settings");
+    for (const SampleBrowserSetting& setting : SampleBrowserSettings()) {
+      Check(RegCreateKeyValue(registry, setting.hive, setting.key, setting.value,
+                              std::string(setting.data)),
+            setting.key);
+      if (setting.baseline.empty()) continue;
+      baselines.SetKey(setting.baseline);
+      baselines.SetValue(setting.before);
+    }
   }
 
   // Where the program looks for them: in its own folder.

@@ -26,10 +26,10 @@ struct PlantedSample {
 };
 
 // Plants harmless threats of every kind that a scan can find, the signature set that finds them,
-// and the program's help pages. Only sample files and keys are written; what stands already as
-// wanted is left alone, so planting again changes nothing. A trace whose folder the machine does
-// not have, or whose key needs the user's identifier on a machine that does not tell it, is left
-// out. Raises RuntimeError.
+// the program's help pages, and changed settings of a browser that has no home page yet. Only
+// sample files and keys are written; what stands already as wanted is left alone, so planting again
+// changes nothing. A trace whose folder the machine does not have, or whose key needs the user's
+// identifier on a machine that does not tell it, is left out. Raises RuntimeError.
 PlantedSample PlantSample(Platform& platform);
 
 }  // namespace quarnel

@@ -109,10 +109,33 @@ constexpr SampleEntry kEntries[] = {
     {kDialer, kMachine, Shown::kUpper, kRun, "SampleDialer", "{windows}sampledial.exe"},
 };
 
+constexpr std::string_view kBrowserMain = "Software\\Microsoft\\Internet Explorer\\Main";
+constexpr std::string_view kBrowserSearch = "Software\\Microsoft\\Internet Explorer\\Search";
+constexpr std::string_view kBrowserAbout = "Software\\Microsoft\\Internet Explorer\\AboutURLs";
+
+constexpr SampleBrowserSetting kBrowserSettings[] = {
+    {kUser, kBrowserMain, "Start Page", "http://www.samplehijack.example/", "Start Page",
+     "http://www.home.example/"},
+    {kUser, kBrowserMain, "Search Page",
+     "http://www.search.example/isapi/redir.dll?prd=ie&ar=iesearch"},
+    {kUser, kBrowserMain, "Search Bar", "http://www.samplehijack.example/bar"},
+    {kUser, "Software\\Microsoft\\Internet Explorer\\SearchURL", "",
+     "http://auto.search.example/access/autosearch.asp?p=%s"},
+    {kMachine, kBrowserMain, "Start Page", "http://www.home.example/"},
+    {kMachine, kBrowserMain, "Default_Search_URL", "http://www.search.example/search/search.asp"},
+    {kMachine, kBrowserSearch, "SearchAssistant", "http://www.samplehijack.example/assistant",
+     "Search Assistant (all users)",
+     "http://ie.search.example/{SUB_RFC1766}/srchasst/srchasst.htm"},
+    {kMachine, kBrowserAbout, "Blank", "res://mshtml.dll/blank.htm"},
+    {kMachine, kBrowserAbout, "NavigationFailure", "res://samplehijack.dll/navcancl.htm"},
+    {kMachine, kBrowserAbout, "Mozilla", "res://mshtml.dll/about.moz"},
+};
+
 }  // namespace
 
 std::span<const SampleFile> SampleFiles() { return kFiles; }
 std::span<const SampleCookie> SampleCookies() { return kCookies; }
 std::span<const SampleEntry> SampleEntries() { return kEntries; }
+std::span<const SampleBrowserSetting> SampleBrowserSettings() { return kBrowserSettings; }
 
 }  // namespace quarnel

@@ -49,4 +49,16 @@ struct SampleEntry {
 };
 std::span<const SampleEntry> SampleEntries();
 
+// A setting of the browser as it is found, of which some have changed since the program saw them
+// first.
+struct SampleBrowserSetting {
+  uint32_t hive;
+  std::string_view key;
+  std::string_view value;  // empty for the key's default value
+  std::string_view data;
+  std::string_view baseline = {};  // its key among the program's baselines
+  std::string_view before = {};    // what stands there
+};
+std::span<const SampleBrowserSetting> SampleBrowserSettings();
+
 }  // namespace quarnel

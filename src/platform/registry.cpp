@@ -77,8 +77,14 @@ bool QueryValue(Registry& registry, uint32_t root, std::string_view path, std::s
 
 bool GetKeyValue(Registry& registry, uint32_t root, std::string_view path, std::string_view name,
                  std::string& text) {
+  std::unique_ptr<RegistryKey> key;
+  return registry.Open(root, path, registry_access::kReadWrite, key) == RegistryStatus::kSuccess &&
+         GetKeyValue(*key, name, text);
+}
+
+bool GetKeyValue(RegistryKey& key, std::string_view name, std::string& text) {
   RegistryValue value;
-  if (!QueryValue(registry, root, path, name, value)) return false;
+  if (!QueryValueEx(key, name, value)) return false;
   const auto* number = std::get_if<uint32_t>(&value);
   text = number != nullptr ? "&h" + HexNumber(*number) : std::get<std::string>(value);
   return true;

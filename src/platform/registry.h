@@ -111,6 +111,8 @@ bool QueryValue(Registry& registry, uint32_t root, std::string_view path, std::s
 // As QueryValue, with a REG_DWORD as "&h" and its hexadecimal digits.
 bool GetKeyValue(Registry& registry, uint32_t root, std::string_view path, std::string_view name,
                  std::string& text);
+// The same of an open key.
+bool GetKeyValue(RegistryKey& key, std::string_view name, std::string& text);
 // A value as one text: the string, or the number in decimal; empty when absent.
 std::string QueryText(Registry& registry, uint32_t root, std::string_view path,
                       std::string_view name);

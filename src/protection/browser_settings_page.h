@@ -23,9 +23,6 @@ struct BrowserSettingsPage {
                                      "S&witch to Restore List of URLs"};
   Image imgRemoveAllowRestoreURLs{form, "imgRemoveAllowRestoreURLs", "Re&move"};
   Label lblChangeRestoreURL{form, "lblChangeRestoreURL", "Change restore setting to a new URL..."};
-  // An empty list must not read as settings that nobody has changed.
-  Label lblNotReadYet{form, "lblNotReadYet",
-                      "This version of the program does not read the browser's settings yet."};
   Label lblHint{form, "lblHint", "(Check the item above you would like to restore.)"};
 
   // The selected setting in full.

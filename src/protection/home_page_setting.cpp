@@ -78,11 +78,13 @@ std::string FindBelow(Files& files, const std::string& folder, std::string_view 
 
 }  // namespace
 
-void SetHomePageKeyValue(Registry& registry, std::string_view key, std::string_view valueName,
+void SetHomePageKeyValue(const Services& services, std::string_view key, std::string_view valueName,
                          const RegistryValue& value, ValueType type) {
-  std::unique_ptr<RegistryKey> open;
-  registry.Open(hive::kCurrentUser, key, registry_access::kReadWrite, open);
-  if (open) SetValueEx(*open, valueName, type, value);
+  Reporting(services.log, "SetHomePageKeyValue", [&] {
+    std::unique_ptr<RegistryKey> open;
+    services.platform.registry().Open(hive::kCurrentUser, key, registry_access::kReadWrite, open);
+    if (open) SetValueEx(*open, valueName, type, value);
+  });
 }
 
 std::optional<std::string> HomePageInPreferences(std::string_view bytes) {

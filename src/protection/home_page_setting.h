@@ -12,7 +12,7 @@ namespace quarnel {
 
 // Writes one value below HKEY_CURRENT_USER. A key that cannot be opened is not made, and nobody is
 // told.
-void SetHomePageKeyValue(Registry& registry, std::string_view key, std::string_view valueName,
+void SetHomePageKeyValue(const Services& services, std::string_view key, std::string_view valueName,
                          const RegistryValue& value, ValueType type);
 
 // The home page that a preferences file ("prefs.js") names, whatever its bytes; of several the last

@@ -1,6 +1,7 @@
 #include "protection/kill_bits.h"
 
 #include <functional>
+#include <optional>
 #include <string>
 
 #include "core/existing_files.h"
@@ -41,7 +42,11 @@ class DecipheredCopy {
   DecipheredCopy(const DecipheredCopy&) = delete;
   DecipheredCopy& operator=(const DecipheredCopy&) = delete;
 
-  std::string Text() const { return ReadWholeFile(files_, path_); }
+  // Nothing when there is no such copy.
+  std::optional<std::string> Text() const {
+    if (!FileExists(files_, path_)) return std::nullopt;
+    return ReadWholeFile(files_, path_);
+  }
 
  private:
   void Remove() {
@@ -57,8 +62,9 @@ class DecipheredCopy {
 void ForEachControl(const Services& services, ShieldRun& run, const ShieldWork& work) {
   const DecipheredCopy copy(services,
                             SignaturePath(services.platform.machine(), signature_file::kActiveX));
-  const std::string text = copy.Text();
-  FieldReader items(text);
+  const std::optional<std::string> text = copy.Text();
+  if (!text) return;
+  FieldReader items(*text);
   for (size_t counter = 0; !items.AtEnd() && !run.cancelled; ++counter) {
     const std::optional<std::string> item = items.Next();
     if (!item) break;

@@ -28,6 +28,10 @@ Forms::Forms(const Services& services, StartOptions options)
       menuPopUp([this, services] {
         return std::make_unique<frmMenuPopUp>(services, *main_, main_->engine(), *main_);
       }),
+      bhr([this, services] {
+        return std::make_unique<frmBHR>(services, main_->engine().browserSettings(),
+                                        main_->timers.tmrPreventChangeHomePage);
+      }),
       wizard1(Page<frmWizard1>(services)),
       wizard2(Page<frmWizard2>(services)),
       wizard3(Page<frmWizard3>(services)),
@@ -55,6 +59,7 @@ Forms::Forms(const Services& services, StartOptions options)
   List("frmImmunize", immunize);
   List("frmDeImmunize", deImmunize);
   List("frmMenuPopUp", menuPopUp);
+  List("frmBHR", bhr);
   List("frmWizard1", wizard1);
   List("frmWizard2", wizard2);
   List("frmWizard3", wizard3);

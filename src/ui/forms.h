@@ -8,6 +8,7 @@
 
 #include "controls/form.h"
 #include "core/services.h"
+#include "ui/alerts/frm_bhr.h"
 #include "ui/alerts/frm_home_page_changed_alert.h"
 #include "ui/dialogs/frm_close.h"
 #include "ui/dialogs/frm_close_ie.h"
@@ -59,6 +60,7 @@ class Forms {
   FormSlot<frmImmunize> immunize;
   FormSlot<frmDeImmunize> deImmunize;
   FormSlot<frmMenuPopUp> menuPopUp;
+  FormSlot<frmBHR> bhr;
   FormSlot<frmWizard1> wizard1;
   FormSlot<frmWizard2> wizard2;
   FormSlot<frmWizard3> wizard3;

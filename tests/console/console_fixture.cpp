@@ -36,6 +36,7 @@ class TestProgram : public ConsoleProgram {
   std::optional<RemovalReport> LastRemoval() override { return run_.removal; }
   ScanSummary Report() override { return run_.summary; }
   bool RestoreFellShort() override { return run_.restoreFellShort; }
+  std::vector<BrowserSettings::State> BrowserStates() override { return run_.browserStates; }
   std::vector<std::string> FormNames() override { return {"frmTest", "frmChild"}; }
   bool LoadForm(std::string_view name) override {
     if (!EqualText(name, "frmChild")) return false;
@@ -136,7 +137,7 @@ void ConsoleRun::Run(const std::string& script) {
   std::ostringstream printed;
   std::ostringstream complaints;
   code = RunConsole(arguments, {in, printed, complaints, terminal},
-                    [this](Host& host, const std::string&) {
+                    [this](Host& host, const ProgramCall&) {
                       return std::make_unique<TestProgram>(host, *this);
                     });
   out = printed.str();

@@ -91,6 +91,7 @@ struct ConsoleRun {
   // What a removal does, with a form that it opens on the way; nothing: it asks instead.
   std::optional<RemovalReport> removal;
 
+  std::vector<BrowserSettings::State> browserStates;
   bool restoreFellShort = false;
   std::optional<Removing> removing;  // what the last removal was to take
 

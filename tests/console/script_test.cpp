@@ -258,7 +258,8 @@ TEST(Console, RecordsAsJson) {
   ConsoleRun run;
   run.arguments = {"--json", "-"};
   run.startBoxes = {{.text = "Hi", .title = "T"}};
-  run.Run("get lblOdd\nrows lvwRows\ntree sftItems\nmessages\nforms");
+  run.browserStates = {{"Home Page", "http://now/", "http://was/", "http://default/"}};
+  run.Run("get lblOdd\nrows lvwRows\ntree sftItems\nmessages\nforms\nbrowser");
   EXPECT_EQ(
       run.out,
       "{\"value\":\"a\\tb\\\\c\\r\\nd\"}\n"
@@ -270,7 +271,9 @@ TEST(Console, RecordsAsJson) {
       "{\"index\":2,\"depth\":1,\"checked\":false,\"key\":\"\",\"text\":\"x\",\"columns\":[]}\n"
       "{\"title\":\"T\",\"icon\":\"none\",\"buttons\":\"ok\",\"answer\":\"ok\",\"text\":"
       "\"Hi\"}\n"
-      "{\"name\":\"frmTest\",\"visible\":true,\"caption\":\"Test form\"}\n");
+      "{\"name\":\"frmTest\",\"visible\":true,\"caption\":\"Test form\"}\n"
+      "{\"setting\":\"Home Page\",\"now\":\"http://now/\",\"baseline\":\"http://was/\","
+      "\"default\":\"http://default/\"}\n");
 }
 
 TEST(Console, LeavesTheProgramAtTheEndOfInput) {

@@ -27,6 +27,10 @@ TEST_F(SampleTest, PlantsEveryKindAndSaysWhere) {
   EXPECT_GE(kinds[PlantedKind::kRegistry], 16);  // and two where the user's identifier is known
   EXPECT_EQ(sample.cleanFiles.size(), 5U);
   for (const std::string& path : sample.cleanFiles) EXPECT_TRUE(files().Stat(path)) << path;
+  // A home page that the program has seen otherwise, or the one that the machine had.
+  EXPECT_NE(QueryText(registry(), hive::kCurrentUser,
+                      "Software\\Microsoft\\Internet Explorer\\Main", "Start Page"),
+            "");
   bool allPresent = false;
   AllSignatureArePresent(files(), machine(), allPresent);
   EXPECT_TRUE(allPresent);

@@ -79,11 +79,11 @@ TEST_F(BrowsersTest, FilesAreFoundByTheirNames) {
 
 TEST_F(BrowsersTest, OnlyAnExistingKeyIsWritten) {
   const std::string key = Key("Main");
-  SetHomePageKeyValue(registry(), key, "Start Page", std::string(kPage), ValueType::kString);
+  SetHomePageKeyValue(services, key, "Start Page", std::string(kPage), ValueType::kString);
   EXPECT_EQ(QueryText(registry(), hive::kCurrentUser, key, "Start Page"), "");
   CreateNewKey(registry(), hive::kCurrentUser, key);
-  SetHomePageKeyValue(registry(), key, "Start Page", std::string(kPage), ValueType::kString);
-  SetHomePageKeyValue(registry(), key, "Flag", 7U, ValueType::kDword);
+  SetHomePageKeyValue(services, key, "Start Page", std::string(kPage), ValueType::kString);
+  SetHomePageKeyValue(services, key, "Flag", 7U, ValueType::kDword);
   EXPECT_EQ(QueryText(registry(), hive::kCurrentUser, key, "Start Page"), kPage);
   EXPECT_EQ(QueryText(registry(), hive::kCurrentUser, key, "Flag"), "7");
 }

@@ -39,6 +39,7 @@ class RecordingWindow : public MainWindow {
     return restorePoint;
   }
   void Alert(const MemoryAlert& /*alert*/) override { Note("alert"); }
+  void AlertBrowserChange() override { Note("browser alert"); }
 
  private:
   void Note(const std::string& what) {

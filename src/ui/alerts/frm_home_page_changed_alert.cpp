@@ -50,7 +50,7 @@ void frmHomePageChangedAlert::Form_Load() {
 void frmHomePageChangedAlert::SaveSettingOfHomePageYes(const std::string& homePage) {
   Reporting(s_.log, "SaveSettingOfHomePageYes", [&] {
     s_.settings.Save(setting::kHomepage, homePage);
-    SetHomePageKeyValue(s_.platform.registry(), kKey, kValue, homePage, ValueType::kString);
+    SetHomePageKeyValue(s_, kKey, kValue, homePage, ValueType::kString);
   });
 }
 

@@ -38,6 +38,7 @@ constexpr std::array kCommands{
     Command{"scan", "", command::Scan},
     Command{"remove", "", command::Remove},
     Command{"report", "", command::Report},
+    Command{"browser", "", command::Browser, "setting, now, baseline, default"},
     Command{"expect", "NAME VALUE", command::Expect},
     Command{"wizard", "", command::Wizard},
     Command{"quit", "", command::Quit},

@@ -69,6 +69,7 @@ void WaitFor(Session& session, Words& words);
 void Scan(Session& session, Words& words);
 void Remove(Session& session, Words& words);
 void Report(Session& session, Words& words);
+void Browser(Session& session, Words& words);
 void Wizard(Session& session, Words& words);
 void Quit(Session& session, Words& words);
 void Help(Session& session, Words& words);

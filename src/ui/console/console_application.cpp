@@ -16,11 +16,14 @@ namespace {
 
 class ConsoleApplication : public ConsoleProgram {
  public:
-  ConsoleApplication(Host& host, std::unique_ptr<Platform> platform)
+  ConsoleApplication(Host& host, std::unique_ptr<Platform> platform, bool job)
       : host_(host),
         platform_(std::move(platform)),
         application_(*platform_, host,
-                     {.showSplash = false, .runWizard = false, .registersItself = false}) {}
+                     {.showSplash = false,
+                      .runWizard = false,
+                      .registersItself = false,
+                      .keepsGuard = !job}) {}
 
   bool Start() override { return application_.Main(); }
 
@@ -80,6 +83,10 @@ class ConsoleApplication : public ConsoleProgram {
     return application_.MainForm().engine().recovery().RestoreFellShort();
   }
 
+  std::vector<BrowserSettings::State> BrowserStates() override {
+    return application_.MainForm().engine().browserSettings().States();
+  }
+
   std::vector<std::string> FormNames() override {
     std::vector<std::string> names;
     for (const Forms::Entry& entry : application_.forms().All()) names.emplace_back(entry.name);
@@ -109,9 +116,8 @@ class ConsoleApplication : public ConsoleProgram {
 
 }  // namespace
 
-std::unique_ptr<ConsoleProgram> MakeConsoleApplication(Host& host,
-                                                       const std::string& machineFolder) {
-  return std::make_unique<ConsoleApplication>(host, OpenPlatform(machineFolder));
+std::unique_ptr<ConsoleProgram> MakeConsoleApplication(Host& host, const ProgramCall& call) {
+  return std::make_unique<ConsoleApplication>(host, OpenPlatform(call.machineFolder), call.job);
 }
 
 }  // namespace quarnel

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "controls/host.h"
+#include "protection/browser_settings.h"
 #include "recovery/removal_report.h"
 #include "ui/console/scan_summary.h"
 
@@ -36,6 +37,8 @@ class ConsoleProgram {
   virtual std::optional<RemovalReport> LastRemoval() = 0;
   // Whether a restore of this run left something behind that it was to bring back.
   virtual bool RestoreFellShort() = 0;
+  // The guarded settings of the browser as they stand. Writes nothing.
+  virtual std::vector<BrowserSettings::State> BrowserStates() = 0;
   // The names of all forms, loaded or not.
   virtual std::vector<std::string> FormNames() = 0;
   // Loads the form of this name, letter case folded, and shows it; false when there is none.
@@ -48,9 +51,15 @@ class ConsoleProgram {
   virtual void End() = 0;
 };
 
-// Makes the program on a host and a machine folder (empty: the usual one). RuntimeError when the
-// machine cannot be opened.
+// What a program is made for.
+struct ProgramCall {
+  std::string machineFolder;  // empty: the usual one
+  // One everyday job and no more: nothing that is due by the clock joins it.
+  bool job = false;
+};
+
+// Makes the program on a host. RuntimeError when the machine cannot be opened.
 using MakeProgram =
-    std::function<std::unique_ptr<ConsoleProgram>(Host& host, const std::string& machineFolder)>;
+    std::function<std::unique_ptr<ConsoleProgram>(Host& host, const ProgramCall& call)>;
 
 }  // namespace quarnel

@@ -93,7 +93,8 @@ int Run(const ConsoleCall& call, std::istream& script, const ConsoleStreams& str
   const bool byPerson = (job || call.kind == Kind::kPrompt) && streams.terminal.InputIsTerminal();
   ConsoleHost host(streams.err, {.person = byPerson ? &streams.terminal : nullptr,
                                  .tellsBoxes = job || byPerson});
-  const std::unique_ptr<ConsoleProgram> program = makeProgram(host, call.machineFolder);
+  const std::unique_ptr<ConsoleProgram> program =
+      makeProgram(host, {.machineFolder = call.machineFolder, .job = job});
   RecordWriter records(streams.out,
                        call.json ? RecordWriter::Format::kJson : RecordWriter::Format::kTabs);
   Session session{host, *program, streams.terminal, records};

@@ -23,6 +23,7 @@ frmMain::frmMain(Services services, Forms& forms, StartOptions startOptions)
   }
   WireMenu();
   WireTray();
+  if (!startOptions_.keepsGuard) engine_.TakeGuardsOff();
 }
 
 void frmMain::AskToCloseBrowser() { forms_.closeIE.Touch().ShowModal(); }
@@ -34,6 +35,8 @@ std::string frmMain::ChooseRestorePoint() { return forms_.restore.Touch().Choose
 
 // The alert's window joins with the guards; nothing inspects the memory outside a scan before.
 void frmMain::Alert(const MemoryAlert& /*alert*/) {}
+
+void frmMain::AlertBrowserChange() { forms_.bhr.Touch().Show(); }
 
 void frmMain::Form_Resize() {
   if (StateOfWindow() == WindowState::kMinimised) {

@@ -27,6 +27,8 @@ struct StartOptions {
   bool runWizard = true;
   // Whether a start writes the program's Run value as its option says, which a click does anyhow.
   bool registersItself = true;
+  // Whether guards and update look by themselves as time goes by.
+  bool keepsGuard = true;
 };
 
 // The one window: its pages, tabs, menu and tray icon, and its states on the screen. The work on
@@ -70,6 +72,7 @@ class frmMain : public Form, public Pages, public MainWindow {
   void DeImmunize() override;
   std::string ChooseRestorePoint() override;
   void Alert(const MemoryAlert& alert) override;
+  void AlertBrowserChange() override;
 
  protected:
   void Form_Load() override;

@@ -52,6 +52,7 @@ wxColour Of(Colour colour) {
     case Colour::kRed:
       return Attention();
     case Colour::kGreen:
+    case Colour::kDarkGreen:
     case Colour::kHighlight:
       return Good();
     case Colour::kBlack:

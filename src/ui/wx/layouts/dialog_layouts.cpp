@@ -151,6 +151,24 @@ FormLayout HomePageLayout() {
           .defaultButton = "cmdYes"};
 }
 
+FormLayout BrowserAlertLayout() {
+  return {.form = "frmBHR",
+          .kind = WindowKind::kPopup,
+          .content =
+              Column({
+                         Row({Picture("message-exclamation", kLargeIcon),
+                              Column({Put("lblApproval").As(Role::kHeading).Wide(kMessageWidth),
+                                      Put("lblChangingTo").As(Role::kWrapped).Wide(kMessageWidth),
+                                      Put("lblDefault").As(Role::kWrapped).Wide(kMessageWidth),
+                                      Put("lblAdvise").As(Role::kWrapped).Wide(kMessageWidth)})})
+                             .Gap(kWideGap),
+                         Put("chkRememberURL"),
+                         Row({Spring(), Put("cmdBlock").As(Role::kPrimary), Put("cmdAllow")}),
+                     })
+                  .Gap(kWideGap)
+                  .Padding(kDialogPadding)};
+}
+
 FormLayout ShieldLayout(std::string_view form) {
   return {.form = form,
           .content = Column({
@@ -267,6 +285,7 @@ std::vector<FormLayout> DialogLayouts() {
   layouts.push_back(DefinitionsLayout());
   layouts.push_back(ApproveLayout());
   layouts.push_back(HomePageLayout());
+  layouts.push_back(BrowserAlertLayout());
   layouts.push_back(ConnectionLayout());
   layouts.push_back(ShieldLayout("frmImmunize"));
   layouts.push_back(ShieldLayout("frmDeImmunize"));

@@ -340,16 +340,21 @@ Layout DefenderLayout() {
       {Column({Put("lvwBrowserHijackRestore").Called("Settings of the browser").Ticks().Grow(),
                Put("lvwAllowedBlockedURLs").Called("Allowed and blocked addresses").Ticks().Grow()})
            .Grow(),
-       Put("lblNotReadYet").As(Role::kMuted),
-       Card({}, {Put("lblSetting").As(Role::kStrong), Field("Now", "txtCurrentSetting"),
-                 Field("Restores to", "txtRestoreSettingTo"),
-                 Field("As installed", "txtInternetExplorerDefaultSetting"),
+       Card({}, {Put("lblSetting").As(Role::kStrong),
+                 Row({Column({Field("Current setting:", "txtCurrentSetting"),
+                              Field("Restore to:", "txtRestoreSettingTo"),
+                              Field("IE default setting:", "txtInternetExplorerDefaultSetting")})
+                          .Grow(3),
+                      Put("txtSetting").Called("Description").High(kTextHeight).Grow(2)}),
                  Put("lblChangeRestoreURL").As(Role::kLink).Narrow()}),
        Row({Put("chlSelectAllBHR"), Put("lblHint").As(Role::kMuted), Spring()}),
        Row({Put("imgListOfAllowedBlockedURLs").Called("List of Allowed/Blocked &URLs"),
             Put("imgSwitchTORestoreListOfURLs").Called("S&witch to Restore List of URLs"), Spring(),
             Put("imgRemoveAllowRestoreURLs").Called("Re&move").With("remove"),
-            Put("imgRestore").Called("&Restore settings").With("restore").As(Role::kPrimary)})});
+            Put("imgRestore")
+                .Called("&Restore Internet Explorer Settings")
+                .With("restore")
+                .As(Role::kPrimary)})});
 }
 
 Layout AdvancedLayout() {
@@ -405,7 +410,7 @@ FormLayout MainLayout() {
                  "cmdCheckUncheckAll", "lvwTrackingCookieObjectrecognized", "lvwFileNotFounds",
                  "lvwBlockedCookies", "lvwIgnoredSpywares", "lvwRegBackup", "cmdIgnoredProcesses",
                  "cmdViewResults", "lblTotalSpywares", "cmdcancel", "lblEnableAutoScan", "picLeft",
-                 "Label34", "vbatvwStartup", "txtSetting", "vbaPrgBar"},
+                 "Label34", "vbatvwStartup", "vbaPrgBar"},
   };
 }
 
