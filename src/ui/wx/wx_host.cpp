@@ -133,7 +133,7 @@ void WxHost::Arm() {
   const Milliseconds now = clock().Ticks();
   Milliseconds pause = kWatchPause;
   if (const auto next = NextDue()) pause = std::min(pause, *next - now);
-  if (nextShow_ > Now()) pause = std::min(pause, nextShow_ - Now());
+  if (stale_ && nextShow_ > Now()) pause = std::min(pause, nextShow_ - Now());
   timer_.StartOnce(static_cast<int>(std::max(pause, Milliseconds(1)).count()));
 }
 
@@ -170,6 +170,7 @@ Milliseconds WxHost::StillPause() const {
 // ---- windows -----------------------------------------------------------------------------------
 
 void WxHost::SyncIfDue() {
+  stale_ = true;
   // A working handler's event processing shows changes in its own time.
   if (nextPump_ != kNoPump && Now() >= nextShow_) Sync();
 }
@@ -177,6 +178,7 @@ void WxHost::SyncIfDue() {
 void WxHost::Sync() {
   if (syncing_ || ended_) return;
   syncing_ = true;
+  stale_ = false;
   nextShow_ = Now() + kFrame;
   const std::vector<Form*> forms = LoadedForms();
   for (Form* form : forms) {

@@ -97,6 +97,8 @@ class WxHost : public Host {
   std::vector<Waiting> waits_;
   Milliseconds nextPump_{0};
   Milliseconds nextShow_{0};
+  // A handler may have changed what shows since the last Sync.
+  bool stale_ = true;
   // Since when the windows stand still inside the working handler.
   Milliseconds stillSince_{0};
   // Of showing changes the last time, with the painting that followed; at first that of a page.
