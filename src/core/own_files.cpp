@@ -1,10 +1,12 @@
 #include "core/own_files.h"
 
+#include <utility>
 #include <vector>
 
 #include "base/runtime_error.h"
 #include "core/paths.h"
 #include "core/product.h"
+#include "platform/held_folders.h"
 
 namespace quarnel {
 namespace {
@@ -91,6 +93,33 @@ void AppendToOwnFile(Files& files, Machine& machine, std::string_view path,
   WriteEither(
       files, machine, [&] { AppendToFile(files, path, bytes); },
       [&] { AppendToFile(files, UsersCopy(machine, path), bytes); });
+}
+
+std::string OwnFolderToWrite(Files& files, Machine& machine, std::string_view path) {
+  std::string folder(path);
+  // Whether files can be made in a folder shows when one is. What lies in it is on the disk only
+  // when it is.
+  const auto tryOut = [&] {
+    const auto folders = files.HoldFolders();
+    folders->Make(folder);
+    folders->Flush();
+    const std::string probe = TemporaryName(folder + "\\probe");
+    files.Open(probe, OpenMode::kReadWrite);
+    files.Delete(probe);
+  };
+  WriteEither(files, machine, tryOut, [&] {
+    folder = UsersCopy(machine, path);
+    tryOut();
+  });
+  return folder;
+}
+
+std::vector<std::string> OwnFolders(Machine& machine, std::string_view path) {
+  std::vector<std::string> folders{std::string(path)};
+  if (std::string copy = UsersCopy(machine, path); !copy.empty()) {
+    folders.push_back(std::move(copy));
+  }
+  return folders;
 }
 
 void DeleteOwnFile(Files& files, Machine& machine, std::string_view path) {

@@ -3,6 +3,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/files.h"
 #include "platform/machine.h"
@@ -24,6 +25,12 @@ std::string OwnFileToWrite(Files& files, Machine& machine, std::string_view path
 void ReplaceOwnFile(Files& files, Machine& machine, std::string_view path, std::string_view bytes);
 void ReplaceOwnFiles(Files& files, Machine& machine, std::span<const WholeFile> wanted);
 void AppendToOwnFile(Files& files, Machine& machine, std::string_view path, std::string_view bytes);
+
+// The same for a folder of the program's own whose files are told apart by their names: where new
+// ones go, and where they are to be looked for, the described place first. It is made when there is
+// none. Raises when it may be written nowhere.
+std::string OwnFolderToWrite(Files& files, Machine& machine, std::string_view path);
+std::vector<std::string> OwnFolders(Machine& machine, std::string_view path);
 
 // After this the file reads as missing, or as empty where the described one may not be deleted.
 void DeleteOwnFile(Files& files, Machine& machine, std::string_view path);

@@ -4,8 +4,8 @@
 
 #include "base/text.h"
 #include "core/existing_files.h"
+#include "core/own_files.h"
 #include "core/paths.h"
-#include "platform/held_folders.h"
 #include "recovery/archive.h"
 #include "recovery/manifest.h"
 #include "recovery/registry_backup.h"
@@ -38,10 +38,7 @@ BackupReport Backup::BackupSpyware() {
   Manifest manifest;
   const bool madeFolder = Reporting(u_.log, "BackupSpyware", [&] {
     try {
-      const auto folders = u_.files.HoldFolders();
-      folders->Make(report.folder);
-      // What lies in it is on the disk only when it is.
-      folders->Flush();
+      report.folder = OwnFolderToWrite(u_.files, u_.machine, report.folder);
     } catch (const RuntimeError& error) {
       report.failures.push_back({report.folder, error.Description()});
       throw;
@@ -65,7 +62,7 @@ BackupReport Backup::BackupSpyware() {
 
 // A path of the restore point that no earlier file stands at.
 std::string Backup::FreshFile(const BackupReport& report, std::string_view ending) {
-  std::string path = RestorePointFile(u_.machine, report.stem, ending);
+  std::string path = report.folder + "\\" + report.stem + std::string(ending);
   IgnoringErrors([&] { u_.files.Delete(path); });
   return path;
 }

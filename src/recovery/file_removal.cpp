@@ -2,7 +2,9 @@
 
 #include "base/text.h"
 #include "core/existing_files.h"
+#include "core/own_files.h"
 #include "core/paths.h"
+#include "platform/names.h"
 #include "recovery/safe_path.h"
 
 namespace quarnel {
@@ -29,6 +31,11 @@ std::string FileRemoval::WhyRefused(std::string_view path) {
   return {};
 }
 
+std::string FileRemoval::NameAt(std::string_view path) {
+  const auto entry = files_.Stat(path);
+  return entry ? entry->name : std::string();
+}
+
 bool FileRemoval::IsListed(std::string_view path) { return FileExists(files_, path); }
 
 void FileRemoval::Delete(std::string_view path) {
@@ -43,6 +50,7 @@ void FileRemoval::Delete(std::string_view path) {
 bool FileRemoval::DeleteByExtension(std::string_view path, FileOutcome& outcome) {
   lastFailure_.clear();
   outcome = {};
+  handled_ = {.path = std::string(path), .name = NameAt(path)};
   // A text without a backslash names no file, and none is looked for.
   if (path.find('\\') != std::string_view::npos) outcome.obstacle = WhyRefused(path);
   if (!outcome.obstacle.empty()) {
@@ -77,7 +85,7 @@ bool FileRemoval::StopThisProcess(std::string_view exeName) {
         Trim(BeforePoint(std::string_view(base).substr(0, kComparedLength)));
     u_.host.DoEvents();
     // A record without a path has no name to compare.
-    if (base.empty() || !EqualText(name, wanted)) continue;
+    if (base.empty() || !EqualNames(name, wanted)) continue;
     id = record.id;
     break;
   }
@@ -125,9 +133,8 @@ bool FileRemoval::DeleteSpywareFile(std::string_view path) {
 }
 
 std::string FileRemoval::QuarantineName(std::string_view path) {
-  const std::string folder =
-      GetPathWithSlash(u_.machine.ProgramFolder()) + std::string(kQuarantine);
-  if (!files_.Stat(folder)) files_.CreateFolder(folder);
+  const std::string folder = OwnFolderToWrite(
+      files_, u_.machine, GetPathWithSlash(u_.machine.ProgramFolder()) + std::string(kQuarantine));
   const std::string target = folder + "\\" + QuarantinedName(path.substr(path.rfind('\\') + 1));
   std::string name = target;
   const bool strict = u_.settings.Get(setting::kStrict) == 1;
@@ -139,7 +146,10 @@ std::string FileRemoval::QuarantineName(std::string_view path) {
 
 void FileRemoval::MoveThisFile(std::string_view path, FileOutcome& outcome) {
   try {
-    if (!files_.Stat(path)) return;
+    // Where names may differ in letter case alone, a deleted file's place shows its twin.
+    const std::string present = NameAt(path);
+    const bool isTwin = handled_.path == path && !handled_.name.empty() && handled_.name != present;
+    if (present.empty() || isTwin) return;
     if (!IsListed(path)) {
       outcome.obstacle = "a hidden file is left alone";
       return;

@@ -57,6 +57,8 @@ class FileRemoval {
  private:
   // Why nothing may be done at the path; empty when it may.
   std::string WhyRefused(std::string_view path);
+  // The name of what stands at the path; empty when nothing does.
+  std::string NameAt(std::string_view path);
   // Whether a directory search gives the path's own name, letter case folded.
   bool IsListed(std::string_view path);
   void Delete(std::string_view path);
@@ -65,6 +67,11 @@ class FileRemoval {
   Uses u_;
   Files& files_;
   std::string lastFailure_;
+  // What DeleteByExtension was last told to delete, and the name that stood there.
+  struct Handled {
+    std::string path;
+    std::string name;
+  } handled_;
 };
 
 // The name under which a file lies in the quarantine: the decimal codes of its characters.

@@ -28,6 +28,16 @@ std::string_view EndingOf(ArchiveKind kind) {
   return kind == ArchiveKind::kFiles ? restore_point::kFiles : restore_point::kCookies;
 }
 
+std::string_view ListEndingOf(ArchiveKind kind) {
+  return kind == ArchiveKind::kFiles ? restore_point::kFileDetails : restore_point::kCookieDetails;
+}
+
+bool HasEntries(Files& files, const std::string& archive) {
+  bool any = false;
+  ReadArchive(files, archive, [&any](ArchiveEntry&) { any = true; });
+  return any;
+}
+
 // Which item a line of the registry text is about does not matter to it: any intact line may stand
 // anywhere.
 class IntactLines {
@@ -103,7 +113,8 @@ void Restore::Naming(std::string_view what, std::string_view label, const Handle
 
 RestoreReport Restore::RestoreSpyware(std::string_view stem) {
   report_ = {};
-  const std::string manifestPath = RestorePointFile(u_.machine, stem, restore_point::kManifest);
+  const std::string manifestPath =
+      RestorePointFile(u_.files, u_.machine, stem, restore_point::kManifest);
   Naming(manifestPath, "RestoreSpyware", [&] {
     const RestoreNote note(u_.files, u_.machine, stem);
     const bool strict = u_.settings.Get(setting::kStrict) == 1;
@@ -150,18 +161,25 @@ void Restore::RestoreStrictly(std::string_view stem, const std::string& manifest
 }
 
 void Restore::RestoreAsDescribed(std::string_view stem, const ManifestReading* manifest) {
-  const std::string registry = RestorePointFile(u_.machine, stem, restore_point::kRegistry);
+  const std::string registry =
+      RestorePointFile(u_.files, u_.machine, stem, restore_point::kRegistry);
   if (FileExists(u_.files, registry)) {
     RestoreRegistry(registry, manifest);
-  } else if (manifest != nullptr && !manifest->manifest.texts.empty()) {
+  } else if (manifest != nullptr && (manifest->faults > 0 || !manifest->manifest.texts.empty())) {
     Fail(registry, "the file is missing");
   }
   for (const ArchiveKind kind : {ArchiveKind::kFiles, ArchiveKind::kCookies}) {
-    const std::string archive = RestorePointFile(u_.machine, stem, EndingOf(kind));
+    const std::string archive = RestorePointFile(u_.files, u_.machine, stem, EndingOf(kind));
     if (manifest == nullptr && !FileExists(u_.files, archive)) continue;
     Naming(archive, LabelOf(kind), [&] {
-      manifest != nullptr ? ExtractByManifest(archive, kind, *manifest)
-                          : ExtractAll(archive, kind, nullptr);
+      if (manifest != nullptr) return ExtractByManifest(archive, kind, *manifest);
+      ExtractAll(archive, kind, nullptr);
+      if (HasEntries(u_.files, archive)) return;
+      // One without entries looks like one that lost them all; the list beside it tells.
+      const std::string list = RestorePointFile(u_.files, u_.machine, stem, ListEndingOf(kind));
+      if (FileExists(u_.files, list) && !ReadWholeFile(u_.files, list).empty()) {
+        Fail(archive, "it is empty, and the list beside it is not");
+      }
     });
   }
   u_.page.picBackupProgress.SetVisible(false);
@@ -303,7 +321,7 @@ void Restore::PutBelowRoot(const std::string& entry, ArchiveKind kind, FileResto
 
 void Restore::NameUnlisted(std::string_view stem, ArchiveKind kind, const Manifest& manifest) {
   const std::set<std::string> listed = EntriesOf(manifest, kind);
-  const std::string archive = RestorePointFile(u_.machine, stem, EndingOf(kind));
+  const std::string archive = RestorePointFile(u_.files, u_.machine, stem, EndingOf(kind));
   IgnoringErrors([&] {
     ReadArchive(u_.files, archive, [&](ArchiveEntry& entry) {
       if (!listed.contains(entry.Name())) Fail(entry.Name(), "it has no intact record");

@@ -4,6 +4,7 @@
 
 #include "base/runtime_error.h"
 #include "base/text.h"
+#include "core/own_files.h"
 #include "recovery/archive.h"
 #include "recovery/manifest.h"
 #include "recovery/restore_point.h"
@@ -22,7 +23,7 @@ std::set<std::string> TargetsOf(Files& files, Machine& machine, std::string_view
     if (!IsSideEntry(entry)) targets.insert(PlaceBelowRoot(machine, entry));
   };
   IgnoringErrors([&] {
-    const std::string path = RestorePointFile(machine, stem, restore_point::kManifest);
+    const std::string path = RestorePointFile(files, machine, stem, restore_point::kManifest);
     for (const FileItem& item : ReadManifest(ReadWholeFile(files, path), stem).manifest.files) {
       targets.insert(item.path);
       addEntry(item.entry);
@@ -31,7 +32,7 @@ std::set<std::string> TargetsOf(Files& files, Machine& machine, std::string_view
   if (!targets.empty()) return targets;
   for (const std::string_view ending : {restore_point::kFiles, restore_point::kCookies}) {
     IgnoringErrors([&] {
-      ReadArchive(files, RestorePointFile(machine, stem, ending),
+      ReadArchive(files, RestorePointFile(files, machine, stem, ending),
                   [&](ArchiveEntry& entry) { addEntry(entry.Name()); });
     });
   }
@@ -41,29 +42,31 @@ std::set<std::string> TargetsOf(Files& files, Machine& machine, std::string_view
 }  // namespace
 
 RestoreNote::RestoreNote(Files& files, Machine& machine, std::string_view stem)
-    : files_(files), path_(NotePath(machine)) {
-  IgnoringErrors([&] { ReplaceWholeFile(files_, path_, stem); });
+    : files_(files), machine_(machine) {
+  IgnoringErrors([&] { ReplaceOwnFile(files_, machine_, NotePath(machine_), stem); });
 }
 
 RestoreNote::~RestoreNote() {
-  IgnoringErrors([&] { files_.Delete(path_); });
+  IgnoringErrors([&] { DeleteOwnFile(files_, machine_, NotePath(machine_)); });
 }
 
 void ClearLeftovers(Files& files, Machine& machine) {
-  IgnoringErrors([&] {
-    for (const DirectoryEntry& entry : files.List(BackupFolder(machine))) {
-      if (!IsTemporaryName(entry.name)) continue;
-      IgnoringErrors([&] { files.Delete(BackupFolder(machine) + "\\" + entry.name); });
-    }
-  });
-  const std::string note = NotePath(machine);
+  for (const std::string& folder : BackupFolders(machine)) {
+    IgnoringErrors([&] {
+      for (const DirectoryEntry& entry : files.List(folder)) {
+        if (!IsTemporaryName(entry.name)) continue;
+        IgnoringErrors([&] { files.Delete(folder + "\\" + entry.name); });
+      }
+    });
+  }
+  const std::string note = OwnFileToRead(files, machine, NotePath(machine));
   if (!files.Stat(note)) return;
   IgnoringErrors([&] {
     for (const std::string& target : TargetsOf(files, machine, ReadWholeFile(files, note))) {
       if (!WhyUnsafe(target).empty()) continue;
       IgnoringErrors([&] { files.WithoutLinks().Delete(TemporaryName(target)); });
     }
-    files.Delete(note);
+    DeleteOwnFile(files, machine, NotePath(machine));
   });
 }
 

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <string>
 #include <string_view>
 
 #include "platform/files.h"
@@ -21,7 +20,7 @@ class RestoreNote {
 
  private:
   Files& files_;
-  std::string path_;
+  Machine& machine_;
 };
 
 // Deletes what a killed backup or restore left under temporary names: at the start of the program,

@@ -2,8 +2,10 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "base/date_time.h"
+#include "platform/files.h"
 #include "platform/machine.h"
 
 // The files of a restore point: they lie in one folder and share a stem.
@@ -21,15 +23,19 @@ inline constexpr std::string_view kManifest = "_MANIFEST.bkp";
 inline constexpr std::string_view kSeparator = "[[-]]";
 }  // namespace restore_point
 
-// The folder of all restore points, without a backslash at its end.
+// The described folder of all restore points, without a backslash at its end. One made by a user
+// who may not write there lies in a folder of his own; all of them are looked for in both.
 std::string BackupFolder(Machine& machine);
+std::vector<std::string> BackupFolders(Machine& machine);
 
 // The stem of a restore point that is made at this moment: the seconds of the day, "_", and the
 // date and time in digits, which the list of restore points shows.
 std::string StemOf(DateTime moment);
 
-// The path of one of a restore point's files.
+// The path of one of a restore point's files, in the described folder or wherever it stands.
 std::string RestorePointFile(Machine& machine, std::string_view stem, std::string_view ending);
+std::string RestorePointFile(Files& files, Machine& machine, std::string_view stem,
+                             std::string_view ending);
 
 // The root below which a plain restore puts everything, and the place there of an archive's entry.
 std::string RestoreRoot(Machine& machine);

@@ -20,9 +20,10 @@ void StrictRestore::Run(const Manifest& manifest) {
   for (const KeyItem& item : manifest.keys) RestoreKey(item);
   for (const ValueItem& item : manifest.values) RestoreValue(item);
   key_.reset();
-  StoredCopies files(u_.files, RestorePointFile(u_.machine, manifest.stem, restore_point::kFiles));
-  StoredCopies cookies(u_.files,
-                       RestorePointFile(u_.machine, manifest.stem, restore_point::kCookies));
+  StoredCopies files(u_.files,
+                     RestorePointFile(u_.files, u_.machine, manifest.stem, restore_point::kFiles));
+  StoredCopies cookies(
+      u_.files, RestorePointFile(u_.files, u_.machine, manifest.stem, restore_point::kCookies));
   FileRestorer restorer(u_.files);
   for (const FileItem& item : manifest.files) {
     Step();

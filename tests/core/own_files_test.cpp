@@ -55,6 +55,20 @@ TEST_F(OwnFiles, StandWhereTheUserMayWriteAndTheNewerIsRead) {
   EXPECT_FALSE(Exists(path) || Exists(copy));
 }
 
+TEST_F(OwnFiles, FoldersAreMadeWhereTheUserMayWrite) {
+  const std::string folder = GetPathWithSlash(machine().ProgramFolder()) + "OwnFolder";
+  const std::vector<std::string> both = OwnFolders(machine(), folder);
+  EXPECT_EQ(both.front(), folder);
+  Unlock();
+  // One that stands and may not be written is none.
+  for (const size_t place : {0U, 1U}) {
+    EXPECT_EQ(OwnFolderToWrite(failing, machine(), folder), both.at(place));
+    EXPECT_TRUE(files().List(both[place]).empty());
+    Lock();
+  }
+  for (const std::string& made : both) files().DeleteFolder(made);
+}
+
 TEST_F(OwnFiles, OtherFailuresGoUpAndLeaveNoCopy) {
   failing.failAt = 1;
   Unlock();

@@ -277,11 +277,12 @@ std::vector<std::string> Changed(const Traces& before, const Traces& now) {
 
 std::vector<std::string> RestorePoints(Platform& platform) {
   std::vector<std::string> stems;
-  const std::string folder = BackupFolder(platform.machine());
-  if (!platform.files().Stat(folder)) return stems;
-  for (const DirectoryEntry& entry : platform.files().List(folder)) {
-    if (!entry.name.ends_with(restore_point::kManifest)) continue;
-    stems.push_back(entry.name.substr(0, entry.name.size() - restore_point::kManifest.size()));
+  for (const std::string& folder : BackupFolders(platform.machine())) {
+    if (!platform.files().Stat(folder)) continue;
+    for (const DirectoryEntry& entry : platform.files().List(folder)) {
+      if (!entry.name.ends_with(restore_point::kManifest)) continue;
+      stems.push_back(entry.name.substr(0, entry.name.size() - restore_point::kManifest.size()));
+    }
   }
   return stems;
 }
@@ -321,7 +322,8 @@ std::string TornStateFiles(Platform& platform) {
   const std::string report = RemovalReportPath(platform.machine());
   if (FileExists(files, report) && !LoadRemovalReport(files, platform.machine())) torn += report;
   for (const std::string& stem : RestorePoints(platform)) {
-    const std::string path = RestorePointFile(platform.machine(), stem, restore_point::kManifest);
+    const std::string path =
+        RestorePointFile(files, platform.machine(), stem, restore_point::kManifest);
     for (const std::string& damage : ReadManifest(ReadWholeFile(files, path), stem).damage) {
       torn.append(" ").append(path).append(": ").append(damage);
     }

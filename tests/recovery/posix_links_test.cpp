@@ -57,17 +57,18 @@ TEST_F(LinksTest, WhatCannotBeLookedAtIsNotCalledGone) {
   EXPECT_EQ(report.traces.front().detail, "it could not be looked at");
 }
 
-TEST_F(LinksTest, OfTwoNamesThatDifferInLetterCaseTheRightOneIsTold) {
-  const fs::path gone = HostOf(Make("Twin.txt"));
-  std::ofstream(gone.parent_path() / "tWIN.txt") << "x";
-  for (const char* name : {"Twin.txt", "tWIN.txt"}) AddRow(Path(name));
+TEST_F(LinksTest, OfTwoNamesThatDifferInLetterCaseTheRightOneGoesAndIsTold) {
+  const fs::path gone = HostOf(Make("Twin.exe"));
+  std::ofstream(gone.parent_path() / "tWIN.exe") << "x";
+  for (const char* name : {"Twin.exe", "tWIN.exe"}) AddRow(Path(name));
   for (const size_t row : {0U, 1U}) results.lvwFilesToBeDeleted.SetChecked(row, true);
   RemovalRecord record({.results = results,
                         .files = files(),
                         .registry = registry(),
                         .processes = platform().processes()},
                        "now");
-  fs::remove(gone);
+  // A program's file is deleted and then looked for once more.
+  EXPECT_EQ(Remove(Path("Twin.exe")).quarantine, "");
   const RemovalReport report = record.Conclude("");
   ASSERT_EQ(report.traces.size(), 2U);
   EXPECT_EQ(report.traces[0].fate, Fate::kRemoved);
@@ -88,8 +89,10 @@ TEST_F(LinksTest, AQuarantineThatIsALinkTakesNothing) {
   fs::create_directory_symlink(HostOf(Path("elsewhere")), HostOf(quarantine));
   FileOutcome outcome;
   removal.MoveThisFile(Make("a.txt"), outcome);
-  EXPECT_NE(outcome.obstacle, "");
-  EXPECT_TRUE(Exists(Path("a.txt")));
+  // It is as good as one that may not be written, instead of which there is the user's own.
+  EXPECT_NE(outcome.quarantine.find("\\Quarnel\\Quarantine\\"), std::string::npos);
+  EXPECT_EQ(outcome.quarantine.find(quarantine), std::string::npos);
+  EXPECT_TRUE(Exists(outcome.quarantine));
   EXPECT_TRUE(Names(Path("elsewhere")).empty());
 }
 

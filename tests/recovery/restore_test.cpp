@@ -142,6 +142,11 @@ TEST_F(RestoreTest, NamesEveryEntryThatDidNotComeBack) {
          WriteWholeFile(files(), archive, bytes.substr(0, bytes.size() - 30));
        },
        "_FILESBK.bkp"},
+      {"no entries",
+       [&](const std::string& archive, const std::string&) {
+         WriteWholeFile(files(), archive, "");
+       },
+       "_FILESBK.bkp - it is empty"},
       {"a folder in its place",
        [&](const std::string&, const std::string& file) { files().CreateFolder(file); },
        "second.exe"},
@@ -160,6 +165,17 @@ TEST_F(RestoreTest, NamesEveryEntryThatDidNotComeBack) {
     EXPECT_NE(Told().find(test.named), std::string::npos) << Told();
     host.virtualClock().Pass(std::chrono::seconds(1));
   }
+}
+
+// What a manifest had to tell of the registry is not known when it is damaged.
+TEST_F(RestoreTest, NamesAMissingTextWhenTheManifestIsDamaged) {
+  SetValue("Key", "v", Text("x"));
+  AddTrace("Key");
+  const BackupReport report = backup.BackupSpyware();
+  WriteWholeFile(files(), PointFile(report, restore_point::kManifest), "cut");
+  files().Delete(PointFile(report, restore_point::kRegistry));
+  EXPECT_FALSE(restore.RestoreSpyware(report.stem).Complete());
+  EXPECT_NE(Told().find("_REGBK.bkp - the file is missing"), std::string::npos) << Told();
 }
 
 TEST(Manifests, OfNothingButFaultsTakeLittleRoom) {

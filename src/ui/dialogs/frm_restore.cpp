@@ -76,8 +76,12 @@ void frmRestore::Form_Load() {
 }
 
 void frmRestore::ListRestorePoints() {
-  const std::string folder = BackupFolder(s_.platform.machine());
-  if (!s_.platform.files().Stat(folder)) return;
+  for (const std::string& folder : BackupFolders(s_.platform.machine())) {
+    if (s_.platform.files().Stat(folder)) ListRestorePoints(folder);
+  }
+}
+
+void frmRestore::ListRestorePoints(const std::string& folder) {
   for (const DirectoryEntry& entry : s_.platform.files().List(folder)) {
     s_.host.DoEvents();
     const bool listed = FindText(entry.name, restore_point::kFiles) != std::string::npos;
@@ -141,10 +145,11 @@ void frmRestore::cmdDeleteBackup_Click() {
     }
     const size_t row = SelectedRow();
     const std::string stem = lvwBackups.At(row).text;
+    Files& files = s_.platform.files();
     for (const std::string_view ending : {restore_point::kFiles, restore_point::kRegistry,
                                           restore_point::kFileDetails, restore_point::kManifest}) {
-      const std::string path = RestorePointFile(s_.platform.machine(), stem, ending);
-      if (FileExists(s_.platform.files(), path)) s_.platform.files().Delete(path);
+      const std::string path = RestorePointFile(files, s_.platform.machine(), stem, ending);
+      if (FileExists(files, path)) files.Delete(path);
     }
     lvwBackups.Remove(row);
     if (!lvwBackups.Empty()) lvwBackups.Select(std::min(row, lvwBackups.Count() - 1));

@@ -30,6 +30,7 @@ class frmRestore : public Form {
 
  private:
   void ListRestorePoints();
+  void ListRestorePoints(const std::string& folder);
   void SelectNewest();
   void EnableButtons();
   void cmdOK_Click();
