@@ -8,6 +8,7 @@
 #include "base/runtime_error.h"
 #include "base/text.h"
 #include "core/paths.h"
+#include "platform/names.h"
 
 namespace quarnel {
 namespace {
@@ -45,6 +46,10 @@ bool MatchesWildcards(std::string_view name, std::string_view pattern) {
 
 bool MatchesFilePattern(std::string_view name, std::string_view pattern) {
   if (pattern.empty()) return false;
+  if (!IsAscii(name) && !IsAscii(pattern)) {
+    const std::string folded = FoldName(name);
+    if (folded != name) return MatchesFilePattern(folded, FoldName(pattern));
+  }
   if (MatchesWildcards(name, pattern)) return true;
   return pattern.ends_with(".*") && name.find('.') == std::string_view::npos &&
          MatchesWildcards(name, pattern.substr(0, pattern.size() - 2));

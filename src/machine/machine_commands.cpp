@@ -135,8 +135,7 @@ int Query(Arguments arguments, const Streams& streams) {
 }
 
 int Sample(Arguments arguments, const Streams& streams) {
-  // Here, where a running system stands as well.
-  const std::unique_ptr<Platform> platform = OpenMachine(arguments.empty() ? "." : arguments[0]);
+  const auto platform = arguments.empty() ? OpenPlatform("") : OpenMachine(arguments[0]);
   const PlantedSample sample = PlantSample(*platform);
   for (const PlantedTrace& trace : sample.traces) {
     streams.out << PlantedKindName(trace.kind) << '\t' << trace.threat << '\t' << trace.trace
@@ -161,7 +160,9 @@ constexpr Command kCommands[] = {
     {"reg import", 2, 3, Import, "reg import DIR FILE [KEY]", "takes a .reg file over"},
     {"reg export", 2, 3, Export, "reg export DIR FILE [KEY]", "writes a .reg file"},
     {"reg query", 2, 3, Query, "reg query DIR KEY [VALUE]", "shows a key or a value"},
-    {"sample", 0, 1, Sample, "sample [DIR]", "plants harmless threats and their signatures"},
+    {"sample", 0, 1, Sample, "sample [DIR]",
+     "plants harmless threats and their signatures; without DIR on the machine that quarnel works "
+     "on"},
 };
 
 std::string Usage() {

@@ -73,6 +73,8 @@ std::string StatusText(RegistryStatus status) {
       return "not there";
     case RegistryStatus::kAccessDenied:
       return "access denied";
+    case RegistryStatus::kWriteProtected:
+      return "write-protected";
     case RegistryStatus::kInvalidHandle:
       return "no such root key";
     case RegistryStatus::kKeyDeleted:

@@ -64,7 +64,7 @@ SocketHandle CSocket::vbSocket() {
     system().Close(std::exchange(handle_, kNoSocket));
     throw RuntimeError(ErrorNumber::kDeviceError);
   } catch (const RuntimeError& error) {
-    support_.log().WriteErrorLog("vbSocket", error);
+    support_.log().NoteInPassing("vbSocket", error);
     throw;
   }
 }

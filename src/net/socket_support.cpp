@@ -33,7 +33,7 @@ int SocketSupport::InitWinsockService() {
     try {
       throw RuntimeError(ErrorNumber::kDeviceError, StartFailureText(error), error);
     } catch (const RuntimeError& failure) {
-      log_.WriteErrorLog("InitWinsockService", failure);
+      log_.NoteInPassing("InitWinsockService", failure);
       throw;
     }
   }

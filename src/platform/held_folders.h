@@ -8,8 +8,8 @@
 #include <string_view>
 #include <vector>
 
-#include "base/text.h"
 #include "platform/files.h"
+#include "platform/names.h"
 
 namespace quarnel {
 
@@ -100,7 +100,7 @@ class HeldFoldersByPath : public HeldFolders {
  private:
   Files& files_;
   Hold hold_;
-  std::map<std::string, std::unique_ptr<HeldFolderByPath>, LessText> folders_;
+  std::map<std::string, std::unique_ptr<HeldFolderByPath>, LessNames> folders_;
 };
 
 }  // namespace quarnel

@@ -14,4 +14,11 @@ std::string FoldName(std::string_view name);
 
 bool EqualNames(std::string_view left, std::string_view right);
 
+// Sorts equal names together.
+struct LessNames {
+  bool operator()(std::string_view left, std::string_view right) const {
+    return FoldName(left) < FoldName(right);
+  }
+};
+
 }  // namespace quarnel

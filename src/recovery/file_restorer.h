@@ -9,9 +9,9 @@
 #include <vector>
 
 #include "base/runtime_error.h"
-#include "base/text.h"
 #include "platform/files.h"
 #include "platform/held_folders.h"
+#include "platform/names.h"
 
 namespace quarnel {
 
@@ -77,7 +77,7 @@ class FileRestorer {
   Files& files_;
   std::unique_ptr<HeldFolders> folders_;  // those of written_, and those that were looked into
   std::vector<Written> written_;
-  std::set<std::string, LessText> taken_;  // the paths of their temporary names
+  std::set<std::string, LessNames> taken_;  // the paths of their temporary names
   uint64_t bytes_ = 0;
 };
 

@@ -102,7 +102,7 @@ std::string RegistryBackup::BackupRegistry(std::string_view path) {
     return {};
   } catch (const RuntimeError& error) {
     u_.page.picBackupProgress.SetVisible(false);
-    u_.log.WriteErrorLog("BackupRegistry", error);
+    u_.log.NoteInPassing("BackupRegistry", error);
     lines_.clear();
     return error.Description();
   }

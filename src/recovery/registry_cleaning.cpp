@@ -40,7 +40,7 @@ std::optional<size_t> RegistryCleaning::NextRow(std::string_view& hiveName) {
     // A handle without a name keeps that of the row before, also over walks.
     if (const std::string_view name = HiveName(trace.hive); !name.empty()) hiveName = name;
     const std::string text = RegistryTraceText(hiveName, trace.key, trace.valueName);
-    if (!u_.results.lvwIgnoredSpywares.FindText(text)) return i;
+    if (!FindName(u_.results.lvwIgnoredSpywares, text)) return i;
   }
   return std::nullopt;
 }

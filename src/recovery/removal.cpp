@@ -182,7 +182,7 @@ void Removal::DeleteTraces(RemovalRecord& record) {
 
 bool Removal::IsPending(const ListRow& row) const {
   const ListView& safe = u_.results.lvwIgnoredSpywares;
-  return row.checked && (safe.Empty() || !safe.FindText(row.text));
+  return row.checked && (safe.Empty() || !FindName(safe, row.text));
 }
 
 // Walks upwards until a whole walk finds nothing to do. Rows below one that was handled have been

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "base/text.h"
 #include "core/paths.h"
 #include "platform/names.h"
 #include "recovery/restore.h"
@@ -44,7 +43,7 @@ void RemovalRecord::NoteFile(std::string_view path, FileOutcome outcome) {
   });
   if (entry == entries_.end()) {
     entry = std::find_if(entries_.begin(), entries_.end(), [&](const Entry& candidate) {
-      return isFile(candidate) && EqualText(candidate.found.text, path);
+      return isFile(candidate) && EqualNames(candidate.found.text, path);
     });
   }
   // A second row of the same file finds it gone, which tells less than the first.
@@ -54,7 +53,7 @@ void RemovalRecord::NoteFile(std::string_view path, FileOutcome outcome) {
 void RemovalRecord::NoteRefusal(std::string_view trace, RegistryStatus status) {
   for (Entry& entry : entries_) {
     const FoundTrace& found = entry.found;
-    if (found.kind == TraceKind::kRegistry && EqualText(found.text, trace)) entry.refusal = status;
+    if (found.kind == TraceKind::kRegistry && EqualNames(found.text, trace)) entry.refusal = status;
   }
 }
 
@@ -76,7 +75,7 @@ RemovalRecord::Sight RemovalRecord::LookAtFile(const std::string& path) {
     // Where names may differ in letter case alone, what stands there may be another trace.
     const bool isOther = std::any_of(entries_.begin(), entries_.end(), [&](const Entry& entry) {
       const std::string& other = entry.found.text;
-      return other != path && EqualText(other, path) && FileName_Parse(other) == present->name;
+      return other != path && EqualNames(other, path) && FileName_Parse(other) == present->name;
     });
     return isOther ? Sight::kGone : Sight::kThere;
   }

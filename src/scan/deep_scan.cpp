@@ -7,6 +7,7 @@
 
 #include "base/text.h"
 #include "core/paths.h"
+#include "scan/found_traces.h"
 #include "scan/progress.h"
 #include "signatures/md5.h"
 #include "signatures/signature_files.h"
@@ -196,7 +197,12 @@ void DeepScan::InspectEntry(const Place& place, bool hashed, Walk& walk, HashQue
   }
   // A file that an earlier phase entered, or showed as ignored, is one trace.
   const auto position = signatureHashText_.Find(hash);
-  if (position && !u_.results.HasFile(path)) EnterFind(path, *position);
+  if (!position) return;
+  const std::vector<std::string> known = u_.results.FilesNamed(path);
+  const bool isKnown = std::any_of(known.begin(), known.end(), [&](const std::string& other) {
+    return LeadToOneFile(u_.files, other, path);
+  });
+  if (!isKnown) EnterFind(path, *position);
 }
 
 void DeepScan::EnterFind(const std::string& path, size_t position) {

@@ -4,25 +4,11 @@
 #include <unordered_map>
 #include <utility>
 
-#include "base/text.h"
+#include "platform/names.h"
 #include "scan/traces.h"
 
 namespace quarnel {
 namespace {
-
-// Whether two paths that differ in letter case lead to one file, as the names on the way show.
-bool LeadToOneFile(Files& files, std::string_view left, std::string_view right) {
-  for (size_t end = left.find('\\'); end != std::string_view::npos;) {
-    end = left.find('\\', end + 1);
-    if (left.substr(0, end) == right.substr(0, end)) continue;
-    const auto one = files.Stat(left.substr(0, end));
-    const auto other = files.Stat(right.substr(0, end));
-    // Of what is gone nothing tells two files apart.
-    if (!one || !other) return !one && !other;
-    if (one->name != other->name) return false;
-  }
-  return true;
-}
 
 // The node's trace: only the prefix that the tree gave it goes, its own text may hold one, too.
 std::string_view TraceOfNode(const TreeNode& node) {
@@ -65,7 +51,7 @@ class Collector {
 
  private:
   FoundTrace* Find(TraceKind kind, std::string_view text) {
-    const auto [begin, end] = places_.equal_range(ToUpper(text));
+    const auto [begin, end] = places_.equal_range(FoldName(text));
     for (auto place = begin; place != end; ++place) {
       FoundTrace& known = traces_[place->second];
       if (known.kind != kind) continue;
@@ -78,8 +64,8 @@ class Collector {
   }
 
   void Add(FoundTrace trace) {
-    trace.exempt = !safeList_.Empty() && safeList_.FindText(trace.text);
-    places_.emplace(ToUpper(trace.text), traces_.size());
+    trace.exempt = !safeList_.Empty() && FindName(safeList_, trace.text);
+    places_.emplace(FoldName(trace.text), traces_.size());
     traces_.push_back(std::move(trace));
   }
 
@@ -90,6 +76,19 @@ class Collector {
 };
 
 }  // namespace
+
+bool LeadToOneFile(Files& files, std::string_view left, std::string_view right) {
+  for (size_t end = left.find('\\'); end != std::string_view::npos;) {
+    end = left.find('\\', end + 1);
+    if (left.substr(0, end) == right.substr(0, end)) continue;
+    const auto one = files.Stat(left.substr(0, end));
+    const auto other = files.Stat(right.substr(0, end));
+    // Of what is gone nothing tells two files apart.
+    if (!one || !other) return !one && !other;
+    if (one->name != other->name) return false;
+  }
+  return true;
+}
 
 std::vector<FoundTrace> FoundTraces(const ResultsPage& page, Files& files) {
   Collector collector(page.lvwIgnoredSpywares, files);

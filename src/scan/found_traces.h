@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/files.h"
@@ -31,5 +32,9 @@ struct FoundTrace {
 // cookies in the order of their lists. Rows that name one thing in different letter case are one
 // trace; where files may differ in letter case alone, they are two.
 std::vector<FoundTrace> FoundTraces(const ResultsPage& page, Files& files);
+
+// Whether two paths that differ in letter case at most lead to one file, as the names on the way
+// show.
+bool LeadToOneFile(Files& files, std::string_view left, std::string_view right);
 
 }  // namespace quarnel

@@ -1,6 +1,7 @@
 #include "scan/results.h"
 
 #include "base/text.h"
+#include "platform/names.h"
 
 namespace quarnel {
 namespace {
@@ -42,7 +43,7 @@ Results::Results(ResultsPage& page, std::function<int(std::string_view)> levelOf
     : page_(page), levelOf_(std::move(levelOf)), host_(host), log_(log) {}
 
 bool Results::IsSpywareIgnored(std::string_view trace, std::string_view, std::string_view) const {
-  return page_.lvwIgnoredSpywares.FindText(trace).has_value();
+  return FindName(page_.lvwIgnoredSpywares, trace).has_value();
 }
 
 void Results::RecomputeCounters() {
@@ -160,9 +161,18 @@ Results::Entered Results::Enter(const Find& find) {
   return entered;
 }
 
-bool Results::HasFile(std::string_view path) const {
-  return page_.lvwFilesToBeDeleted.FindText(path) ||
-         page_.sfttvwResults.FindText(std::string(kIgnoredPrefix) + std::string(path));
+std::vector<std::string> Results::FilesNamed(std::string_view path) const {
+  std::vector<std::string> files;
+  for (const ListRow& row : page_.lvwFilesToBeDeleted.Rows()) {
+    if (EqualNames(row.text, path)) files.push_back(row.text);
+  }
+  for (const auto& item : page_.sfttvwResults.Items()) {
+    const std::string_view text = item.Cell(0);
+    if (!text.starts_with(kIgnoredPrefix)) continue;
+    const std::string_view trace = text.substr(kIgnoredPrefix.size());
+    if (EqualNames(trace, path)) files.emplace_back(trace);
+  }
+  return files;
 }
 
 void Results::AddSpaywareToResults(std::string_view key, const FileTrace& trace,

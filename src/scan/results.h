@@ -59,8 +59,9 @@ class Results {
   // The one way of a find into the lists and trees.
   Entered Enter(const Find& find);
 
-  // Whether a file has been entered, or is shown as ignored.
-  bool HasFile(std::string_view path) const;
+  // The files of this name, in whatever letter case, that have been entered or are shown as
+  // ignored.
+  std::vector<std::string> FilesNamed(std::string_view path) const;
 
   // Enters the file of a running program; `key` is the text by which its threat is looked up. A
   // root that stands already under the threat's name ends the call half done: it is logged.

@@ -1,6 +1,9 @@
 #include "scan/traces.h"
 
+#include <algorithm>
+
 #include "base/text.h"
+#include "platform/names.h"
 #include "signatures/taxonomy.h"
 
 namespace quarnel {
@@ -16,6 +19,17 @@ enum : size_t { kThreat = 1, kType, kMainKey, kKey, kValueName, kCompleteKey };
 constexpr std::string_view kCookieKind = "File";
 
 }  // namespace
+
+std::optional<size_t> FindName(const ListView& list, std::string_view name) {
+  const auto row = list.FindText(name);
+  if (row || IsAscii(name)) return row;
+  const std::string folded = FoldName(name);
+  const auto found = std::find_if(
+      list.Rows().begin(), list.Rows().end(),
+      [&](const ListRow& other) { return !IsAscii(other.text) && FoldName(other.text) == folded; });
+  if (found == list.Rows().end()) return std::nullopt;
+  return static_cast<size_t>(found - list.Rows().begin());
+}
 
 FileTrace FileTrace::Of(const ListRow& row) {
   return {.path = row.text,

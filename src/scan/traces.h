@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -52,6 +54,10 @@ struct CookieTrace {
 // The one threat under which all tracking cookies stand.
 inline constexpr std::string_view kTrackingObject = "Tracking Object";
 inline constexpr std::string_view kTrackingCookies = "Tracking Cookies";
+
+// The first row whose text names the same file, key or value as `name`; FindText folds the letters
+// of ASCII alone.
+std::optional<size_t> FindName(const ListView& list, std::string_view name);
 
 using AnyTrace = std::variant<FileTrace, RegistryTrace, CookieTrace>;
 

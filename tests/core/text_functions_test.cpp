@@ -141,10 +141,19 @@ TEST(FilePattern, Matches) {
     std::string name, pattern;
     bool fits;
   } cases[] = {
-      {"a.txt", "*.*", true},   {"README", "*.*", true},    {"README", "read*.*", true},
-      {"a.TXT", "*.txt", true}, {"a.txtx", "*.txt", false}, {"ab", "a?", true},
-      {"a", "a?", false},       {"a", "*", true},           {"a", "", false},
-      {"[x]", "[x]", true},     {"a.b.c", "a.*", true},     {"ab", "a.*", false},
+      {"a.txt", "*.*", true},
+      {"README", "*.*", true},
+      {"README", "read*.*", true},
+      {"a.TXT", "*.txt", true},
+      {"a.txtx", "*.txt", false},
+      {"ab", "a?", true},
+      {"a", "a?", false},
+      {"a", "*", true},
+      {"a", "", false},
+      {"[x]", "[x]", true},
+      {"a.b.c", "a.*", true},
+      {"ab", "a.*", false},
+      {"\xC3\xA4.a", "\xC3\x84.?", true},
   };
   for (const auto& c : cases) {
     EXPECT_EQ(MatchesFilePattern(c.name, c.pattern), c.fits) << c.name << " " << c.pattern;

@@ -43,5 +43,14 @@ TEST_F(PosixMachineCommandsTest, TakesFoldersThatAreNamedFromTheCurrentOne) {
   fs::current_path(before);
 }
 
+TEST_F(PosixMachineCommandsTest, PlantsTheSampleOnTheMachineOfTheProgramsWhenNoneIsNamed) {
+  const std::string folder = machineFolder() + "/mine";
+  ASSERT_EQ(Run({"create", folder}), 0);
+  setenv("QUARNEL_MACHINE", folder.c_str(), 1);
+  EXPECT_EQ(Run({"sample"}), 0) << errors_.str();
+  unsetenv("QUARNEL_MACHINE");
+  EXPECT_TRUE(OpenPlatform(folder)->files().Stat("C:\\WINDOWS\\system32\\QNLFSig.dll"));
+}
+
 }  // namespace
 }  // namespace quarnel

@@ -127,13 +127,23 @@ TEST_F(BackupTest, EndsAKeysValuesWhereTheBuffersEnd) {
 
 TEST_F(BackupTest, LeavesOutWhatCannotBeStoredAndSaysSo) {
   Plant(Path("a.exe"), "A");
-  // A folder stands where a file of the restore point is to come.
+  // Folders stand where files of the restore point are to come, and the log: what that cannot take
+  // is not hidden by it.
   const std::string stem = StemOf(host.clock().Now());
-  CreateFolders(files(), RestorePointFile(program, stem, restore_point::kFiles) + "\\x");
+  for (const std::string_view ending : {restore_point::kRegistry, restore_point::kFiles}) {
+    CreateFolders(files(), RestorePointFile(program, stem, ending) + "\\x");
+  }
+  SetValue("Stays", "v", Text("x"));
+  AddTrace("Stays", "v");
+  files().CreateFolder(log.Path());
   const BackupReport report = backup.BackupSpyware();
+  files().DeleteFolder(log.Path());
   EXPECT_EQ(report.files, 0U);
-  ASSERT_EQ(report.failures.size(), 1U);
-  EXPECT_EQ(report.failures[0].what, PointFile(report, restore_point::kFiles));
+  ASSERT_EQ(report.failures.size(), 2U);
+  EXPECT_EQ(report.failures[0].what, PointFile(report, restore_point::kRegistry));
+  EXPECT_EQ(report.failures[1].what, PointFile(report, restore_point::kFiles));
+  EXPECT_FALSE(Reporting(log, "next", [] { throw RuntimeError(ErrorNumber::kOverflow); }));
+  EXPECT_NE(LogText().find("BackupRegistry"), std::string::npos);
   EXPECT_NE(LogText().find("BackupFiles"), std::string::npos);
   EXPECT_TRUE(Exists(PointFile(report, restore_point::kFileDetails)));
   EXPECT_TRUE(ReadManifest(Read(PointFile(report, restore_point::kManifest)), report.stem)

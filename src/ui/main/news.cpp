@@ -1,7 +1,6 @@
 #include "ui/main/news.h"
 
 #include "core/existing_files.h"
-#include "core/own_files.h"
 #include "core/paths.h"
 #include "ui/main/maker_pages.h"
 
@@ -19,12 +18,9 @@ News::News(const Services& services, NewsPage& page) : s_(services), page_(page)
 
 void News::ShowFile() {
   Files& files = s_.platform.files();
-  Machine& machine = s_.platform.machine();
-  const std::string described = GetPathWithSlash(machine.ProgramFolder()) + "News.html";
-  std::string path = OwnFileToRead(files, machine, described);
-  if (!FileExists(files, path)) {
-    IgnoringErrors([&] { path = OwnFileToWrite(files, machine, described); });
-  }
+  const std::string path = GetPathWithSlash(s_.platform.machine().ProgramFolder()) + "News.html";
+  // Where it cannot be made the page says that there are no news.
+  if (!FileExists(files, path)) IgnoringErrors([&] { files.Open(path, OpenMode::kReadWrite); });
   page_.wbrNewsAndReport.Navigate(path);
 }
 
