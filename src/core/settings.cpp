@@ -19,11 +19,18 @@ std::string Settings::SectionPath(std::string_view section) const {
 }
 
 std::optional<std::string> Settings::Stored(const SettingPlace& place) const {
-  RegistryValue value;
-  if (QueryValue(registry_, hive::kCurrentUser, SectionPath(place.section), place.name, value)) {
-    if (auto* text = std::get_if<std::string>(&value)) return std::move(*text);
+  std::unique_ptr<RegistryKey> key;
+  RawValue raw;
+  RegistryStatus status =
+      registry_.Open(hive::kCurrentUser, SectionPath(place.section), registry_access::kRead, key);
+  if (status == RegistryStatus::kSuccess) status = key->Query(place.name, raw);
+  if (status != RegistryStatus::kSuccess) {
+    if (!IsAnswer(status)) ++failedReads_;
+    return std::nullopt;
   }
-  return std::nullopt;
+  const auto value = ValueFromRaw(raw);
+  const auto* text = value ? std::get_if<std::string>(&*value) : nullptr;
+  return text ? std::optional(*text) : std::nullopt;
 }
 
 bool Settings::Has(const SettingPlace& place) const { return Stored(place).has_value(); }

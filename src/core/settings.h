@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -36,6 +37,10 @@ class Settings {
 
   bool Has(const SettingPlace& place) const;
 
+  // How often the store has failed to tell what it holds. What was read then, such as the ticks of
+  // drives at the start, may not be what the user has chosen.
+  size_t FailedReads() const { return failedReads_; }
+
   // Empties the store when an installer asked for it by writing any text to
   // `Registry Status`/`ResetValue`; the request goes with the rest, so it runs once.
   void ResetRegistrySettings();
@@ -49,6 +54,7 @@ class Settings {
   Registry& registry_;
   std::string applicationName_;
   std::string root_;  // the application's key
+  mutable size_t failedReads_ = 0;
 };
 
 }  // namespace quarnel

@@ -65,7 +65,8 @@ Engine::Engine(const Services& services, Pages& pages, MainWindow& window)
                 .results = pages_.results,
                 .unread = unread_,
                 .settings = s_.settings}),
-      scans_({pages_, scan_, phases_, summary_, s_.settings, window_}),
+      scans_({pages_, scan_, phases_, summary_, s_.settings, window_,
+              [this](Unread& unread) { results_.RequireSafeList(unread); }}),
       results_(s_, pages_.results, model_, window_),
       recovery_({s_, pages_, scan_, phases_.cookies(), scans_, window_}),
       options_(OptionUses(s_, pages_, window_)),
@@ -138,6 +139,8 @@ void Engine::tmrScheduler_Timer() {
   }
   MakeTimersEnabledOrDisableAcordingToSetting(pages_, window_);
 }
+
+void Engine::LoadLastScan() { unread_ = LoadUnread(s_.platform.files(), s_.platform.machine()); }
 
 void Engine::ListDrives() { GetAllHardDrives(pages_.scan, flags_, s_.platform.machine(), s_.log); }
 

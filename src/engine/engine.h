@@ -32,10 +32,11 @@ class Engine {
   // No closing message for a scheduled scan.
   void ForgetScheduledScan() { flags_.scheduledScanRunning = false; }
 
-  // What the last scan could not read.
+  // What the last scan could not read, which may have been one of an earlier run.
   const Unread& CouldNotRead() const { return unread_; }
 
   // Parts of the start.
+  void LoadLastScan();
   void ListDrives();
   void ShowSignatureTotals();
   bool SignaturesPresent();

@@ -48,8 +48,13 @@ void ResultsController::WireTree() {
 
 void ResultsController::LoadSafeList() {
   page_.lvwIgnoredSpywares.Clear();
-  safeList_.AddIgnoredSpywaresTolvw(SafeListPath(s_.platform.machine()), "", "", "", false,
-                                    page_.lvwIgnoredSpywares);
+  hasSafeList_ = safeList_.AddIgnoredSpywaresTolvw(SafeListPath(s_.platform.machine()), "", "", "",
+                                                   false, page_.lvwIgnoredSpywares);
+}
+
+void ResultsController::RequireSafeList(Unread& unread) {
+  if (!hasSafeList_) LoadSafeList();
+  if (!hasSafeList_) unread.Add("file", SafeListPath(s_.platform.machine()));
 }
 
 void ResultsController::ReloadSafeList() {

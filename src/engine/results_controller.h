@@ -6,6 +6,7 @@
 #include "core/services.h"
 #include "scan/results.h"
 #include "scan/safe_list.h"
+#include "scan/unread.h"
 
 namespace quarnel {
 
@@ -17,6 +18,9 @@ class ResultsController {
 
   // Fills the list of exempt traces from its file.
   void LoadSafeList();
+  // For a scan, which asks the list: tries once more what could not be read at the start, and notes
+  // when it still cannot.
+  void RequireSafeList(Unread& unread);
   void ReloadSafeList();
   // The columns of the tree of results.
   void BuildColumns();
@@ -32,6 +36,7 @@ class ResultsController {
   Results& results_;
   MainWindow& window_;
   SafeList safeList_;
+  bool hasSafeList_ = true;  // as far as was tried
 };
 
 }  // namespace quarnel

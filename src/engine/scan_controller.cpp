@@ -22,7 +22,8 @@ ScanController::ScanController(const Uses& uses)
       phases_(uses.phases),
       summary_(uses.summary),
       settings_(uses.settings),
-      window_(uses.window) {
+      window_(uses.window),
+      prepare_(uses.prepare) {
   const auto takeMarkAway = [this] { u_.page.form.SetTag(""); };
   // A user's press takes the mark away, so that the click which follows asks.
   u_.page.ImgStopScanMouseMove.MouseDown = takeMarkAway;
@@ -59,6 +60,7 @@ void ScanController::ResetPage() {
   results.txtSpywareDescription.SetText("");
   u_.flags.lastProcessCount = 0;
   u_.unread.Clear();
+  prepare_(u_.unread);
   results.facts.forward = false;
   u_.page.form.SetTag(kDoNotShow);
   results.lvwPicRemoveListOfSpywareFoundAndToBeRemoved.SetTag("0");
@@ -124,10 +126,20 @@ void ScanController::Scan() {
                         ";"),
                    u_.unread);
   SaveScanTime(settings_, setting::kScanEnd, u_.host.clock().Now(), u_.unread);
+  Conclude();
   // It may find a stored time that is none.
   Reporting(u_.log, "ImgStartScanMouseMove_Click in frmMain",
             [&] { summary_.RefreshSystemSummary(); });
   SaveLastScanResults(u_.files, u_.machine, u_.resultsPage, u_.unread);
+}
+
+// What came over from settings that could not be read may have left something out.
+void ScanController::Conclude() {
+  if (settings_.FailedReads() > 0) u_.unread.AddBrokenRegistry("the program's settings");
+  outcome_ = u_.flags.scanStopRequested ? "Scanning cancelled." : "Scanning completed.";
+  if (!u_.unread.ScanWasWhole()) outcome_ += " Not all was scanned.";
+  if (u_.flags.scanStopRequested) u_.unread.SetStopped();
+  u_.unread.SetOutcome(outcome_);
 }
 
 void ScanController::EndScan() {
@@ -135,8 +147,6 @@ void ScanController::EndScan() {
   u_.page.facts.percent = false;
   ShowRunning(false);
   u_.results.RecomputeCounters();
-  outcome_ = u_.flags.scanStopRequested ? "Scanning cancelled." : "Scanning completed.";
-  if (!u_.unread.ScanWasWhole()) outcome_ += " Not all was scanned.";
   u_.page.lblStatus.SetCaption(outcome_);
   MakeTimersEnabledOrDisableAcordingToSetting(pages_, window_);
   ListView& threats = results.lvwPicRemoveListOfSpywareFoundAndToBeRemoved;

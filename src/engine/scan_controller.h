@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -25,6 +26,8 @@ class ScanController {
     Summary& summary;
     Settings& settings;
     MainWindow& window;
+    // Notes what the scan is about to rest on and cannot be read.
+    std::function<void(Unread& unread)> prepare;
   };
   // Wires the buttons but for the one that starts a scan.
   explicit ScanController(const Uses& uses);
@@ -54,6 +57,7 @@ class ScanController {
   void ClearResults();
   void Scan();
   void EndScan();
+  void Conclude();
   void ShowUnread();
   void ShowRunning(bool running);
   void Congratulate();
@@ -64,6 +68,7 @@ class ScanController {
   Settings& settings_;
   Messages messages_{u_.host, settings_};
   MainWindow& window_;
+  std::function<void(Unread& unread)> prepare_;
   std::string outcome_;
 };
 

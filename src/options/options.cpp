@@ -151,8 +151,13 @@ void Options::Load(bool registersProgram) {
   const auto load = [this](const Handler& option) {
     Reporting(u_.log, "GetSettingOfFormMain in frmMain", option);
   };
+  // A box that is set stores its value, which must not be one that was never read.
   const auto loadState = [&](CheckBox& box, const auto& key) {
-    load([&] { box.SetValue(u_.settings.Get(key)); });
+    load([&] {
+      const size_t failed = u_.settings.FailedReads();
+      const auto value = u_.settings.Get(key);
+      if (u_.settings.FailedReads() == failed) box.SetValue(value);
+    });
   };
   loadState(page.chkScanRegitry, setting::kScanRegistry);
   loadState(page.chkScanMemory, setting::kSweepMemory);
@@ -168,11 +173,8 @@ void Options::Load(bool registersProgram) {
   loadState(page.chkMinimizeToTrayWindowAtStartup, setting::kMinimizeAtStartup);
   page.chkMinimizeToTrayWindowAtStartup.SetEnabled(page.chkRunAtStartup.Checked());
 
-  const auto loadYesNo = [&](CheckBox& box, const SettingKey<setting::YesNo>& key) {
-    load([&] { box.SetValue(u_.settings.Get(key) ? 1 : 0); });
-  };
-  loadYesNo(u_.results.chkCreateRestore, setting::kRestorePoint);
-  loadYesNo(u_.results.chkDoNotShowIgnoredItem, setting::kDoNotShowIgnoredItem);
+  loadState(u_.results.chkCreateRestore, setting::kRestorePoint);
+  loadState(u_.results.chkDoNotShowIgnoredItem, setting::kDoNotShowIgnoredItem);
 
   page.onClose.Choose(u_.settings.Get(setting::kOnClose) == "Exit" ? 1 : 0);
   SynchroniseCloseOptions();

@@ -1,5 +1,7 @@
 #include "platform/registry.h"
 
+#include <algorithm>
+
 #include "base/hex.h"
 #include "base/little_endian.h"
 #include "base/runtime_error.h"
@@ -58,6 +60,22 @@ RawValue RawFromValue(const RegistryValue& value) {
   RawValue raw{ValueType::kDword, {}};
   PutU32(raw.data, std::get<uint32_t>(value));
   return raw;
+}
+
+bool IsAnswer(RegistryStatus status) {
+  constexpr auto kPathNotFound = static_cast<RegistryStatus>(3);
+  constexpr auto kInvalidName = static_cast<RegistryStatus>(123);
+  constexpr auto kBadPathName = static_cast<RegistryStatus>(161);
+  constexpr RegistryStatus kAnswers[] = {RegistryStatus::kSuccess,
+                                         RegistryStatus::kFileNotFound,
+                                         RegistryStatus::kInvalidHandle,
+                                         RegistryStatus::kInvalidParameter,
+                                         RegistryStatus::kNoMoreItems,
+                                         RegistryStatus::kKeyDeleted,
+                                         kPathNotFound,
+                                         kInvalidName,
+                                         kBadPathName};
+  return std::find(std::begin(kAnswers), std::end(kAnswers), status) != std::end(kAnswers);
 }
 
 bool QueryValueEx(RegistryKey& key, std::string_view name, RegistryValue& value) {

@@ -36,6 +36,7 @@ enum class RegistryStatus : long {
   kFileNotFound = 2,
   kAccessDenied = 5,
   kInvalidHandle = 6,
+  kWriteProtected = 19,
   kInvalidParameter = 87,
   kNoMoreItems = 259,
   kKeyDeleted = 1018,
@@ -93,6 +94,10 @@ class Registry {
   // The present user's account name, as SetKeySecurity takes it.
   virtual std::string AccountName() = 0;
 };
+
+// Whether a status answers what was asked, and be it that there is no such key, value or name, or
+// that nothing can bear such a name. Any other tells that nobody could look.
+bool IsAnswer(RegistryStatus status);
 
 // A value as the program's logic sees it: REG_SZ text without its final NUL, or a REG_DWORD.
 using RegistryValue = std::variant<std::string, uint32_t>;

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <string>
+#include <vector>
+
 #include "core/error_log.h"
 #include "core/settings.h"
 #include "platform/machine.h"
@@ -16,5 +19,10 @@ void lvwHardDrives_ItemCheck(const ScanPage& page, Settings& settings);
 // Ticks the rows as the settings say; on a store that has no word on a drive, the C drive is
 // ticked.
 void LoadDriveTicks(ScanPage& page, const Settings& settings);
+
+// The roots of fixed drives that the settings name for the deep scan and that have no row, since
+// they were not ready when the list was made.
+std::vector<std::string> MissingDrives(const ScanPage& page, const Settings& settings,
+                                       Machine& machine);
 
 }  // namespace quarnel

@@ -21,12 +21,15 @@ std::string SafeListPath(Machine& machine) {
 
 std::string SafeList::TextAt(std::string_view path) {
   const std::string place = OwnFileToRead(files_, machine_, path);
-  return files_.Stat(place) ? ReadWholeFile(files_, place) : std::string();
+  return files_.Look(place) ? ReadWholeFile(files_, place) : std::string();
 }
 
 void SafeList::Load(std::string_view path, ListView& list) {
-  if (!FileExists(files_, OwnFileToRead(files_, machine_, path))) return;
-  const std::string text = TextAt(path);
+  const std::string place = OwnFileToRead(files_, machine_, path);
+  // One that cannot be looked at is not taken for a missing one.
+  files_.Look(place);
+  if (!FileExists(files_, place)) return;
+  const std::string text = ReadWholeFile(files_, place);
   LineReader lines(text);
   while (const auto line = lines.Next()) {
     const std::vector<std::string> fields = Split(*line, "^");
@@ -35,13 +38,13 @@ void SafeList::Load(std::string_view path, ListView& list) {
   }
 }
 
-void SafeList::AddIgnoredSpywaresTolvw(std::string_view path, std::string_view field1,
+bool SafeList::AddIgnoredSpywaresTolvw(std::string_view path, std::string_view field1,
                                        std::string_view text, std::string_view field2, bool addNew,
                                        ListView& list) {
-  Reporting(log_, "AddIgnoredSpywaresTolvw", [&] {
+  return Reporting(log_, "AddIgnoredSpywaresTolvw", [&] {
     if (!addNew) return Load(path, list);
     const std::string trace = WithoutPrefixes(text);
-    if (list.FindText(trace)) return;
+    if (FindName(list, trace)) return;
     list.Add({.text = trace, .subItems = {std::string(field1), std::string(field2)}});
     ReplaceOwnFile(files_, machine_, path, TextAt(path) + LineOf(trace, field1, field2));
   });

@@ -26,8 +26,9 @@ class SafeList {
 
   // With `addNew` false, adds a row for each line of the file at `path`; a line with fewer than
   // three fields ends that. The list is not cleared first. With `addNew` true, adds `text` without
-  // its prefix as one row and appends it to the file, unless the list has it already.
-  void AddIgnoredSpywaresTolvw(std::string_view path, std::string_view field1,
+  // its prefix as one row and appends it to the file, unless the list has it already. False when it
+  // did not come to its end.
+  bool AddIgnoredSpywaresTolvw(std::string_view path, std::string_view field1,
                                std::string_view text, std::string_view field2, bool addNew,
                                ListView& list);
 

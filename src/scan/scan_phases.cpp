@@ -5,6 +5,7 @@
 
 #include "core/paths.h"
 #include "core/system_version.h"
+#include "scan/hard_drives.h"
 #include "scan/progress.h"
 #include "signatures/signature_files.h"
 
@@ -103,6 +104,9 @@ void ScanPhases::FilePhase() {
 void ScanPhases::DeepPhase() {
   if (!settings_.Get(setting::kScansDeep)) return;
   u_.page.form.Refresh();
+  for (const std::string& drive : MissingDrives(u_.page, settings_, u_.machine)) {
+    u_.unread.Add("drive", drive);
+  }
   for (size_t i = 0; i < u_.page.lvwHardDrives.Count(); ++i) {
     if (u_.flags.scanStopRequested) return;
     const ListRow row = u_.page.lvwHardDrives.At(i);

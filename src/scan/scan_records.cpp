@@ -4,35 +4,44 @@
 #include <string>
 #include <vector>
 
+#include "base/text.h"
 #include "core/inifile.h"
+#include "core/lines.h"
 #include "core/own_files.h"
 #include "core/paths.h"
 
 namespace quarnel {
 namespace {
 
+constexpr std::string_view kBetweenColumns = "[[]]";
+
+struct Dump {
+  std::string_view file;
+  ListView ResultsPage::*list;
+
+  std::string PathOn(Machine& machine) const { return DataFolder(machine) + std::string(file); }
+};
+
+constexpr std::array<Dump, 4> kDumps = {
+    Dump{"10001.qks", &ResultsPage::lvwPicRemoveListOfSpywareFoundAndToBeRemoved},
+    Dump{"10002.qks", &ResultsPage::lvwTrackingCookieObjectrecognized},
+    Dump{"10003.qks", &ResultsPage::lvwRegistryEntriesFound},
+    Dump{"10004.qks", &ResultsPage::lvwFilesToBeDeleted},
+};
+
 std::vector<WholeFile> LastScanResults(Machine& machine, const ResultsPage& results) {
-  struct Dump {
-    std::string_view file;
-    const ListView& list;
-  };
-  const std::array<Dump, 4> dumps = {
-      Dump{"10001.qks", results.lvwPicRemoveListOfSpywareFoundAndToBeRemoved},
-      Dump{"10002.qks", results.lvwTrackingCookieObjectrecognized},
-      Dump{"10003.qks", results.lvwRegistryEntriesFound},
-      Dump{"10004.qks", results.lvwFilesToBeDeleted},
-  };
   std::vector<WholeFile> files;
-  for (const Dump& dump : dumps) {
+  for (const Dump& dump : kDumps) {
+    const ListView& list = results.*dump.list;
     std::string text;
-    for (const ListRow& row : dump.list.Rows()) {
+    for (const ListRow& row : list.Rows()) {
       text += row.text;
-      for (size_t column = 1; column < dump.list.ColumnHeaders().size(); ++column) {
-        text.append("[[]]").append(row.SubItem(column));
+      for (size_t column = 1; column < list.ColumnHeaders().size(); ++column) {
+        text.append(kBetweenColumns).append(row.SubItem(column));
       }
       text += "\r\n";
     }
-    files.push_back({DataFolder(machine) + std::string(dump.file), std::move(text)});
+    files.push_back({dump.PathOn(machine), std::move(text)});
   }
   return files;
 }
@@ -59,6 +68,22 @@ void SaveLastScanResults(Files& files, Machine& machine, const ResultsPage& resu
   KeepingRecord(unread, "what was not read", [&] {
     const WholeFile file = UnreadFile(machine, unread);
     ReplaceOwnFile(files, machine, file.path, file.bytes);
+  });
+}
+
+bool LoadLastScanResults(Files& files, Machine& machine, ResultsPage& results) {
+  return IgnoringErrors([&] {
+    for (const Dump& dump : kDumps) {
+      const std::string path = OwnFileToRead(files, machine, dump.PathOn(machine));
+      const std::string text = ReadWholeFile(files, path);
+      LineReader lines(text);
+      while (const auto line = lines.Next()) {
+        std::vector<std::string> columns = Split(*line, kBetweenColumns);
+        std::string first = std::move(columns.front());
+        columns.erase(columns.begin());
+        (results.*dump.list).Add({.text = std::move(first), .subItems = std::move(columns)});
+      }
+    }
   });
 }
 

@@ -16,6 +16,10 @@ namespace quarnel {
 void SaveLastScanResults(Files& files, Machine& machine, const ResultsPage& results,
                          Unread& unread);
 
+// The way back: fills the four lists with what the last scan found, and the removals since have
+// left. False when that cannot be read.
+bool LoadLastScanResults(Files& files, Machine& machine, ResultsPage& results);
+
 // Adds an entry to ScanHistory.ini in the program's folder: the value is start, end and number of
 // threats.
 void WriteScanHistory(Files& files, Machine& machine, std::string_view key, std::string_view value,

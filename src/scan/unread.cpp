@@ -8,6 +8,7 @@
 #include "core/fields.h"
 #include "core/own_files.h"
 #include "core/paths.h"
+#include "platform/names.h"
 
 namespace quarnel {
 namespace {
@@ -17,6 +18,8 @@ constexpr std::string_view kFile = "NotRead.txt";
 constexpr std::string_view kEnd = "end";
 constexpr std::string_view kNotRun = "not run";
 constexpr std::string_view kNotSaved = "not saved";
+constexpr std::string_view kOutcome = "outcome";
+constexpr std::string_view kStopped = "stopped";
 
 std::string PathOf(Machine& machine) {
   return GetPathWithSlash(machine.ProgramFolder()) + std::string(kFile);
@@ -27,9 +30,9 @@ std::string PathOf(Machine& machine) {
 void Unread::Add(std::string_view kind, std::string_view name) {
   registryBroken_ |= kind == kUnreadRegistryKey;
   if (items_.size() < kMostNamed) {
-    if (!named_.insert(ToUpper(name)).second) return;
+    if (!named_.insert(FoldName(name)).second) return;
     items_.push_back({std::string(kind), std::string(name)});
-  } else if (named_.contains(ToUpper(name))) {
+  } else if (named_.contains(FoldName(name))) {
     return;
   }
   ++count_;
@@ -68,6 +71,10 @@ std::optional<Unread> ReadUnread(std::string_view text) {
       unread.notRun_.push_back(name);
     } else if (kind == kNotSaved) {
       unread.notSaved_.push_back(name);
+    } else if (kind == kOutcome) {
+      unread.SetOutcome(name);
+    } else if (kind == kStopped) {
+      unread.SetStopped();
     } else if (kind != kEnd) {
       unread.Add(kind, name);
     } else {
@@ -85,6 +92,8 @@ WholeFile UnreadFile(Machine& machine, const Unread& unread) {
   const auto add = [&text](std::string_view kind, const std::string& name) {
     text += RecordLine({std::string(kind), name});
   };
+  if (!unread.Outcome().empty()) add(kOutcome, unread.Outcome());
+  if (unread.stopped_) add(kStopped, "");
   for (const std::string& phase : unread.NotRun()) add(kNotRun, phase);
   for (const std::string& record : unread.NotSaved()) add(kNotSaved, record);
   for (const UnreadItem& item : unread.Items()) add(item.kind, item.name);
@@ -92,12 +101,16 @@ WholeFile UnreadFile(Machine& machine, const Unread& unread) {
   return {PathOf(machine), std::move(text)};
 }
 
-std::optional<Unread> LoadUnread(Files& files, Machine& machine) {
+Unread LoadUnread(Files& files, Machine& machine) {
   std::optional<Unread> unread;
   IgnoringErrors([&] {
-    unread = ReadUnread(ReadWholeFile(files, OwnFileToRead(files, machine, PathOf(machine))));
+    const std::string path = OwnFileToRead(files, machine, PathOf(machine));
+    unread = files.Look(path) ? ReadUnread(ReadWholeFile(files, path)) : Unread();
   });
-  return unread;
+  if (unread) return *std::move(unread);
+  Unread unknown;
+  unknown.AddNotRun("Last scan", "its record cannot be read");
+  return unknown;
 }
 
 }  // namespace quarnel

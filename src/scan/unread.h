@@ -36,6 +36,11 @@ class Unread {
   void AddBrokenRegistry(std::string_view what) { Add(kUnreadRegistryKey, what); }
   // A record of the scan that could not be saved.
   void AddNotSaved(std::string_view what, std::string_view reason);
+  // The user ended it, and what would have come was not scanned.
+  void SetStopped() { stopped_ = true; }
+  // How the scan ended, "Scanning completed."; empty when none has.
+  void SetOutcome(std::string_view outcome) { outcome_ = outcome; }
+  const std::string& Outcome() const { return outcome_; }
   void Clear() { *this = {}; }
 
   size_t Count() const { return count_; }
@@ -44,15 +49,17 @@ class Unread {
   // "Registry: QNLRSig.dll, line 7: Subscript out of range".
   const std::vector<std::string>& NotRun() const { return notRun_; }
   const std::vector<std::string>& NotSaved() const { return notSaved_; }
-  // Whether every phase ran to its end and the registry could be used: all that was asked for was
-  // scanned, but for the files, folders and programs that are named here.
-  bool ScanWasWhole() const { return notRun_.empty() && !registryBroken_; }
+  // Whether every phase ran to its end, which no user brought about early, and the registry could
+  // be used: all that was asked for was scanned, but for the files, folders and programs named
+  // here.
+  bool ScanWasWhole() const { return notRun_.empty() && !registryBroken_ && !stopped_; }
 
   // As lines for a person, at most so many.
   std::string Text(size_t most) const;
 
  private:
   friend std::optional<Unread> ReadUnread(std::string_view text);
+  friend WholeFile UnreadFile(Machine& machine, const Unread& unread);
 
   // A machine that refuses everything must not fill the memory.
   static constexpr size_t kMostNamed = 10000;
@@ -62,11 +69,14 @@ class Unread {
   std::vector<std::string> notRun_;
   std::vector<std::string> notSaved_;
   bool registryBroken_ = false;
+  bool stopped_ = false;
+  std::string outcome_;
 };
 
-// What the last scan could not read, kept in the program's folder for a later report: the file that
-// is to be saved. Loading gives nothing when there is no whole file.
+// What the last scan could not read, kept in the program's folder for later runs: the file that is
+// to be saved. Loading gives an empty one when there is no file, and one that is not whole when the
+// file cannot be read.
 WholeFile UnreadFile(Machine& machine, const Unread& unread);
-std::optional<Unread> LoadUnread(Files& files, Machine& machine);
+Unread LoadUnread(Files& files, Machine& machine);
 
 }  // namespace quarnel

@@ -1,6 +1,5 @@
 #include "scan/watched_files.h"
 
-#include <algorithm>
 #include <utility>
 
 #include "core/paths.h"
@@ -45,23 +44,6 @@ class WatchedFile : public File {
   std::string path_;
   Unread& unread_;
 };
-
-// What says that there is no such key, value or name, or that nothing can bear such a name.
-bool IsAnswer(RegistryStatus status) {
-  constexpr auto kPathNotFound = static_cast<RegistryStatus>(3);
-  constexpr auto kInvalidName = static_cast<RegistryStatus>(123);
-  constexpr auto kBadPathName = static_cast<RegistryStatus>(161);
-  constexpr RegistryStatus kAnswers[] = {RegistryStatus::kSuccess,
-                                         RegistryStatus::kFileNotFound,
-                                         RegistryStatus::kInvalidHandle,
-                                         RegistryStatus::kInvalidParameter,
-                                         RegistryStatus::kNoMoreItems,
-                                         RegistryStatus::kKeyDeleted,
-                                         kPathNotFound,
-                                         kInvalidName,
-                                         kBadPathName};
-  return std::find(std::begin(kAnswers), std::end(kAnswers), status) != std::end(kAnswers);
-}
 
 class WatchedKey : public RegistryKey {
  public:

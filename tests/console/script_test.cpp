@@ -312,6 +312,8 @@ TEST(Console, JobsOnTheCommandLine) {
       {"scan", {.threats = {ignored}}, 0, "No threats found, 1 trace ignored.\n"},
       {"scan", {.problem = "no signatures"}, 1, "No threats found.\n"},
       {"report", {.threats = {threat}}, 0, "1 threat with 1 trace found."},
+      {"report", {.scanned = false}, 0, "No scan is on record.\n"},
+      {"report", {.problem = "unreadable"}, 1, ""},
       {"remove", {}, 0, "No threats found.\n"},
       {"remove", {.threats = {threat}}, 1, "1 threat with 1 trace found."},
   };

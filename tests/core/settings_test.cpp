@@ -14,14 +14,15 @@
 namespace quarnel {
 namespace {
 
-// A registry in which one key cannot be deleted.
+// A registry in which one key cannot be deleted, and that may not be readable at all.
 class StubbornRegistry : public Registry {
  public:
   StubbornRegistry(Registry& registry, std::string stays)
       : registry_(registry), stays_(std::move(stays)) {}
   RegistryStatus Open(uint32_t root, std::string_view path, uint32_t access,
                       std::unique_ptr<RegistryKey>& key) override {
-    return registry_.Open(root, path, access, key);
+    constexpr auto kIoFailed = static_cast<RegistryStatus>(1016);
+    return broken ? kIoFailed : registry_.Open(root, path, access, key);
   }
   RegistryStatus Create(uint32_t root, std::string_view path,
                         std::unique_ptr<RegistryKey>& key) override {
@@ -36,6 +37,7 @@ class StubbornRegistry : public Registry {
     return registry_.SetKeySecurity(root, path, account, access);
   }
   std::string AccountName() override { return registry_.AccountName(); }
+  bool broken = false;
 
  private:
   Registry& registry_;
@@ -67,6 +69,13 @@ TEST_F(SettingsTest, AbsentIsNotEmpty) {
       QueryValue(registry(), kRoot, std::string(kStore) + "\\Registry Status", "x y", stored));
   RegCreateKeyValue(registry(), kRoot, std::string(kStore) + "\\Settings", "Button", 6U);
   EXPECT_EQ(settings.Get(setting::kButton), 2) << "a number is no setting";
+  // Neither is a failure.
+  EXPECT_EQ(settings.FailedReads(), 0U);
+  StubbornRegistry unreadable(registry(), "none");
+  unreadable.broken = true;
+  const Settings lost(unreadable, std::string(kApplication));
+  EXPECT_EQ(lost.Get(setting::kButton), 2);
+  EXPECT_EQ(lost.FailedReads(), 1U);
 }
 
 template <class Form, class Value>

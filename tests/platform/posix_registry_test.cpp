@@ -190,16 +190,19 @@ TEST_F(PosixRegistryTest, IsReadByAUserWhoMayNotWriteIt) {
       fs::temp_directory_path() / ("quarnel read only #" + std::to_string(getpid()));
   fs::create_directory(folder);
   const std::string path = folder / "registry.db";
-  { SqliteStore(path).Add(0, "ROOT"); }
+  const MachineFolder machineOf = ReadMachineFolder(machineFolder());
+  MakeRegistry(machineOf, std::make_shared<SqliteStore>(path));
   for (const fs::path& locked : {fs::path(path), folder}) {
     fs::permissions(locked, fs::perms::owner_write | fs::perms::group_write,
                     fs::perm_options::remove);
   }
   {
     const AsNobody nobody;
-    SqliteStore store(path);
-    EXPECT_TRUE(store.Find("root"));
-    EXPECT_EQ(ErrorOf([&] { store.Add(0, "other"); }), ErrorNumber::kPermissionDenied);
+    const auto locked = MakeRegistry(machineOf, std::make_shared<SqliteStore>(path));
+    std::unique_ptr<RegistryKey> key;
+    EXPECT_EQ(locked->Open(kRoot, "", registry_access::kReadWrite, key), kSuccess);
+    // Not a right to one key is missing.
+    EXPECT_EQ(key->Set("v", {}), RegistryStatus::kWriteProtected);
   }
   fs::permissions(folder, fs::perms::owner_write, fs::perm_options::add);
   fs::remove_all(folder);

@@ -70,6 +70,21 @@ TEST_F(UnreadTest, AFileThatGrowsIsHashedAsFarAsItWent) {
   EXPECT_TRUE(grew);
 }
 
+// A file that an earlier phase entered is no new trace, and its twin in letter case is one.
+TEST_F(UnreadTest, OfTwoNamesThatDifferInLetterCaseBothAreFound) {
+  for (const char* name : {"tree\\A.dat", "tree\\\xC3\x84.dat"}) WriteFile(Path(name), "bad");
+  std::ofstream(HostOf("tree\\A.dat").parent_path() / "a.dat") << "bad";
+  Install({.programs = HexText(Md5Of("bad")) + "^1^Bad\n"});
+  for (const char* name : {"tree\\A.dat", "tree\\\xC3\xA4.dat"}) {
+    resultsPage.lvwFilesToBeDeleted.Add(FileTrace{.path = Path(name)}.Row());
+  }
+  DeepScan scan(context, nullptr);
+  ASSERT_TRUE(scan.LoadSignatureHashText());
+  scan.ScanFolder(Path("tree"));
+  EXPECT_THAT(Texts(resultsPage.lvwFilesToBeDeleted),
+              ElementsAre(Path("tree\\A.dat"), Path("tree\\\xC3\xA4.dat"), Path("tree\\a.dat")));
+}
+
 // A link that leads to itself stands for whatever cannot be looked at.
 TEST_F(UnreadTest, WhatCannotBeLookedAtIsNotMissing) {
   fs::create_directory_symlink("loop", HostOf("loop"));
@@ -80,17 +95,6 @@ TEST_F(UnreadTest, WhatCannotBeLookedAtIsNotMissing) {
   EXPECT_FALSE(FileExists(watched, Path("loop\\file.txt")));
   EXPECT_THAT(Unreads(), ElementsAre("file file.txt"));
   EXPECT_TRUE(unread.ScanWasWhole());
-}
-
-// An error is told as soon as the log can be written again, and hides nothing until then.
-TEST_F(UnreadTest, ALogThatCannotBeWrittenKeepsItsEntries) {
-  files().CreateFolder(log.Path());
-  EXPECT_FALSE(Reporting(log, "first", [] { throw RuntimeError(ErrorNumber::kOverflow); }));
-  files().DeleteFolder(log.Path());
-  EXPECT_FALSE(Reporting(log, "second", [] { throw RuntimeError(ErrorNumber::kOverflow); }));
-  const std::string text = LogText();
-  EXPECT_NE(text.find("first"), std::string::npos);
-  EXPECT_LT(text.find("first"), text.find("second"));
 }
 
 }  // namespace

@@ -141,23 +141,24 @@ TEST_F(ResultsTest, ButtonTicksAllAndThenNone) {
 TEST_F(ResultsTest, WhatWasNotReadIsReadBackWhole) {
   // On a running Windows another program's test may have left one.
   IgnoringErrors([&] { files().Delete(UnreadFile(machine(), unread).path); });
-  EXPECT_FALSE(LoadUnread(files(), machine()));
+  EXPECT_TRUE(LoadUnread(files(), machine()).Outcome().empty());
+  EXPECT_TRUE(LoadUnread(files(), machine()).ScanWasWhole());
+  unread.SetOutcome("Scanning completed.");
   for (const auto& [kind, name] : {std::pair{"file", "C:\\tab\there"}, {"folder", "C:\\\xFF\n"}}) {
     unread.Add(kind, name);
   }
   unread.AddUnnamed(5);
   const WholeFile file = UnreadFile(machine(), unread);
   WriteFile(file.path, file.bytes);
-  const auto loaded = LoadUnread(files(), machine());
-  ASSERT_TRUE(loaded);
-  EXPECT_EQ(loaded->Count(), 7U);
-  ASSERT_EQ(loaded->Items().size(), 2U);
-  EXPECT_EQ(loaded->Items()[0].name, "C:\\tab\there");
-  EXPECT_EQ(loaded->Items()[1].kind, "folder");
-  // A file that was cut says nothing.
+  const Unread loaded = LoadUnread(files(), machine());
+  EXPECT_EQ(loaded.Outcome(), "Scanning completed.");
+  EXPECT_EQ(loaded.Count(), 7U);
+  EXPECT_THAT(loaded.Items(),
+              ElementsAre(UnreadItem{"file", "C:\\tab\there"}, UnreadItem{"folder", "C:\\\xFF\n"}));
+  // A file that was cut says nothing, and so nothing is called clean.
   for (size_t cut = 0; cut < file.bytes.size(); ++cut) {
     WriteWholeFile(files(), file.path, file.bytes.substr(0, cut));
-    EXPECT_FALSE(LoadUnread(files(), machine())) << cut;
+    EXPECT_FALSE(LoadUnread(files(), machine()).ScanWasWhole()) << cut;
   }
   files().Delete(file.path);
 }
@@ -212,6 +213,9 @@ TEST_F(SafeListTest, TickedTracesAreMovedOnceAndReadBack) {
   EXPECT_EQ(Read(path), "C:\\1^A^A\r\n");
   EXPECT_THAT(TreeLines(), ElementsAre("A", "  [Ignored] - C:\\1", "  [Ignored] - C:\\1"));
   EXPECT_TRUE(results.IsSpywareIgnored("c:\\1", "", ""));
+  EXPECT_FALSE(results.IsSpywareIgnored("C:\\\xC3\xA4", "", ""));
+  resultsPage.lvwIgnoredSpywares.Add({.text = "C:\\\xC3\x84"});
+  EXPECT_TRUE(results.IsSpywareIgnored("C:\\\xC3\xA4", "", "")) << "letters beyond ASCII";
   resultsPage.lvwIgnoredSpywares.Clear();
   safeList.AddIgnoredSpywaresTolvw(path, "", "", "", false, resultsPage.lvwIgnoredSpywares);
   ASSERT_EQ(resultsPage.lvwIgnoredSpywares.Count(), 1U);

@@ -5,6 +5,8 @@
 #include "core/existing_files.h"
 #include "core/inifile.h"
 #include "core/product.h"
+#include "scan/found_traces.h"
+#include "scan/scan_records.h"
 #include "ui/application_fixture.h"
 
 namespace quarnel {
@@ -131,6 +133,15 @@ TEST_F(ApplicationTest, ScanFindsRecordsAndOpensTheResults) {
   history.SetKey("52200");
   EXPECT_EQ(history.Value(),
             "3/5/2024 2:30:00 PM;3/5/2024 2:30:00 PM;" + main.scan.lblTotalSpywares.Caption());
+  // The next start knows of it.
+  application.reset();
+  EXPECT_EQ(Start().engine().CouldNotRead().Outcome(), "Scanning completed.");
+  Form form(host, "copy");
+  ResultsPage copy{form};
+  EXPECT_TRUE(LoadLastScanResults(files(), machine(), copy));
+  const std::vector<FoundTrace> traces = FoundTraces(copy, files());
+  ASSERT_EQ(traces.size(), 1U);
+  EXPECT_EQ(traces[0].text + traces[0].threat + traces[0].typeName, planted + "ThreatAdware");
 }
 
 TEST_F(ApplicationTest, CleanMachineIsCongratulatedOnce) {
@@ -198,6 +209,9 @@ TEST_F(ApplicationTest, PhasesWithoutSignaturesAreNamedAndNothingIsCalledClean) 
                           "Deep scan: QNLESig.dll is empty"));
   EXPECT_EQ(main.scan.lblStatus.Caption(), "Scanning completed. Not all was scanned.");
   EXPECT_EQ(main.summary.rows[1].lblSystemSummaryValue.Caption(), "Not all was scanned");
+  // Nor by the next start.
+  application.reset();
+  EXPECT_EQ(Start().summary.rows[1].lblSystemSummaryValue.Caption(), "Not all was scanned");
 }
 
 TEST_F(ApplicationTest, StartGoesOnBehindASettingThatStopsAStep) {
@@ -378,6 +392,9 @@ TEST_F(ApplicationTest, DetailAndCopyOfTheResults) {
   EXPECT_THAT(main.results.txtSpywareDescription.Text(),
               StartsWith("Threat Name:Threat\r\nTraces under this Threat:1\r\nTrace: [Found] - "));
   EXPECT_EQ(main.results.lvwPicRemoveListOfSpywareFoundAndToBeRemoved.SelectedRow(), 0U);
+  main.results.vbatvwResults.ClickByUser(main.results.vbatvwResults.At(1));
+  EXPECT_EQ(std::string(main.results.txtSpywareDescription.Text()),
+            "Threat Name:Threat\r\nTraces under this Threat:1");
   main.results.ImgAddToIgnoredListNormal.ClickByUser();
   EXPECT_EQ(host.messages.back().text,
             "Added selected spyware successfully to [Ignored Spyware] List.");

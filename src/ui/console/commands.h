@@ -82,8 +82,8 @@ bool TakesActions(Session& session, const Target& target);
 ScanSummary RunScan(Session& session);
 // Removes and prints what became of it; nothing when there was nothing to remove.
 std::optional<RemovalReport> RunRemoval(Session& session, Removing what);
-// Prints what the last scan found and what the last removal did.
-void RunReport(Session& session);
+// Prints what the last scan found and what the last removal did. False when that cannot be read.
+bool RunReport(Session& session);
 
 }  // namespace command
 

@@ -2,10 +2,15 @@
 
 #include <algorithm>
 
+#include "base/date_time.h"
 #include "base/runtime_error.h"
 #include "base/text.h"
+#include "core/product.h"
+#include "core/settings.h"
 #include "platform/platform.h"
 #include "scan/found_traces.h"
+#include "scan/scan_records.h"
+#include "scan/unread.h"
 #include "signatures/levels.h"
 #include "signatures/signature_files.h"
 #include "ui/application.h"
@@ -53,23 +58,10 @@ class ConsoleApplication : public ConsoleProgram {
 
   ScanSummary Report() override {
     frmMain& main = application_.MainForm();
-    const auto levelOf = [this](std::string_view name) {
-      return GetThreatLevel(platform_->files(), platform_->machine(), name);
-    };
-    ScanSummary summary{
-        .status = main.engine().scans().Outcome(),
-        .threats = ThreatsOf(main.results, FoundTraces(main.results, platform_->files()), levelOf)};
-    summary.scanned = !summary.status.empty();
-    const Unread unread =
-        summary.scanned ? main.engine().CouldNotRead()
-                        : LoadUnread(platform_->files(), platform_->machine()).value_or(Unread());
-    summary.unreadCount = unread.Count();
-    summary.notRun = unread.NotRun();
-    summary.notSaved = unread.NotSaved();
-    summary.whole = unread.ScanWasWhole();
-    for (const UnreadItem& item : unread.Items()) {
-      summary.unread.push_back(item.kind + " " + item.name);
-    }
+    ScanSummary summary{.status = main.engine().scans().Outcome()};
+    if (summary.status.empty()) return LastRun();
+    TakeTraces(main.results, summary);
+    TakeUnread(main.engine().CouldNotRead(), summary);
     return summary;
   }
 
@@ -109,6 +101,53 @@ class ConsoleApplication : public ConsoleProgram {
   void End() override { host_.EndProcess(); }
 
  private:
+  void TakeTraces(const ResultsPage& results, ScanSummary& summary) {
+    const auto levelOf = [this](std::string_view name) {
+      return GetThreatLevel(platform_->files(), platform_->machine(), name);
+    };
+    summary.threats = ThreatsOf(results, FoundTraces(results, platform_->files()), levelOf);
+  }
+
+  static void TakeUnread(const Unread& unread, ScanSummary& summary) {
+    summary.unreadCount = unread.Count();
+    summary.notRun = unread.NotRun();
+    summary.notSaved = unread.NotSaved();
+    summary.whole = unread.ScanWasWhole();
+    for (const UnreadItem& item : unread.Items()) {
+      summary.unread.push_back(item.kind + " " + item.name);
+    }
+  }
+
+  // The last scan of an earlier run, from what it has left on the disk.
+  ScanSummary LastRun() {
+    const Unread unread = LoadUnread(platform_->files(), platform_->machine());
+    ScanSummary summary;
+    TakeUnread(unread, summary);
+    summary.scanned = !unread.Outcome().empty() || !summary.whole;
+    if (unread.Outcome().empty()) return summary;
+    const Settings settings(platform_->registry(), std::string(kProductName));
+    const std::string start = settings.Get(setting::kScanStart);
+    const std::string end = settings.Get(setting::kScanEnd);
+    summary.status = "Last scan, ended " + end + ": " + unread.Outcome();
+    const auto began = ParseDate(start);
+    const auto ended = ParseDate(end);
+    if (began && (!ended || *ended < *began)) {
+      summary.status += " The one that began " + start + " has not come to its end.";
+      summary.whole = false;
+    }
+    Form form(host_, "LastScan");
+    ResultsPage results{form};
+    for (const ListRow& row : application_.MainForm().results.lvwIgnoredSpywares.Rows()) {
+      results.lvwIgnoredSpywares.Add(row);
+    }
+    if (!LoadLastScanResults(platform_->files(), platform_->machine(), results)) {
+      summary.problem = "the results of the last scan cannot be read";
+      summary.whole = false;
+    }
+    TakeTraces(results, summary);
+    return summary;
+  }
+
   Host& host_;
   std::unique_ptr<Platform> platform_;
   Application application_;

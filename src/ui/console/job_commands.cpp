@@ -64,10 +64,12 @@ std::optional<RemovalReport> RunRemoval(Session& session, Removing what) {
   return report;
 }
 
-void RunReport(Session& session) {
+bool RunReport(Session& session) {
   const ConsoleHost::Job job(session.host);
-  Print(session, session.program.Report());
+  const ScanSummary summary = session.program.Report();
+  Print(session, summary);
   if (const auto removal = session.program.LastRemoval()) Print(session, *removal);
+  return summary.problem.empty();
 }
 
 void Scan(Session& session, Words& words) {

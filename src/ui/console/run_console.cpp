@@ -60,8 +60,7 @@ int ScanAndRemove(Session& session) {
 int RunJob(Kind kind, Session& session) {
   if (kind == Kind::kScan) return CodeOf(command::RunScan(session));
   if (kind == Kind::kRemove) return ScanAndRemove(session);
-  command::RunReport(session);
-  return kDone;
+  return command::RunReport(session) ? kDone : kError;
 }
 
 // Starts the program, does what the call asks for, and leaves it. ProcessEnded may come at any

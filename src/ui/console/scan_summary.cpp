@@ -59,7 +59,7 @@ std::string Counted(size_t count, std::string_view one) {
 }
 
 std::string SummaryLine(const ScanSummary& summary) {
-  if (!summary.scanned) return "Nothing was scanned in this run.";
+  if (!summary.scanned) return "No scan is on record.";
   // What was not scanned is not called clean.
   std::string line =
       summary.ThreatCount() == 0

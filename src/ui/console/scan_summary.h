@@ -24,7 +24,7 @@ struct ScanThreat {
 
 // What a scan found, and how it ended.
 struct ScanSummary {
-  bool scanned = true;  // false when this run has scanned nothing yet
+  bool scanned = true;  // false when there is no scan to tell of
   std::string status;   // "Scanning completed."
   std::vector<ScanThreat> threats;
   // What could not be read, "file C:\\x": neither a find nor known to be clean. The count may be

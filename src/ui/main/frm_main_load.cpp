@@ -37,6 +37,7 @@ std::span<const frmMain::LoadStep> frmMain::LoadSteps() {
       [](frmMain& window) { window.engine_.results().ReloadSafeList(); },
       [](frmMain& window) { window.ShowTrayIcon(); },
       [](frmMain& window) { window.StartBrowserGuardTimer(); },
+      [](frmMain& window) { window.engine_.LoadLastScan(); },
       [](frmMain& window) { window.RefreshSummary(); },
       [](frmMain& window) { window.engine_.browserSettings().LoadBrowserSettings(); },
       [](frmMain& window) { window.engine_.browserSettings().LoadAllowedBlockedURLs(); },

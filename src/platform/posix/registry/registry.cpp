@@ -34,8 +34,9 @@ constexpr size_t kLargestData = size_t{64} << 20;
 
 RegistryStatus StatusOf(const RuntimeError& error) {
   switch (error.Number()) {
+    // A missing right to one key is told before the store is asked: here it is the store's.
     case ErrorNumber::kPermissionDenied:
-      return RegistryStatus::kAccessDenied;
+      return RegistryStatus::kWriteProtected;
     case ErrorNumber::kInvalidCall:
       return kRegistryCorrupt;
     default:

@@ -8,8 +8,6 @@ namespace {
 
 ErrorNumber NumberOf(int code) {
   switch (code & 0xFF) {
-    case SQLITE_BUSY:
-    case SQLITE_LOCKED:
     case SQLITE_READONLY:
     case SQLITE_PERM:
     case SQLITE_AUTH:
