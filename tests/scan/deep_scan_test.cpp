@@ -42,11 +42,11 @@ class DeepScanTest : public ScanTest {
 
 TEST_F(DeepScanTest, FindsByHashWhereverAFileLies) {
   const std::string folder = Path("tree");
-  WriteFile(folder + "\\z.dat", "bad");
-  WriteFile(folder + "\\noextension", "bad");
-  WriteFile(folder + "\\sub\\a.dat", "bad");
-  WriteFile(folder + "\\sub\\good.dat", "good");
-  WriteFile(folder + "\\hidden.sys", "worse");
+  Write(folder + "\\z.dat", "bad");
+  Write(folder + "\\noextension", "bad");
+  Write(folder + "\\sub\\a.dat", "bad");
+  Write(folder + "\\sub\\good.dat", "good");
+  Write(folder + "\\hidden.sys", "worse");
   files().SetAttributes(folder + "\\hidden.sys",
                         file_attribute::kHidden | file_attribute::kReadOnly);
   Install({.programs = Line("bad", "One") + Line("worse", "Last")});
@@ -63,17 +63,17 @@ TEST_F(DeepScanTest, FindsByHashWhereverAFileLies) {
 }
 
 TEST_F(DeepScanTest, CountsEntriesWithTheirDots) {
-  WriteFile(Path("count\\a\\b.txt"), "");
-  WriteFile(Path("count\\c.txt"), "");
+  Make("count\\a\\b.txt", "");
+  Make("count\\c.txt", "");
   DeepScan scan(context, nullptr);
   EXPECT_EQ(scan.SizeFindFilesAPI(Path("count"), true), 7);
   EXPECT_EQ(scan.SizeFindFilesAPI(Path("count"), false), 14);
 }
 
 TEST_F(DeepScanTest, TornSignatureEndsTheFolderAndWhatIsBelowIt) {
-  WriteFile(Path("torn\\a\\bad.dat"), "bad");
-  WriteFile(Path("torn\\a\\below\\good.dat"), "good");
-  WriteFile(Path("torn\\b\\good.dat"), "good");
+  Make("torn\\a\\bad.dat", "bad");
+  Make("torn\\a\\below\\good.dat", "good");
+  Make("torn\\b\\good.dat", "good");
   WriteWholeFile(files(), DataFolder(machine()) + "QNLESig.dll",
                  "2\r\n" + Encrypt(HexText(Md5Of("bad"))) + "\r\n" +
                      Encrypt(HexText(Md5Of("good")) + "^1^Good") + "\r\n");
@@ -91,8 +91,8 @@ TEST_F(DeepScanTest, PoolGivesTheRecordsOfThePlainLoop) {
     const size_t size = i % 170 == 5 ? 1'000'000 : random() % 3000;
     std::string content(size, static_cast<char>('a' + i % 26));
     content += std::to_string(i % 150);
-    WriteFile(Path("many\\" + std::to_string(random() % 30) + "\\" + std::to_string(i) + ".bin"),
-              content);
+    Write(Path("many\\" + std::to_string(random() % 30) + "\\" + std::to_string(i) + ".bin"),
+          content);
     if (i % 3 == 0) source += Line(content, "Threat " + std::to_string(i % 7));
   }
   Install({.programs = source});
@@ -125,7 +125,7 @@ TEST_F(DeepScanTest, PoolGivesTheRecordsOfThePlainLoop) {
 }
 
 TEST_F(DeepScanTest, FileThatAnEarlierPhaseEnteredIsOneTrace) {
-  WriteFile(Path("twice\\a.dat"), "bad");
+  Make("twice\\a.dat", "bad");
   Install({.programs = Line("bad", "One")});
   results.AddSpaywareToResults("key", {ToUpper(Path("twice\\a.dat")), "Trojan", "One"});
   EXPECT_THAT(Scan(Path("twice"), &pool), SizeIs(1));
@@ -133,8 +133,8 @@ TEST_F(DeepScanTest, FileThatAnEarlierPhaseEnteredIsOneTrace) {
 }
 
 TEST_F(DeepScanTest, FileThatCannotBeReadIsCounted) {
-  WriteFile(Path("gone\\a.dat"), "good");
-  WriteFile(Path("gone\\b.dat"), "bad");
+  Make("gone\\a.dat", "good");
+  Make("gone\\b.dat", "bad");
   Install({.programs = Line("bad", "One")});
   // The second file goes away after its folder was listed.
   host.onEvents = [&] {

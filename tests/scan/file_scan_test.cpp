@@ -13,9 +13,9 @@ namespace quarnel {
 namespace {
 
 using ::testing::ElementsAre;
+using ::testing::EndsWith;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
-using ::testing::Not;
 
 constexpr int kProgramFiles = 31;
 
@@ -43,9 +43,9 @@ class FileScanTest : public ScanTest {
 
 TEST_F(FileScanTest, CompanyOrHashMakesAFileTheThreat) {
   const std::string program = MakeProgram({.companyName = "Examplesoft Labs"});
-  WriteFile(folder + "program.exe", program);
-  WriteFile(folder + "plain.txt", "content");
-  WriteFile(folder + "link.lnk", "");
+  Write(folder + "program.exe", program);
+  Write(folder + "plain.txt", "content");
+  Write(folder + "link.lnk", "");
   const std::string other = HashOf("other");
   const struct {
     std::string_view name, company;
@@ -76,7 +76,7 @@ TEST_F(FileScanTest, CompanyOrHashMakesAFileTheThreat) {
 }
 
 TEST_F(FileScanTest, FindsFilesInAnyLetterCaseAndTellsProgress) {
-  WriteFile(folder + "Bad.exe", "bad");
+  Write(folder + "Bad.exe", "bad");
   std::string source = Line("unknown", "Threat", "bAD.EXE", HashOf("bad"));
   // Enough questions to one folder that it is listed.
   for (int i = 0; i < 20; ++i) {
@@ -93,9 +93,9 @@ TEST_F(FileScanTest, FindsFilesInAnyLetterCaseAndTellsProgress) {
 }
 
 TEST_F(FileScanTest, FolderSignatureTakesAllFilesBeforeSubFolders) {
-  WriteFile(folder + "Kit\\a\\deep.dat", "1");
-  WriteFile(folder + "Kit\\z.dat", "2");
-  WriteFile(folder + "Kit\\with,comma.dat", "3");
+  Write(folder + "Kit\\a\\deep.dat", "1");
+  Write(folder + "Kit\\z.dat", "2");
+  Write(folder + "Kit\\with,comma.dat", "3");
   const std::string source =
       Line("Any", "Kit", "Kit[[FOLDER]]", "") + Line("Any", "Gone", "NoSuchFolder[[FOLDER]]", "");
   // A comma in a path shifts the fields behind it, so that file is passed over.
@@ -105,12 +105,12 @@ TEST_F(FileScanTest, FolderSignatureTakesAllFilesBeforeSubFolders) {
 
 TEST_F(FileScanTest, UserTokenStandsForTheUser) {
   const std::string name = "of " + machine().UserName() + ".txt";
-  WriteFile(folder + name, "");
+  Write(folder + name, "");
   EXPECT_THAT(Scan(Line("Any", "T", "of [[USER]].txt", "")), ElementsAre(folder + name));
 }
 
 TEST_F(FileScanTest, ShortLineEndsThePhaseAndIsLogged) {
-  WriteFile(folder + "bad.exe", "bad");
+  Write(folder + "bad.exe", "bad");
   Install({.files = Line("Any", "T", "bad.exe", "")});
   const std::string path = DataFolder(machine()) + "QNLFSig.dll";
   AppendToFile(files(), path, "\r\n");
@@ -121,7 +121,7 @@ TEST_F(FileScanTest, ShortLineEndsThePhaseAndIsLogged) {
 }
 
 TEST_F(FileScanTest, StopEndsThePhaseBetweenTwoLines) {
-  WriteFile(folder + "bad.exe", "bad");
+  Write(folder + "bad.exe", "bad");
   std::string source;
   for (int i = 0; i < 5; ++i) source += Line("Any", "T" + std::to_string(i), "bad.exe", "");
   host.onEvents = [&] {
@@ -130,17 +130,11 @@ TEST_F(FileScanTest, StopEndsThePhaseBetweenTwoLines) {
   EXPECT_EQ(Scan(source).size(), 2U);
 }
 
-TEST_F(FileScanTest, EveryFolderCodeIsAFolderWithABackslash) {
+TEST_F(FileScanTest, FoldersOfCodesAndWords) {
   for (int code = 1; code <= 43; ++code) {
-    ASSERT_EQ(GetFolder(machine(), code).size(), 1U);
-    const std::string text = GetFolder(machine(), code).front();
-    EXPECT_THAT(text, Not(IsEmpty())) << code;
-    EXPECT_TRUE(text.ends_with("\\")) << code;
+    EXPECT_THAT(GetFolder(machine(), code), ElementsAre(EndsWith("\\"))) << code;
   }
   for (const int code : {0, 44, -1}) EXPECT_THAT(GetFolder(machine(), code), ElementsAre(""));
-}
-
-TEST_F(FileScanTest, RegistryFolderWordsAreExact) {
   const std::string root = GetSystemRootPath(machine(), registry());
   const auto folders = [&](std::string_view word) {
     return GetRegistryFolder(machine(), registry(), word);

@@ -38,8 +38,8 @@ class UnreadTest : public ScanTest {
 };
 
 TEST_F(UnreadTest, TheDeepScanHashesBehindLinksAndTellsOfTheRest) {
-  WriteFile(Path("target.dat"), "bad");
-  WriteFile(Path("folder\\x.dat"), "bad");
+  Make("target.dat", "bad");
+  Make("folder\\x.dat", "bad");
   fs::create_symlink(HostOf("target.dat"), HostOf("tree\\link.dat"));
   fs::create_symlink("nowhere", HostOf("tree\\dangling.dat"));
   fs::create_directory_symlink(HostOf("folder"), HostOf("tree\\away"));
@@ -60,7 +60,7 @@ TEST_F(UnreadTest, TheDeepScanHashesBehindLinksAndTellsOfTheRest) {
 
 TEST_F(UnreadTest, AFileThatGrowsIsHashedAsFarAsItWent) {
   const std::string content(600'000, 'x');
-  WriteFile(Path("growing.log"), content);
+  Make("growing.log", content);
   bool grew = false;
   const auto grows = [&] {
     std::ofstream(HostOf("growing.log"), std::ios::app) << std::string(300'000, 'y');

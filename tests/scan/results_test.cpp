@@ -148,13 +148,17 @@ TEST_F(ResultsTest, WhatWasNotReadIsReadBackWhole) {
     unread.Add(kind, name);
   }
   unread.AddUnnamed(5);
+  unread.AddNotRun("Registry", "torn");
+  unread.AddNotSaved("Log", "full");
   const WholeFile file = UnreadFile(machine(), unread);
-  WriteFile(file.path, file.bytes);
+  Write(file.path, file.bytes);
   const Unread loaded = LoadUnread(files(), machine());
   EXPECT_EQ(loaded.Outcome(), "Scanning completed.");
   EXPECT_EQ(loaded.Count(), 7U);
   EXPECT_THAT(loaded.Items(),
               ElementsAre(UnreadItem{"file", "C:\\tab\there"}, UnreadItem{"folder", "C:\\\xFF\n"}));
+  EXPECT_THAT(loaded.NotRun(), ElementsAre("Registry: torn"));
+  EXPECT_THAT(loaded.NotSaved(), ElementsAre("Log: full"));
   // A file that was cut says nothing, and so nothing is called clean.
   for (size_t cut = 0; cut < file.bytes.size(); ++cut) {
     WriteWholeFile(files(), file.path, file.bytes.substr(0, cut));

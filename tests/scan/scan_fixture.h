@@ -46,12 +46,6 @@ class ScanTest : public PlatformTest {
     InstallSet(files(), machine(), CompileSet(sources));
   }
 
-  void WriteFile(std::string_view path, std::string_view bytes) {
-    const std::string text(path);
-    CreateFolders(files(), text.substr(0, text.rfind('\\')));
-    WriteWholeFile(files(), text, bytes);
-  }
-
   // The tree as lines, each indented by its depth.
   std::vector<std::string> TreeLines() const {
     std::vector<std::string> lines;

@@ -24,10 +24,8 @@ class frmSchedule : public Form {
 class SchedulerTest : public PlatformTest {
  protected:
   SchedulerTest() {
-    for (const std::string_view key : {"Time", "Day", "Date", "chkAutomaticScanYesOrNo"}) {
-      DeleteValue(registry(), hive::kCurrentUser,
-                  "Software\\VB and VBA Program Settings\\QuarnelTest\\OptionAndSettings", key);
-    }
+    settings.Save(setting::kResetValue, "1");
+    settings.ResetRegistrySettings();
     // A scan processes events for as long as it takes.
     form.tmrScheduler.Tick = [this] {
       if (!scheduler.TakeDueScan()) return;
@@ -48,11 +46,6 @@ class SchedulerTest : public PlatformTest {
     settings.SaveSetting(kSection, "chkAutomaticScanYesOrNo", on);
   }
   bool ButtonsShow() const { return page.cmdProceed.Visible() && page.cmdDefaultSetting.Visible(); }
-  std::vector<std::string> Messages() const {
-    std::vector<std::string> texts;
-    for (const MessageBox& box : host.messages) texts.push_back(box.text);
-    return texts;
-  }
 
   TestHost host;
   RecordingWindow window;
@@ -209,8 +202,8 @@ TEST_F(SchedulerTest, DateAndTimeAsksForWhatIsMissing) {
   EXPECT_FALSE(page.dtpScheduleDate.Value());
   settings.SaveSetting(kSection, "Day", "kept");
   page.cmdProceed.ClickByUser();
-  EXPECT_THAT(Messages(), ElementsAre("Please define the particular date when you want to scan.",
-                                      "Schedule settings have been saved."));
+  EXPECT_THAT(host.Texts(), ElementsAre("Please define the particular date when you want to scan.",
+                                        "Schedule settings have been saved."));
   EXPECT_EQ(Stored("Day"), "kept");
   page.dtpScheduleDate.SetValue(ParseDate("3/9/2024"));
   page.dtpScheduleTime.SetValue(std::nullopt);

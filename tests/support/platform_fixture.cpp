@@ -21,8 +21,7 @@ std::string PlatformTest::Path(std::string_view name) const {
   return Join({scratch_, std::string(name)}, "\\");
 }
 
-std::string PlatformTest::Make(std::string_view name, std::string_view bytes) {
-  std::string path = Path(name);
+std::string PlatformTest::Write(std::string path, std::string_view bytes) {
   CreateFolders(files(), PartsOf(path).folder);
   WriteWholeFile(files(), path, bytes);
   return path;

@@ -34,8 +34,12 @@ class PlatformTest : public ::testing::Test {
   // The test's folder, and a path in it.
   const std::string& Scratch() const { return scratch_; }
   std::string Path(std::string_view name) const;
-  // Makes a file in the test's folder, with the folders on the way to it; its path.
-  std::string Make(std::string_view name, std::string_view bytes = "x");
+  // Makes a file, with the folders on the way to it; its path.
+  std::string Write(std::string path, std::string_view bytes = "x");
+  // The same in the test's folder.
+  std::string Make(std::string_view name, std::string_view bytes = "x") {
+    return Write(Path(name), bytes);
+  }
   std::string Read(std::string_view path) { return ReadWholeFile(files(), path); }
   bool Exists(std::string_view path) { return files().Stat(path).has_value(); }
   // What a folder holds, in order.

@@ -17,7 +17,6 @@ class RecordingWindow : public MainWindow {
   // Runs at each request, with its note.
   std::function<void(std::string_view what)> onAsk = [](std::string_view) {};
   bool showing = true;
-  std::string restorePoint;
 
   void ShowPage(Tab tab) override { Note("page", tab); }
   void SelectPage(Tab tab) override { Note("select", tab); }
@@ -36,7 +35,7 @@ class RecordingWindow : public MainWindow {
   void DeImmunize() override { Note("deimmunize"); }
   std::string ChooseRestorePoint() override {
     Note("restore point");
-    return restorePoint;
+    return {};
   }
   void Alert(const MemoryAlert& /*alert*/) override { Note("alert"); }
   void AlertBrowserChange() override { Note("browser alert"); }

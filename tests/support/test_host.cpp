@@ -17,6 +17,12 @@ DateTime Start() {
 // The base class only keeps the address of the clock, which is made after it.
 TestHost::TestHost() : Host(clock_, MakeEventWait()), clock_(Start()) {}
 
+std::vector<std::string> TestHost::Texts() const {
+  std::vector<std::string> texts;
+  for (const MessageBox& box : messages) texts.push_back(box.text);
+  return texts;
+}
+
 Answer TestHost::MsgBox(const MessageBox& box) {
   messages.push_back(box);
   // A box that a timer shows on top of this one takes the next answer.

@@ -31,6 +31,9 @@ class TestHost : public Host {
   // form without a player gets time to close by its own timers.
   std::map<std::string, std::function<void(Form&)>> players;
 
+  // The texts of the boxes that were shown.
+  std::vector<std::string> Texts() const;
+
   // The number of DoEvents calls so far.
   long eventTurns = 0;
 

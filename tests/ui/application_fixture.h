@@ -1,6 +1,6 @@
 #pragma once
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <functional>
 #include <memory>
@@ -8,43 +8,32 @@
 #include <vector>
 
 #include "core/paths.h"
-#include "scan/folders.h"
-#include "support/platform_fixture.h"
-#include "support/signature_set.h"
+#include "support/program_fixture.h"
 #include "support/test_host.h"
 #include "ui/application.h"
 
 namespace quarnel {
 
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::StartsWith;
+
 // The whole program on a machine with a small signature set and one planted file.
-class ApplicationTest : public PlatformTest {
+class ApplicationTest : public ProgramTest {
  protected:
-  static constexpr int kProgramFiles = 31;
-
-  ApplicationTest() {
-    // On a running system an earlier test may have left settings behind.
-    settings.SaveSetting("Registry Status", "ResetValue", "x");
-    settings.ResetRegistrySettings();
-    IgnoringErrors([&] { files().Delete(SafeListPath(machine())); });
-    Install({.files = "Any,Threat,1,31,Planted.txt,,7\n"});
-    WriteWholeFile(files(), planted, "x");
-  }
-  ~ApplicationTest() override {
-    IgnoringErrors([&] { files().Delete(planted); });
-  }
-
-  void Install(const SignatureSources& sources) { InstallProgramData(files(), machine(), sources); }
-
   frmMain& Start(StartOptions options = {.showSplash = false, .runWizard = false}) {
     application = std::make_unique<Application>(platform(), host, options);
     EXPECT_TRUE(application->Main());
     return application->MainForm();
   }
 
-  std::vector<std::string> Messages() const {
-    std::vector<std::string> texts;
-    for (const MessageBox& box : host.messages) texts.push_back(box.text);
-    return texts;
+  // A setting of the options' section as it is stored.
+  std::string Option(std::string_view key) {
+    return settings.GetSetting("OptionAndSettings", key, "(absent)");
+  }
+  void SetOption(std::string_view key, std::string_view text) {
+    settings.SaveSetting("OptionAndSettings", key, text);
   }
   bool Ends(const std::function<void()>& action) {
     try {
@@ -55,8 +44,6 @@ class ApplicationTest : public PlatformTest {
     return false;
   }
 
-  std::string planted = GetFolder(machine(), kProgramFiles).front() + "Planted.txt";
-  Settings settings{registry(), "Quarnel"};
   TestHost host;
   std::unique_ptr<Application> application;
 };
@@ -66,7 +53,7 @@ class RunningScanTest : public ApplicationTest {
  protected:
   RunningScanTest() {
     std::string source;
-    for (int i = 0; i < 20; ++i) source += "Any,Threat,1,31,Planted.txt,,7\n";
+    for (int i = 0; i < 20; ++i) source += kPlantedLine;
     Install({.files = source});
   }
 

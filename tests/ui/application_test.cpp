@@ -1,7 +1,5 @@
 #include "ui/application.h"
 
-#include <gmock/gmock.h>
-
 #include "core/existing_files.h"
 #include "core/inifile.h"
 #include "core/product.h"
@@ -12,17 +10,11 @@
 namespace quarnel {
 namespace {
 
-using ::testing::ElementsAre;
-using ::testing::HasSubstr;
-using ::testing::IsEmpty;
-using ::testing::SizeIs;
-using ::testing::StartsWith;
-
 TEST_F(ApplicationTest, FreshStoreComesUpWithItsDefaults) {
   frmMain& main = Start({.showSplash = true, .runWizard = false});
   EXPECT_EQ(main.Caption(), "Quarnel v3.0.4");
   EXPECT_TRUE(main.Visible());
-  EXPECT_THAT(host.LoadedForms(), SizeIs(1));  // the splash has gone
+  EXPECT_EQ(host.LoadedForms().size(), 1U);  // the splash has gone
   EXPECT_EQ(main.options.chkScanRegitry.Value(), 1);
   EXPECT_EQ(main.options.chkSelfDownloadingActivex.Value(), 0);
   EXPECT_EQ(main.options.closeOptions.Chosen(), 2);
@@ -32,8 +24,8 @@ TEST_F(ApplicationTest, FreshStoreComesUpWithItsDefaults) {
   EXPECT_FALSE(main.timers.tmrScheduler.Enabled());
   EXPECT_EQ(main.timers.tmrPreventChangeHomePage.Interval(), Milliseconds(2000));
   // Loading wrote the keys back, and only those whose box changed.
-  EXPECT_EQ(settings.GetSetting("OptionAndSettings", "chkScanRegistry", "-"), "1");
-  EXPECT_EQ(settings.GetSetting("OptionAndSettings", "Sheild", "-"), "-");
+  EXPECT_EQ(Option("chkScanRegistry"), "1");
+  EXPECT_EQ(Option("Sheild"), "(absent)");
   ASSERT_FALSE(main.scan.lvwHardDrives.Empty());
   EXPECT_EQ(main.scan.lvwHardDrives.At(0).text, "Drive C: Fixed Disk");
   EXPECT_TRUE(main.scan.lvwHardDrives.At(0).checked);
@@ -45,10 +37,10 @@ TEST_F(ApplicationTest, FreshStoreComesUpWithItsDefaults) {
 
 // What each step needs of those before it, seen from the two places where the start stands still.
 TEST_F(ApplicationTest, StartGoesStepByStep) {
-  settings.SaveSetting("OptionAndSettings", "chkAutomaticScanYesOrNo", "1");
-  settings.SaveSetting("OptionAndSettings", "Day", "7");
+  SetOption("chkAutomaticScanYesOrNo", "1");
+  SetOption("Day", "7");
   settings.SaveSetting("Drives", "Drive C: Fixed Disk", "True");
-  WriteWholeFile(files(), SafeListPath(machine()), planted + "^Threat^Threat\r\n");
+  Write(SafeListPath(machine()), planted + "^Threat^Threat\r\n");
   files().Delete(DataFolder(machine()) + "QNLFSig.dll");
   application = std::make_unique<Application>(platform(), host, StartOptions{.runWizard = false});
   frmMain& main = application->MainForm();
@@ -56,7 +48,9 @@ TEST_F(ApplicationTest, StartGoesStepByStep) {
   host.players["frmSplash"] = [&](Form&) {
     splash = true;
     EXPECT_EQ(main.Caption(), "Quarnel v3.0.4");
+    EXPECT_EQ(main.menu.mnuOnlineHelp.Caption(), "Quarnel Online Help");
     EXPECT_EQ(main.results.lvwIgnoredSpywares.Count(), 1u);
+    AppendToFile(files(), SafeListPath(machine()), "C:\\other^Threat^Threat\r\n");
     EXPECT_FALSE(main.timers.tmrMemoryInspected.Enabled() || main.timers.tmrScheduler.Enabled());
     EXPECT_TRUE(main.scan.lvwHardDrives.Empty());
     EXPECT_FALSE(main.Visible());
@@ -69,24 +63,29 @@ TEST_F(ApplicationTest, StartGoesStepByStep) {
     EXPECT_TRUE(main.scan.lvwHardDrives.At(0).checked);
     EXPECT_TRUE(main.timers.tmrMemoryInspected.Enabled());
     EXPECT_NE(main.scan.lblTotalSignatureInTabSignature.Caption(), "");
+    EXPECT_EQ(main.update.txtFTPSignatureZIPFile.Text(), "[NOT UPDATED YET]");
+    EXPECT_EQ(main.results.lvwIgnoredSpywares.Count(), 1u);
     EXPECT_FALSE(main.timers.tmrBlink.Enabled());
     EXPECT_FALSE(main.tray.bRunningInTray());
   };
   EXPECT_TRUE(application->Main());
   EXPECT_TRUE(splash && asked);
+  EXPECT_THAT(host.Texts(), ElementsAre("Signature files are missing. These file are required to "
+                                        "run Quarnel"));
   EXPECT_TRUE(main.timers.tmrBlink.Enabled());
   EXPECT_TRUE(main.tabs.PicSixthTabLiveUpdate.Visible());
   EXPECT_TRUE(main.tray.bRunningInTray());
+  EXPECT_EQ(main.results.lvwIgnoredSpywares.Count(), 2u);
   EXPECT_EQ(main.summary.rows[2].lblSystemSummaryValue.Caption(), "At 12:00:00 AM Daily");
 }
 
 TEST_F(ApplicationTest, TextsOfTheTrayAndTornOnesComeUpUnchecked) {
-  settings.SaveSetting("OptionAndSettings", "optMemorySheildOn", "True");
-  settings.SaveSetting("OptionAndSettings", "optLorrigrid", "no number");
-  settings.SaveSetting("OptionAndSettings", "chkScanRegistry", "7");
-  settings.SaveSetting("OptionAndSettings", "ShowAlways", "perhaps");
-  settings.SaveSetting("OptionAndSettings", "QNLExe.zip", "05.03.2024 14:30:00");
-  settings.SaveSetting("OptionAndSettings", "chkStrict", "1");
+  SetOption("optMemorySheildOn", "True");
+  SetOption("optLorrigrid", "no number");
+  SetOption("chkScanRegistry", "7");
+  SetOption("ShowAlways", "perhaps");
+  SetOption("QNLExe.zip", "05.03.2024 14:30:00");
+  SetOption("chkStrict", "1");
   frmMain& main = Start();
   EXPECT_EQ(main.options.chkMemorySheild.Value(), 0);
   EXPECT_EQ(main.options.chkReportLorrimesh.Value(), 0);
@@ -95,24 +94,13 @@ TEST_F(ApplicationTest, TextsOfTheTrayAndTornOnesComeUpUnchecked) {
   EXPECT_EQ(main.options.chkStrict.Value(), 1);
   EXPECT_TRUE(main.scan.lvwHardDrives.At(0).checked);
   EXPECT_EQ(main.summary.rows[4].lblSystemSummaryValue.Caption(), "05.03.2024 14:30:00");
-  EXPECT_THAT(ReadWholeFile(files(), DataFolder(machine()) + "Quarnel_ErrLogFile.txt"),
-              HasSubstr("Type mismatch"));
-}
-
-TEST_F(ApplicationTest, MissingSignatureLeadsToTheUpdatePage) {
-  files().Delete(DataFolder(machine()) + "QNLList.dll");
-  frmMain& main = Start();
-  EXPECT_THAT(Messages(), ElementsAre("Signature files are missing. These file are required to "
-                                      "run Quarnel"));
-  EXPECT_TRUE(main.tabs.PicSixthTabLiveUpdate.Visible());
-  EXPECT_TRUE(main.timers.tmrBlink.Enabled());
-  WriteWholeFile(files(), DataFolder(machine()) + "QNLList.dll", "");
+  EXPECT_THAT(Read(DataFolder(machine()) + "Quarnel_ErrLogFile.txt"), HasSubstr("Type mismatch"));
 }
 
 TEST_F(ApplicationTest, ScanFindsRecordsAndOpensTheResults) {
   frmMain& main = Start();
   main.scan.ImgStartScanMouseMove.ClickByUser();
-  EXPECT_THAT(Messages(), IsEmpty());
+  EXPECT_THAT(host.Texts(), IsEmpty());
   ASSERT_EQ(main.results.vbatvwResults.Count(), 2U);
   EXPECT_EQ(main.results.vbatvwResults.At(2)->text, "[Found] - " + planted);
   EXPECT_TRUE(main.results.vbatvwResults.At(2)->checked);
@@ -123,10 +111,8 @@ TEST_F(ApplicationTest, ScanFindsRecordsAndOpensTheResults) {
   EXPECT_TRUE(main.results.cmdRemoveSpywares.Visible());
   EXPECT_EQ(main.summary.rows[1].lblSystemSummaryValue.Caption(), "1 threats detected");
   EXPECT_EQ(settings.GetSetting("ScanTime", "Start", ""), "3/5/2024 2:30:00 PM");
-  EXPECT_EQ(ReadWholeFile(files(), DataFolder(machine()) + "10004.qks"),
-            planted + "[[]]Adware[[]]Threat\r\n");
-  EXPECT_EQ(ReadWholeFile(files(), DataFolder(machine()) + "10001.qks"),
-            "Threat[[]]Adware[[]]Any\r\n");
+  EXPECT_EQ(Read(DataFolder(machine()) + "10004.qks"), planted + "[[]]Adware[[]]Threat\r\n");
+  EXPECT_EQ(Read(DataFolder(machine()) + "10001.qks"), "Threat[[]]Adware[[]]Any\r\n");
   cInifile history(files());
   history.SetPath(GetPathWithSlash(machine().ProgramFolder()) + "ScanHistory.ini");
   history.SetSection("Scan History");
@@ -148,35 +134,27 @@ TEST_F(ApplicationTest, CleanMachineIsCongratulatedOnce) {
   files().Delete(planted);
   frmMain& main = Start();
   main.scan.ImgStartScanMouseMove.ClickByUser();
-  EXPECT_THAT(Messages(), ElementsAre("Congratulations! No Spyware found on your system."));
+  EXPECT_THAT(host.Texts(), ElementsAre("Congratulations! No Spyware found on your system."));
   EXPECT_EQ(host.messages[0].icon, MessageIcon::kExclamation);
   EXPECT_TRUE(main.summary.picSummary.Visible());
 }
 
 TEST_F(ApplicationTest, TornOptionsAndCountsHideNothing) {
-  Install({.registry = "C,T,1,1,Software\\None,,\n",
-           .files = "Any,Threat,1,31,Planted.txt,,7\n",
-           .blockedCookies = "*.example\n"});
-  const std::string cookie = GetPath(machine(), csidl::kCookies) + "\\u@an.example[1].txt";
-  CreateFolders(files(), cookie.substr(0, cookie.rfind('\\')));
-  WriteWholeFile(files(), cookie, "x");
-  for (const std::string_view option : {"chkScanCookies", "chkSweepMemory", "chkScanRegistry"}) {
-    settings.SaveSetting("OptionAndSettings", option, "perhaps");
-  }
+  const std::string cookie = Write(GetPath(machine(), csidl::kCookies) + "\\u@an.example[1].txt");
+  SetOption("chkScanCookies", "perhaps");
   for (const std::string_view name : {"QNLFSig.dll", "QNLESig.dll", "QNLRSig.dll"}) {
     const std::string path = DataFolder(machine()) + std::string(name);
-    const std::string text = ReadWholeFile(files(), path);
-    WriteWholeFile(files(), path, "-70000" + text.substr(text.find('\r')));
+    const std::string text = Read(path);
+    Write(path, "-70000" + text.substr(text.find('\r')));
   }
   frmMain& main = Start();
   EXPECT_EQ(main.scan.lblTotalNoOfSignature.Caption(), "-210000");
   main.scan.ImgStartScanMouseMove.ClickByUser();
   EXPECT_EQ(main.results.lvwFilesToBeDeleted.Count(), 1U);
   EXPECT_EQ(main.results.lbltracesFound.Caption(), "1");
-  EXPECT_EQ(main.scan.lblRegistryInspected.Caption(), "1");
   EXPECT_FALSE(ScanRuns(main.scan));
   files().Delete(cookie);
-  EXPECT_THAT(Messages(), IsEmpty());
+  EXPECT_THAT(host.Texts(), IsEmpty());
 }
 
 // Neither a full disk nor missing rights may keep a scan from its end.
@@ -192,7 +170,7 @@ TEST_F(ApplicationTest, ScanWhoseRecordsCannotBeSavedEndsAndTells) {
   for (const std::string& path : {history, dump}) files().DeleteFolder(path);
   EXPECT_FALSE(ScanRuns(main.scan));
   EXPECT_TRUE(main.results.cmdRemoveSpywares.Visible());
-  EXPECT_THAT(Messages(), IsEmpty());
+  EXPECT_THAT(host.Texts(), IsEmpty());
   EXPECT_EQ(main.engine().CouldNotRead().NotSaved().size(), 2U);
   EXPECT_THAT(std::string(main.results.txtSpywareDescription.Text()),
               HasSubstr("Not saved: ScanHistory.ini: "));
@@ -202,7 +180,11 @@ TEST_F(ApplicationTest, PhasesWithoutSignaturesAreNamedAndNothingIsCalledClean) 
   files().Delete(planted);
   frmMain& main = Start();
   files().Delete(DataFolder(machine()) + "QNLRSig.dll");
-  WriteWholeFile(files(), DataFolder(machine()) + "QNLESig.dll", "");
+  Write(DataFolder(machine()) + "QNLESig.dll", "");
+  // A torn option is no reason to leave a phase out.
+  for (const char* option : {"chkSweepMemory", "chkScanRegistry", "chkDeepScan"}) {
+    SetOption(option, "perhaps");
+  }
   main.scan.ImgStartScanMouseMove.ClickByUser();
   EXPECT_THAT(main.engine().CouldNotRead().NotRun(),
               ElementsAre("Memory: QNLESig.dll is empty", "Registry: QNLRSig.dll is missing",
@@ -240,15 +222,11 @@ TEST_F(RunningScanTest, UsersStopAsks) {
   ScanWith(main, pressStop);
   EXPECT_LT(Found(main), 20U);
   EXPECT_EQ(main.scan.lblStatus.Caption(), "Scanning cancelled.");
-  EXPECT_THAT(Messages(), ElementsAre("Are you sure you want to stop the scan process?",
-                                      "Are you sure you want to stop the scan process?"));
-}
-
-TEST_F(RunningScanTest, StopByCodeAsksNothing) {
-  frmMain& main = Start();
+  // A stop by code asks nothing.
   ScanWith(main, [&] { main.scan.ImgStopScanMouseMove.ClickByUser(); });
-  EXPECT_THAT(Messages(), IsEmpty());
   EXPECT_LT(Found(main), 20U);
+  EXPECT_THAT(host.Texts(), ElementsAre("Are you sure you want to stop the scan process?",
+                                        "Are you sure you want to stop the scan process?"));
 }
 
 TEST_F(RunningScanTest, UsersStopWithNothingFoundCongratulatesOnce) {
@@ -259,8 +237,8 @@ TEST_F(RunningScanTest, UsersStopWithNothingFoundCongratulatesOnce) {
     main.scan.ImgStopScanMouseMove.MouseDown();
     main.scan.ImgStopScanMouseMove.ClickByUser();
   });
-  EXPECT_THAT(Messages(), ElementsAre("Are you sure you want to stop the scan process?",
-                                      "Congratulations! No Spyware found on your system."));
+  EXPECT_THAT(host.Texts(), ElementsAre("Are you sure you want to stop the scan process?",
+                                        "Congratulations! No Spyware found on your system."));
 }
 
 TEST_F(RunningScanTest, PauseAndCloseAndTabsFromInside) {
@@ -323,7 +301,7 @@ TEST_F(ApplicationTest, SkippedQuestionWithoutAnAnswerMinimises) {
 TEST_F(ApplicationTest, SessionEndForgetsTheDeclinedPrograms) {
   frmMain& main = Start();
   const std::string declined = DataFolder(machine()) + "ENoSignature.dll";
-  WriteWholeFile(files(), declined, "x");
+  Write(declined, "x");
   EXPECT_TRUE(main.Close(UnloadMode::kSessionEnd));
   EXPECT_FALSE(FileExists(files(), declined));
 }
@@ -334,8 +312,8 @@ TEST_F(ApplicationTest, OptionsWriteThrough) {
   EXPECT_EQ(settings.GetSetting("Settings", "Button", ""), "6");
   EXPECT_EQ(settings.GetSetting("Settings", "chkSkipMessages", ""), "1");
   main.options.optSkipClosingAndDonotShow.ClickByUser();
-  EXPECT_EQ(settings.GetSetting("OptionAndSettings", "SkipClosingAndDonotShow", ""), "True");
-  EXPECT_EQ(settings.GetSetting("OptionAndSettings", "ShowAlways", ""), "False");
+  EXPECT_EQ(Option("SkipClosingAndDonotShow"), "True");
+  EXPECT_EQ(Option("ShowAlways"), "False");
   main.scan.lvwHardDrives.CheckByUser(0, false);
   EXPECT_EQ(settings.GetSetting("Drives", "Drive C: Fixed Disk", ""), "False");
   // A stray change of the alert option is taken back by its timer.
@@ -384,7 +362,7 @@ TEST_F(ApplicationTest, StartsInTheTrayOnce) {
 TEST_F(ApplicationTest, DetailAndCopyOfTheResults) {
   frmMain& main = Start();
   main.results.cmdViewSpywareDetail.ClickByUser();
-  EXPECT_THAT(Messages(), ElementsAre("There is no Spyware/Adware in the results list."));
+  EXPECT_THAT(host.Texts(), ElementsAre("There is no Spyware/Adware in the results list."));
   main.scan.ImgStartScanMouseMove.ClickByUser();
   main.results.Command1.ClickByUser();
   EXPECT_EQ(host.clipboard, "\r\nThreat\r\n[Found] - " + planted + "\r\n");
@@ -395,10 +373,6 @@ TEST_F(ApplicationTest, DetailAndCopyOfTheResults) {
   main.results.vbatvwResults.ClickByUser(main.results.vbatvwResults.At(1));
   EXPECT_EQ(std::string(main.results.txtSpywareDescription.Text()),
             "Threat Name:Threat\r\nTraces under this Threat:1");
-  main.results.ImgAddToIgnoredListNormal.ClickByUser();
-  EXPECT_EQ(host.messages.back().text,
-            "Added selected spyware successfully to [Ignored Spyware] List.");
-  EXPECT_EQ(ReadWholeFile(files(), SafeListPath(machine())), planted + "^Threat^Threat\r\n");
 }
 
 TEST_F(ApplicationTest, SecondInstanceEndsAtOnce) {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "base/text.h"
 #include "core/paths.h"
 #include "recovery/restore_point.h"
 #include "support/platform_fixture.h"
@@ -14,14 +15,7 @@ class RestoreFormTest : public PlatformTest {
  protected:
   RestoreFormTest() { CreateFolders(files(), BackupFolder(machine())); }
   void Make(std::string_view name) {
-    WriteWholeFile(files(), BackupFolder(machine()) + "\\" + std::string(name), "x");
-  }
-  std::vector<std::string> Remaining() {
-    std::vector<std::string> names;
-    for (const DirectoryEntry& entry : files().List(BackupFolder(machine()))) {
-      names.push_back(entry.name);
-    }
-    return names;
+    Write(Join({BackupFolder(machine()), std::string(name)}, "\\"));
   }
   frmRestore& Form() { return form_.Touch(); }
 
@@ -70,10 +64,10 @@ TEST_F(RestoreFormTest, DeletesAPointWithItsManifestAndKeepsItsCookies) {
   form.lvwBackups.SelectByUser(0);
   host.answers = {Answer::kNo, Answer::kYes};
   form.cmdDeleteBackup.ClickByUser();
-  EXPECT_EQ(Remaining().size(), 6U);
+  EXPECT_EQ(Names(BackupFolder(machine())).size(), 6U);
   form.cmdDeleteBackup.ClickByUser();
-  EXPECT_EQ(Remaining(), (std::vector<std::string>{"1_20240131235959_COOKIESBK.bkp",
-                                                   "1_20240131235959_COOKIESBK_DET.bkp"}));
+  EXPECT_EQ(Names(BackupFolder(machine())),
+            (Strings{"1_20240131235959_COOKIESBK.bkp", "1_20240131235959_COOKIESBK_DET.bkp"}));
   EXPECT_TRUE(form.lvwBackups.Empty());
   form.cmdDeleteBackup.ClickByUser();
   form.cmdOK.ClickByUser();
@@ -97,8 +91,7 @@ TEST_F(RestoreFormTest, ActsOnNothingThatIsNotSelected) {
     host.answers = {Answer::kYes};
     form.cmdDeleteBackup.ClickByUser();
   }
-  EXPECT_EQ(selected,
-            (std::vector<std::string>{"2_20240131235958", "3_20230131235959", "1_20240131235959"}));
+  EXPECT_EQ(selected, (Strings{"2_20240131235958", "3_20230131235959", "1_20240131235959"}));
   EXPECT_TRUE(form.cmdOK.Enabled() && form.cmdDeleteBackup.Enabled());
 }
 

@@ -1,14 +1,9 @@
-#include <gmock/gmock.h>
-
 #include "core/product.h"
 #include "ui/alerts/slide_in.h"
 #include "ui/application_fixture.h"
 
 namespace quarnel {
 namespace {
-
-using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 
 constexpr double kRightButtonUp = 7755.0;
 constexpr double kDoubleClick = 7725.0;
@@ -20,9 +15,6 @@ class MenuTest : public RunningScanTest {
     return application->forms().menuPopUp.Touch();
   }
   bool MenuIsOpen() { return application->forms().menuPopUp.IsLoaded(); }
-  std::string Stored(std::string_view key) {
-    return settings.GetSetting("OptionAndSettings", key, "(absent)");
-  }
 };
 
 TEST_F(MenuTest, IconStandsFromTheStartOn) {
@@ -88,39 +80,23 @@ TEST_F(MenuTest, SlidesUpWaitsAndSlidesDown) {
   EXPECT_FALSE(MenuIsOpen());
 }
 
-TEST_F(MenuTest, RowsLightUpUnderTheMouse) {
-  frmMenuPopUp& menu = OpenMenu(Start());
-  const auto lit = [&] {
-    std::vector<std::string> names;
-    for (const MenuItem* row : menu.Rows()) {
-      if (row->Highlighted()) names.push_back(row->Name());
-    }
-    return names;
-  };
-  menu.mnuOptions.MouseMove();
-  menu.mnuAbout.MouseMove();
-  EXPECT_THAT(lit(), ElementsAre("mnuAbout"));
-  menu.imgMenuPopupBelow.MouseMove();
-  EXPECT_THAT(lit(), IsEmpty());
-}
-
 TEST_F(MenuTest, TogglesWriteTheirWordsAndRepaint) {
   frmMain& main = Start();
   frmMenuPopUp& menu = OpenMenu(main);
   EXPECT_EQ(menu.lblMenuMemorySheild.Caption(), "on");
   EXPECT_EQ(menu.PicMenuMemorySheild.Picture(), 2);
   menu.mnuMemorySheild.ClickByUser();
-  EXPECT_EQ(Stored("optMemorySheildOn"), "False");
-  EXPECT_EQ(Stored("optMemorySheildOff"), "True");
+  EXPECT_EQ(Option("optMemorySheildOn"), "False");
+  EXPECT_EQ(Option("optMemorySheildOff"), "True");
   EXPECT_EQ(menu.lblMenuMemorySheild.Caption(), "off");
   EXPECT_EQ(menu.PicMenuMemorySheild.Picture(), 1);
   EXPECT_FALSE(main.timers.tmrMemoryInspected.Enabled());
   menu.mnuMemorySheild.ClickByUser();
-  EXPECT_EQ(Stored("optMemorySheildOn"), "True");
+  EXPECT_EQ(Option("optMemorySheildOn"), "True");
   EXPECT_TRUE(main.timers.tmrMemoryInspected.Enabled());
 
   menu.mnuCookieSheild.ClickByUser();
-  EXPECT_EQ(Stored("chkScanCookies"), "False");
+  EXPECT_EQ(Option("chkScanCookies"), "False");
 
   const auto runs = [&] {
     RegistryValue value;
@@ -143,18 +119,18 @@ TEST_F(MenuTest, ToggleOfAnAbsentSettingStartsFromItsOwnFallback) {
   frmMenuPopUp& menu = OpenMenu(application->MainForm());
   EXPECT_EQ(menu.lblMnuCookieSheild.Caption(), "on");
   menu.mnuCookieSheild.ClickByUser();
-  EXPECT_EQ(Stored("chkScanCookies"), "True");
+  EXPECT_EQ(Option("chkScanCookies"), "True");
 }
 
 TEST_F(MenuTest, TornSettingReadsAsOffAndCanBePutRight) {
   Start();
   for (const std::string_view torn : {"", "maybe", "\xFF\xFE", "99999999999999999999x"}) {
-    settings.SaveSetting("OptionAndSettings", "optMemorySheildOn", torn);
+    SetOption("optMemorySheildOn", torn);
     frmMenuPopUp& menu = OpenMenu(application->MainForm());
     EXPECT_TRUE(menu.Visible());
     EXPECT_EQ(menu.lblMenuMemorySheild.Caption(), "off");
     menu.mnuMemorySheild.ClickByUser();
-    EXPECT_EQ(Stored("optMemorySheildOn"), "True");
+    EXPECT_EQ(Option("optMemorySheildOn"), "True");
     menu.lblMenuClose.ClickByUser();
   }
 }
@@ -196,13 +172,6 @@ TEST_F(MenuTest, RunningScanIsAskedFor) {
   host.answers = {Answer::kYes};
   EXPECT_TRUE(Ends([&] { OpenMenu(main).mnuClose.ClickByUser(); }));
   EXPECT_FALSE(main.trayIcon.Visible());
-}
-
-TEST_F(MenuTest, DownloadHoldsTheScanBack) {
-  frmMain& main = Start();
-  main.update.cmdDownload.SetVisible(false);
-  main.update.cmdFTPDownloadCancel.SetVisible(true);
-  EXPECT_FALSE(OpenMenu(main).mnuScanNow.Enabled());
 }
 
 }  // namespace

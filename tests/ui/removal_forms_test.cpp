@@ -1,5 +1,3 @@
-#include <gmock/gmock.h>
-
 #include "platform/registry.h"
 #include "ui/application_fixture.h"
 
@@ -7,16 +5,11 @@
 namespace quarnel {
 namespace {
 
-using ::testing::ElementsAre;
-using ::testing::ElementsAreArray;
-
 class RemovalFormsTest : public ApplicationTest {
  protected:
   ~RemovalFormsTest() override {
-    DeleteKeyTree(registry(), hive::kCurrentUser, std::string(kTestKey), nullptr);
     for (const char* folder : {"Backup", "Quarantine"}) {
-      const std::string path = GetPathWithSlash(machine().ProgramFolder()) + folder;
-      if (files().Stat(path)) DeleteTree(files(), path);
+      DeleteTree(files(), GetPathWithSlash(machine().ProgramFolder()) + folder);
     }
   }
 
@@ -43,11 +36,6 @@ class RemovalFormsTest : public ApplicationTest {
     DeclineRestart();
     main.results.cmdRemoveSpywares.ClickByUser();
   }
-  bool Exists(std::string_view path) { return files().Stat(path).has_value(); }
-  std::string Option(std::string_view key) {
-    return settings.GetSetting("OptionAndSettings", key, "(absent)");
-  }
-
   std::vector<std::string> seen;
 };
 
@@ -59,7 +47,7 @@ TEST_F(RemovalFormsTest, RestoresWhatWasRemovedPlainlyOrStrictly) {
   for (const bool strict : {false, true}) {
     // On a running system the tests may lie on another drive, to which all would plainly come back.
     if (!strict && planted[0] != machine().ProgramFolder()[0]) continue;
-    WriteWholeFile(files(), planted, "x");
+    Write(planted, "x");
     files().SetModified(planted, time);
     std::unique_ptr<RegistryKey> open;
     registry().Create(hive::kCurrentUser, key, open);
@@ -92,7 +80,7 @@ TEST_F(RemovalFormsTest, RestoresWhatWasRemovedPlainlyOrStrictly) {
     // Once more, with everything in its place.
     main.backup.cmdRestore.ClickByUser();
     EXPECT_EQ(host.messages.back().text, "Restore process completed successfully.");
-    EXPECT_EQ(ReadWholeFile(files(), planted), "x");
+    EXPECT_EQ(Read(planted), "x");
     application.reset();
     host.virtualClock().Pass(std::chrono::seconds(1));
   }
@@ -125,21 +113,19 @@ TEST_F(RemovalFormsTest, ClicksInTheMiddleOfARemovalOrARestoreStartNothing) {
   host.onEvents = nullptr;
   EXPECT_THAT(seen, ElementsAre("frmRestore"));
   EXPECT_EQ(host.messages.size(), 2U);
-  EXPECT_EQ(ReadWholeFile(files(), planted), "x");
+  EXPECT_EQ(Read(planted), "x");
 }
 
 TEST_F(RemovalFormsTest, BrowserPromptSettlesTheQuestionAsItsBoxSays) {
-  struct Case {
-    bool yes;
-    bool skip;
-    std::vector<std::string> options;  // always, close, skip
-  };
-  const Case cases[] = {{true, false, {"True", "False", "False"}},
-                        {false, false, {"True", "False", "False"}},
-                        {true, true, {"False", "True", "False"}},
-                        {false, true, {"False", "False", "True"}}};
-  for (const Case& test : cases) {
-    WriteWholeFile(files(), planted, "x");
+  const struct {
+    bool yes, skip;
+    std::string options;  // always, close, skip
+  } cases[] = {{true, false, "True False False"},
+               {false, false, "True False False"},
+               {true, true, "False True False"},
+               {false, true, "False False True"}};
+  for (const auto& test : cases) {
+    Write(planted, "x");
     frmMain& main = ScanAndTick();
     main.options.optShowAlways.ClickByUser();
     seen.clear();
@@ -151,10 +137,10 @@ TEST_F(RemovalFormsTest, BrowserPromptSettlesTheQuestionAsItsBoxSays) {
     });
     Remove(main);
     EXPECT_THAT(seen, ElementsAre("frmCloseIE", "frmReBootMachine"));
-    EXPECT_THAT(
-        (std::vector<std::string>{Option("ShowAlways"), Option("CloseAllIEAndDonotShowIfFuture"),
-                                  Option("SkipClosingAndDonotShow")}),
-        ElementsAreArray(test.options));
+    EXPECT_EQ(Join({Option("ShowAlways"), Option("CloseAllIEAndDonotShowIfFuture"),
+                    Option("SkipClosingAndDonotShow")},
+                   " "),
+              test.options);
     EXPECT_FALSE(Exists(planted));
     application.reset();
   }
@@ -170,7 +156,7 @@ TEST_F(RemovalFormsTest, RestartPromptRestartsOrLetsTheRemovalEnd) {
     EXPECT_FALSE(main.removal.picRemoveSummary.Visible());
     // The button does nothing on a machine folder, and a line beside it says so.
     EXPECT_EQ(form.lblCannotRestart.Visible(), !platform().power().CanRestart());
-    settings.SaveSetting("OptionAndSettings", "Reboot Required", "True");
+    SetOption("Reboot Required", "True");
     form.cmdClose.ClickByUser();
   });
   main.results.cmdRemoveSpywares.ClickByUser();
@@ -193,6 +179,7 @@ TEST_F(RemovalFormsTest, SafeListHoldsATraceBackUntilItIsTakenOut) {
   main.results.ImgAddToIgnoredListNormal.ClickByUser();
   EXPECT_EQ(host.messages.back().text,
             "Added selected spyware successfully to [Ignored Spyware] List.");
+  EXPECT_EQ(Read(SafeListPath(machine())), planted + "^Threat^Threat\r\n");
   Remove(main);
   EXPECT_TRUE(Exists(planted));
   const auto open = [&](const std::function<void(frmIngnoredSpywares&)>& user) {

@@ -1,5 +1,3 @@
-#include <gmock/gmock.h>
-
 #include "controls/list_view.h"
 #include "protection/kill_bits.h"
 #include "signatures/complement.h"
@@ -8,13 +6,11 @@
 namespace quarnel {
 namespace {
 
-using testing::ElementsAre;
-
 // The ActiveX shield knows two controls and, at the end, a name without an identifier.
 class ShieldTest : public ApplicationTest {
  protected:
   ShieldTest() {
-    WriteWholeFile(files(), path, ComplementBytes("A,{1}\r\n\"B, b\",{2}\r\nlast"));
+    Write(path, ComplementBytes("A,{1}\r\n\"B, b\",{2}\r\nlast"));
     RemoveKeys();
     Play("frmImmunize");
     Play("frmDeImmunize");
@@ -46,7 +42,7 @@ class ShieldTest : public ApplicationTest {
     return QueryText(registry(), hive::kLocalMachine, kKey + id, "Compatibility Flags");
   }
   std::vector<std::string> Bits() { return {Flags("{1}"), Flags("{2}")}; }
-  std::string Stored() { return settings.GetSetting("OptionAndSettings", "Sheild", "-"); }
+  std::string Stored() { return Option("Sheild"); }
 
   const std::string kKey = "Software\\Microsoft\\Internet Explorer\\ActiveX Compatibility\\";
   std::string path = DataFolder(machine()) + "QNLImmData.dll";
@@ -56,7 +52,7 @@ class ShieldTest : public ApplicationTest {
 TEST_F(ShieldTest, BoxAndButtonsApplyAndRemove) {
   frmMain& main = Start();
   // An end of an earlier, longer copy is no part of the list.
-  WriteWholeFile(files(), path + ".tmp", std::string(99, 'x'));
+  Write(path + ".tmp", std::string(99, 'x'));
   main.options.chkSelfDownloadingActivex.ClickByUser();
   EXPECT_THAT(Bits(), ElementsAre("1024", "1024"));
   EXPECT_EQ(Stored(), "1");
@@ -123,7 +119,7 @@ TEST_F(ShieldTest, MissingFileIsAskedForAndStoresNothing) {
   EXPECT_TRUE(main.timers.tmrBlink.Enabled());
   EXPECT_TRUE(main.tabs.PicSixthTabLiveUpdate.Visible());
   EXPECT_TRUE(main.tabs.imgMainTabC[4]->Visible());
-  EXPECT_EQ(Stored(), "-");
+  EXPECT_EQ(Stored(), "(absent)");
   EXPECT_THAT(shown, ElementsAre());
 }
 
@@ -139,7 +135,7 @@ TEST_F(ShieldTest, ListOfTheControls) {
   ListView list(form, "lvwSpywares", {"Name", "CLSID"});
   ErrorLog log(files(), machine(), host, "Quarnel");
   const Services services{platform(), host, settings, log};
-  WriteWholeFile(files(), path + ".tmp", "A,{1}\r\nlast");
+  Write(path + ".tmp", "A,{1}\r\nlast");
   LoadSpywaresInListview(services, list, path + ".tmp");
   ASSERT_EQ(list.Count(), 2u);
   EXPECT_EQ(list.At(0).text + list.At(0).tag, "A{1}");

@@ -52,33 +52,5 @@ TEST(SlideIn, TellsTheMouseOverAWindow) {
   }
 }
 
-TEST(SlideIn, StepsUntilItHasArrived) {
-  class frmAlert : public Form {
-   public:
-    explicit frmAlert(Host& host) : Form(host, "frmAlert") {
-      SetPlace({.width = 4500, .height = 3000});
-      tmrPopup.Tick = [this] { arrived = slide.Tick() || arrived; };
-    }
-    Timer tmrPopup{*this, "tmrPopup", Milliseconds(1), false};
-    SlideIn slide{*this, tmrPopup, 500};
-    bool arrived = false;
-  };
-  TestHost host;
-  frmAlert alert(host);
-  alert.Load();
-  alert.slide.Start();
-  EXPECT_TRUE(alert.Visible());
-  EXPECT_TRUE(alert.TopMost());
-  EXPECT_EQ(alert.Place().top, 10701);
-  host.Advance(Milliseconds(2));
-  EXPECT_EQ(alert.Place().top, 9701);
-  EXPECT_EQ(alert.FrontRequests(), 2U);
-  host.Advance(Milliseconds(100));
-  // The first Top at or above the target of 8036.
-  EXPECT_EQ(alert.Place().top, 7701);
-  EXPECT_TRUE(alert.arrived);
-  EXPECT_FALSE(alert.tmrPopup.Enabled());
-}
-
 }  // namespace
 }  // namespace quarnel

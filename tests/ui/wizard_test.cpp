@@ -1,14 +1,10 @@
 #include "ui/wizard/wizard.h"
 
-#include <gmock/gmock.h>
-
 #include "core/product.h"
 #include "ui/application_fixture.h"
 
 namespace quarnel {
 namespace {
-
-using ::testing::ElementsAre;
 
 class WizardTest : public ApplicationTest {
  protected:
@@ -31,7 +27,6 @@ class WizardTest : public ApplicationTest {
   std::string Stored(std::string_view section, std::string_view key) {
     return settings.GetSetting(section, key, "(absent)");
   }
-  std::string Option(std::string_view key) { return Stored("OptionAndSettings", key); }
   void Run(const std::map<std::string, Clicks>& pages) {
     shown.clear();
     Play(pages);
@@ -119,15 +114,6 @@ TEST_F(WizardTest, RunsBeforeTheWindowAtTheFirstStartOnly) {
   application.reset();
   start();
   EXPECT_TRUE(shown.empty());
-}
-
-TEST_F(WizardTest, NightlyScanIsWhatTheScheduleShowsAfterwards) {
-  Run({{"frmWizard4", {"cmdEnterapplicationNow"}}});
-  frmMain& main = Start();
-  EXPECT_TRUE(main.schedule.chkAutomaticScanYesOrNo.Checked());
-  EXPECT_EQ(main.schedule.cmbDays.Text(), "Daily");
-  EXPECT_EQ(main.schedule.dtpScheduleTime.ValueText(), "12:00:00 AM");
-  EXPECT_TRUE(main.timers.tmrScheduler.Enabled());
 }
 
 TEST_F(WizardTest, LearnMoreShowsThePageOfTheProgramsFolder) {
