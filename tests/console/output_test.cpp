@@ -87,19 +87,6 @@ TEST(ScanSummary, AScanThatWasNotWholeIsNotCalledClean) {
             "Nothing found, and not all was scanned. Scanning completed. Not all was scanned.\n");
 }
 
-TEST(ScanSummary, ColoursChangeNothingElse) {
-  std::ostringstream plain;
-  std::ostringstream coloured;
-  PrintSummary(Sample(), plain, false);
-  PrintSummary(Sample(), coloured, true);
-  std::string text = coloured.str();
-  for (size_t i; (i = text.find('\033')) != std::string::npos;) {
-    text.erase(i, text.find('m', i) - i + 1);
-  }
-  EXPECT_EQ(text, plain.str());
-  EXPECT_NE(coloured.str(), plain.str());
-}
-
 TEST(ScanSummary, Json) {
   std::ostringstream out;
   RecordWriter records(out, RecordWriter::Format::kJson);

@@ -61,17 +61,6 @@ TEST_F(Forms, LiveAsWindowsDo) {
   EXPECT_TRUE(host.LoadedForms().empty());
 }
 
-TEST_F(Forms, AreMadeAnewWhenTouchedAfterTheirEnd) {
-  FormSlot<LoggedForm> slot([this] { return std::make_unique<LoggedForm>(host, log); });
-  EXPECT_FALSE(slot.IsLoaded());
-  slot->chkOne.SetValue(1);
-  EXPECT_EQ(slot->chkOne.Value(), 1);
-  slot.Unload();
-  slot.Unload();
-  EXPECT_EQ(slot->chkOne.Value(), 0);
-  EXPECT_EQ(Taken(), "load query1 unload load ");
-}
-
 // A button that closes its form and opens it again, twice over, still stands in its own handler.
 TEST_F(Forms, StayReadableInsideTheirOwnHandlers) {
   FormSlot<LoggedForm> slot([this] { return std::make_unique<LoggedForm>(host, log); });

@@ -4,10 +4,11 @@
 
 #include "base/text.h"
 #include "core/error_log.h"
-#include "core/existing_files.h"
+#include "core/open_in_browser.h"
 #include "core/paths.h"
 #include "core/product.h"
 #include "core/startup.h"
+#include "support/machine_in.h"
 #include "support/platform_fixture.h"
 #include "support/test_host.h"
 
@@ -115,7 +116,6 @@ TEST_F(SettingsTest, FormsAsWritten) {
     settings.Save(key, value);
     return settings.GetSetting(key.place.section, key.place.name, "(absent)");
   };
-  EXPECT_EQ(written(setting::kScanCookies, 1), "1");
   EXPECT_EQ(written(setting::kTrayCookies, true), "True");
   EXPECT_EQ(settings.Get(setting::kScanCookies), 0) << "the option page takes no words";
   EXPECT_EQ(written(setting::kNotification, false), "No");
@@ -168,42 +168,22 @@ TEST_F(SettingsTest, ResetEndsWhenAKeyStays) {
             RegistryStatus::kSuccess);
 }
 
-struct FakeDesktop : Desktop {
-  void EnumWindows(const std::function<bool(WindowId, std::string_view)>&) override {}
-  void PostClose(WindowId) override {}
-  std::optional<WindowId> FindWindow(std::string_view name, std::string_view caption) override {
-    asked.emplace_back(caption);
-    EXPECT_EQ(name, "ThunderRT6FormDC");
-    return caption == present ? std::optional<WindowId>(7) : std::nullopt;
-  }
-  void BringForward(WindowId window) override { forward = window; }
-  void Announce(std::string_view, std::string_view) override {}
-
-  std::string present;
-  std::vector<std::string> asked;
-  WindowId forward = 0;
-};
-
 TEST_F(SettingsTest, AnotherInstanceIsFoundByItsCaption) {
-  FakeDesktop desktop;
-  EXPECT_FALSE(IsPrevInstanceRunning(desktop, settings));
-  EXPECT_EQ(desktop.asked, (Strings{"Getting Started with QuarnelTest", "QuarnelTest v3.0.4"}));
-  EXPECT_EQ(desktop.forward, 0u);
+  const auto other = OpenPlatform(machineFolder());
+  const auto isFoundAs = [&](std::string_view caption) {
+    other->desktop().Announce(kWindowClass, caption);
+    const bool found = IsPrevInstanceRunning(platform().desktop(), settings);
+    other->desktop().Announce(kWindowClass, "");
+    return found;
+  };
+  EXPECT_TRUE(isFoundAs("Getting Started with QuarnelTest"));
+  EXPECT_TRUE(isFoundAs("QuarnelTest v3.0.4"));
+  EXPECT_FALSE(isFoundAs("Quarnel v3.0.4"));
   // An installed update overrules the version record, for the window and for who looks for it.
   settings.Save(setting::kApplicationVersion, "3.1.0");
-  desktop.present = "QuarnelTest v3.1.0";
-  EXPECT_TRUE(IsPrevInstanceRunning(desktop, settings));
-  EXPECT_EQ(desktop.forward, 7u);
+  EXPECT_TRUE(isFoundAs("QuarnelTest v3.1.0"));
+  EXPECT_FALSE(isFoundAs("QuarnelTest v3.0.4"));
   EXPECT_EQ(SignatureVersion(settings), "3.0.4");
-}
-
-TEST_F(SettingsTest, TheOldExecutableGoes) {
-  const std::string path =
-      GetPathWithSlash(machine().ProgramFolder()) + "old" + ToUpper(kExecutableName) + ".EXE";
-  DeleteOldExe(files(), machine());
-  WriteWholeFile(files(), path, "x");
-  DeleteOldExe(files(), machine());
-  EXPECT_FALSE(FileExists(files(), path));
 }
 
 TEST_F(SettingsTest, ErrorLogEntries) {
@@ -229,10 +209,71 @@ TEST_F(SettingsTest, ErrorLogEntries) {
   EXPECT_THROW(log.WriteErrorLog("late too", RuntimeError(ErrorNumber::kOverflow)), RuntimeError);
   files().DeleteFolder(log.Path());
   Reporting(log, "next", [] { throw RuntimeError(ErrorNumber::kOverflow); });
-  const std::string text = ReadWholeFile(files(), log.Path());
+  const std::string text = Read(log.Path());
   EXPECT_LT(text.find("PMlate\r\n"), text.find("PMlate too\r\n"));
   EXPECT_LT(text.find("PMlate too\r\n"), text.find("PMnext\r\n"));
   files().Delete(log.Path());
+}
+
+using OpenInBrowserTest = PlatformTest;
+
+// A shell whose answers are set.
+struct ScriptedShell : Shell {
+  std::optional<std::string> browser = "browser";
+  bool runs = true;
+  std::string ran;
+
+  std::optional<std::string> FindExecutable(std::string_view path) override {
+    ran = path;
+    return browser;
+  }
+  bool Run(std::string_view program, std::string_view argument) override {
+    ran = std::string(program) + " " + std::string(argument);
+    return runs;
+  }
+  std::optional<std::string> ShortcutTarget(std::string_view) override { return std::nullopt; }
+  bool CallRegistrationEntry(std::string_view, std::string_view) override { return false; }
+};
+
+struct OtherTemp : MachineIn {
+  OtherTemp(Machine& machine, std::optional<std::string> folder)
+      : MachineIn(machine, ""), temp(std::move(folder)) {}
+  std::optional<std::string> TempFolder() override { return temp; }
+  std::optional<std::string> temp;
+};
+
+TEST_F(OpenInBrowserTest, OpensAnAddressOrSaysWhyNot) {
+  const struct {
+    std::optional<std::string> temp;
+    std::string_view text, title;
+    MessageIcon icon;
+    bool hasBrowser = true, runs = true, leavesFile = false;
+  } cases[] = {
+      {std::nullopt, "Sorry! file  cannot be created.", "Title", MessageIcon::kInformation},
+      {Path("missing"), "Sorry! file  cannot be created.", "Title", MessageIcon::kInformation},
+      {Scratch(), "Could not find associated application!", "Browser Not Found",
+       MessageIcon::kExclamation, false, true, true},
+      {Scratch(), "Page not Opened.", "URL Failed", MessageIcon::kNone, true, false},
+      {Scratch(), "", "", MessageIcon::kNone},
+  };
+  for (const auto& test : cases) {
+    ScriptedShell shell;
+    if (!test.hasBrowser) shell.browser.reset();
+    shell.runs = test.runs;
+    OtherTemp temp(machine(), test.temp);
+    TestHost host;
+    OpenInBrowser(shell, temp, files(), host, "http://a.example/?x=1&y", "htm", "Title");
+    ASSERT_EQ(host.messages.size(), test.text.empty() ? 0U : 1U) << test.text;
+    if (!host.messages.empty()) {
+      EXPECT_EQ(host.messages[0].text, test.text);
+      EXPECT_EQ(host.messages[0].title, test.title);
+      EXPECT_EQ(host.messages[0].icon, test.icon);
+    } else {
+      EXPECT_EQ(shell.ran, "browser http://a.example/?x=1&y");
+    }
+    EXPECT_EQ(files().Stat(Path("temphtm.htm")).has_value(), test.leavesFile) << test.text;
+    IgnoringErrors([&] { files().Delete(Path("temphtm.htm")); });
+  }
 }
 
 }  // namespace

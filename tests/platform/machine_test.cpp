@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "base/text.h"
+#include "platform/power.h"
 #include "support/platform_fixture.h"
 
 namespace quarnel {
@@ -62,6 +63,12 @@ TEST_F(MachineTest, DrivesAndVolumes) {
   }
   EXPECT_EQ(machine().Volume(std::string{missing, ':', '\\'}), std::nullopt);
   EXPECT_EQ(machine().Volume(""), std::nullopt);
+}
+
+TEST_F(MachineTest, AMachineThatDeclinesGoesOn) {
+  EXPECT_EQ(platform().power().CanRestart(), machineFolder().empty());
+  EXPECT_FALSE(platform().power().Restart());
+  EXPECT_FALSE(ReBootMachine(platform().power()));
 }
 
 }  // namespace

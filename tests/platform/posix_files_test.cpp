@@ -327,13 +327,5 @@ TEST(UniqueFdTest, ClosesOnceAndMoves) {
   EXPECT_FALSE(isOpen(second));
 }
 
-TEST_F(PosixFilesTest, GivesANameInAnotherCase) {
-  Make("ävil ж.txt", "x");
-  files().Move(Path("ävil ж.txt"), Path("Ävil Ж.txt"));
-  const auto entries = files().List(Scratch());
-  ASSERT_EQ(entries.size(), 1U);
-  EXPECT_EQ(entries.front().name, "Ävil Ж.txt");
-}
-
 }  // namespace
 }  // namespace quarnel

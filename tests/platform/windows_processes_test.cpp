@@ -47,17 +47,6 @@ TEST_F(WindowsProcessesTest, KillsAProgramOfAnyNameAndDropsThePrivilege) {
   EXPECT_FALSE(processes.Terminate(victim.Id(), 0));
 }
 
-TEST_F(WindowsProcessesTest, ListsItselfWithItsParent) {
-  const auto records = platform().processes().Snapshot();
-  ASSERT_TRUE(records);
-  const uint32_t id = platform().processes().OwnId();
-  const auto own = std::find_if(records->begin(), records->end(),
-                                [&](const ProcessRecord& record) { return record.id == id; });
-  ASSERT_NE(own, records->end());
-  EXPECT_TRUE(EqualText(own->executable, machine().ProgramFolder() + "\\platform_test.exe"));
-  EXPECT_NE(own->parentId, id);
-}
-
 TEST_F(WindowsProcessesTest, RestartTakesThePrivilegeAndAsksOnce) {
   std::vector<std::pair<uint32_t, uint32_t>> calls;
   bool answer = true;

@@ -280,7 +280,7 @@ TEST_F(RemovalTest, CookiesGoEveryOtherRowAtATime) {
                                     "u@four[1].txt"};
   for (std::string& path : paths) {
     path.insert(0, folder + "\\");
-    WriteFile(path, "x");
+    Write(path, "x");
     results.Enter({.threat = {.name = std::string(kTrackingObject)},
                    .trace = CookieTrace{path},
                    .text = path,

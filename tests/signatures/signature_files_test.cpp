@@ -1,11 +1,13 @@
 #include "signatures/signature_files.h"
 
+#include <gtest/gtest.h>
 #include <algorithm>
 
 #include "base/text.h"
 #include "signatures/cipher.h"
 #include "signatures/levels.h"
 #include "signatures/signature_folder.h"
+#include "signatures/taxonomy.h"
 
 namespace quarnel {
 namespace {
@@ -111,28 +113,6 @@ TEST_F(SignatureFilesTest, LinesAreReadWhateverTheCountSays) {
   EXPECT_EQ(SignatureLines(files(), machine_, signature_file::kFiles).Next(), std::nullopt);
 }
 
-TEST_F(SignatureFilesTest, LoadedTextHasEveryLineAndNoCopyOnTheDisk) {
-  Make("QNLESig.dll", "2\n" + Encrypt("first^1^name") + "\r" + Encrypt("second^2^name!"));
-  int lines = 0;
-  const std::string text = LoadSignatures(files(), machine_, signature_file::kPrograms, [&] {
-    EXPECT_EQ(files().List(Scratch()).size(), 1U);
-    ++lines;
-  });
-  EXPECT_EQ(text, Decrypt("2") + "\r\nfirst^1^name\r\nsecond^2^name!\r\n");
-  EXPECT_EQ(lines, 3);
-}
-
-TEST_F(SignatureFilesTest, ListIsReadToItsEnd) {
-  int turns = 0;
-  LoadSpywareList(files(), machine_, [&] { ++turns; });
-  EXPECT_EQ(turns, 0);
-  std::string list;
-  for (int line = 0; line < 20'000; ++line) list += "A name\r\n";
-  Make("QNLList.dll", list);
-  LoadSpywareList(files(), machine_, [&] { ++turns; });
-  EXPECT_GE(turns, 5) << "events wait for no more than a piece of it";
-}
-
 TEST(SignatureFields, ShortLinesRaiseWhereAFieldIsMissing) {
   const SignatureFields whole("a,b,,3, path ,hash,id,more");
   EXPECT_EQ(whole.size(), 7U);
@@ -165,6 +145,35 @@ TEST_F(SignatureFilesTest, ThreatLevels) {
   }
   EXPECT_EQ(ErrorOf([&] { GetThreatLevel(files(), machine_, "huge"); }), ErrorNumber::kOverflow);
   EXPECT_EQ(GetThreatLevelText(5), "");
+}
+
+TEST(Taxonomy, TypeNameByTheNumberInFront) {
+  const std::pair<std::string_view, std::string_view> cases[] = {
+      {"", "Worm"},
+      {"0", "Worm"},
+      {"no number", "Worm"},
+      {"1", "Adware"},
+      {" 13", "Generic Malware"},
+      {"30 or so", "explosives"},
+      {"53", "Proxy"},
+      {"54", "Unknown"},
+      {"-1", "Unknown"},
+      {"1.5", "Unknown"},
+      {"1e300", "Unknown"},
+      {"5", "Commercial Network Managment Tool"},
+  };
+  for (const auto& [code, name] : cases) EXPECT_EQ(GetTypeOfSpyWare(code), name) << code;
+  EXPECT_EQ(ThreatTypes().size(), 54U);
+}
+
+TEST(Taxonomy, HiveHandlesAndNames) {
+  EXPECT_EQ(GetMainKeyFromFile("3"), 0x80000003U);
+  EXPECT_EQ(GetMainKeyFromFile("4"), 0x80000005U);
+  EXPECT_EQ(GetMainKeyFromFile("5"), 0x80000006U);
+  EXPECT_EQ(GetMainKeyFromFile("6"), 0U);
+  EXPECT_EQ(GetMainKeyFromFile("-1"), 0U);
+  EXPECT_EQ(HiveName(GetMainKeyFromFile("2")), "HKEY_LOCAL_MACHINE");
+  EXPECT_EQ(HiveName(0x80000004), "");
 }
 
 }  // namespace
