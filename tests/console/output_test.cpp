@@ -137,24 +137,20 @@ TEST(ProgressLine, RedrawsOnChangeAtMostThirtyTimesASecond) {
   };
   {
     ProgressLine line(out, terminal, host.clock(), {&bar, &percentage, nullptr});
-    line.Update();
-    EXPECT_EQ(drawn(), "\r[..............] Scanning - 0% Completed.  ");
+    const auto after = [&](Milliseconds time) {
+      host.virtualClock().Pass(time);
+      line.Update();
+      return drawn();
+    };
+    EXPECT_EQ(after(Milliseconds(0)), "\r[..............] Scanning - 0% Completed.  ");
     bar.SetValue(50);
-    line.Update();
-    EXPECT_EQ(drawn(), "");  // too early
-    host.virtualClock().Pass(Milliseconds(40));
-    line.Update();
-    EXPECT_EQ(drawn(), "\r[#######.......] Scanning - 0% Completed.  ");
-    host.virtualClock().Pass(Milliseconds(40));
-    line.Update();
-    EXPECT_EQ(drawn(), "");  // nothing changed
+    EXPECT_EQ(after(Milliseconds(0)), "");  // too early
+    EXPECT_EQ(after(Milliseconds(40)), "\r[#######.......] Scanning - 0% Completed.  ");
+    EXPECT_EQ(after(Milliseconds(40)), "");  // nothing changed
     percentage.SetCaption(std::string(200, 'x') + "\n");
-    line.Update();
-    EXPECT_EQ(drawn(), "\r[#######.......] " + std::string(42, 'x'));
+    EXPECT_EQ(after(Milliseconds(0)), "\r[#######.......] " + std::string(42, 'x'));
     percentage.SetCaption("done");
-    host.virtualClock().Pass(Milliseconds(40));
-    line.Update();
-    EXPECT_EQ(drawn(), "\r[#######.......] done  " + std::string(36, ' '));
+    EXPECT_EQ(after(Milliseconds(40)), "\r[#######.......] done  " + std::string(36, ' '));
   }
   EXPECT_EQ(drawn(), "\r" + std::string(23, ' ') + "\r");
 }

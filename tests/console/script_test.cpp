@@ -46,9 +46,6 @@ INSTANTIATE_TEST_SUITE_P(
         ScriptCase{"MouseOverAndRightClick",
                    "hover imgTab 0\nhover lblCount\nrightclick icon\nmouse 20 30\nget lblLog",
                    "over0 menu \n"},
-        ScriptCase{"RightClickWhereNoneIsTaken", "rightclick cmdTell", "",
-                   "1: Invalid procedure call or argument: cmdTell takes no right click\n", 1},
-        ScriptCase{"MouseNowhere", "mouse 20 x", "", "1: no place: \"x\"\n", 1},
         ScriptCase{"ControlsOfForm", "click cmdModal\ncontrols frmchild",
                    "frmChild.lblChild\tLabel\t1\t1\tchild\n"
                    "frmChild.lblShared\tLabel\t1\t1\ttheirs\n"
@@ -78,12 +75,10 @@ INSTANTIATE_TEST_SUITE_P(
         ScriptCase{"ClickDisabled", "click cmdOff\nget lblLog", "\n",
                    "1: frmTest.cmdOff is disabled: nothing done\n"},
         ScriptCase{"ClickRaises", "click cmdRaise", "", "1: File not found: x.dll\n", 1},
-        ScriptCase{"ClickForm", "click frmTest", "", "1: frmTest is no control\n", 1},
         ScriptCase{"ExpectHolds", "expect lblCount 0\nexpect frmTest \"Test form\"", ""},
         ScriptCase{"ExpectFails", "expect lblCount 1\nforms", "",
                    "1: frmTest.lblCount is \"0\", not \"1\"\n", 1},
-        ScriptCase{"Usage", "rows", "", "1: usage: rows LIST\n", 1},
-        ScriptCase{"TooManyWords", "click cmdStop 4 5", "", "1: usage: click NAME [INDEX]\n", 1}),
+        ScriptCase{"Usage", "rows", "", "1: usage: rows LIST\n", 1}),
     NameOf);
 
 INSTANTIATE_TEST_SUITE_P(
@@ -97,9 +92,6 @@ INSTANTIATE_TEST_SUITE_P(
                    "check1 \n"},
         ScriptCase{"RowOutside", "select lvwRows 3", "",
                    "1: frmTest.lvwRows has 2, none numbered \"3\"\n", 1},
-        ScriptCase{"RowZero", "check lvwRows 0 1", "",
-                   "1: frmTest.lvwRows has 2, none numbered \"0\"\n", 1},
-        ScriptCase{"NoList", "rows tvwTree", "", "1: frmTest.tvwTree is no list\n", 1},
         ScriptCase{"Tree", "tree tvwTree",
                    "1\t0\t0\troot\tRoot\tAdware\n2\t1\t0\tK1[[]]x\t[Found] - x\t\n"
                    "3\t0\t0\t\tBare\t\tcolour=#FF0000\n"},
@@ -124,22 +116,16 @@ INSTANTIATE_TEST_SUITE_P(
                    "3: message box without an answer: Two\\r\\nlines\n", 1},
         ScriptCase{"NoSuchButton", "answer no\nclick cmdTell", "",
                    "2: the box has no button for the answer \"no\": Two\\r\\nlines\n", 1},
-        ScriptCase{"TextIsNoButton", "answer text:yes\nclick cmdAsk", "",
-                   "2: the box has no button for the answer \"text:yes\": Stop?\n", 1},
         ScriptCase{"Prompts",
                    "answer \"text:Jo Bloggs\" cancel\nclick cmdPrompt\nclick cmdPrompt\n"
                    "get lblLog\nmessages",
                    "<Jo Bloggs> <none> \nT\tnone\tinput\ttext:Jo Bloggs\tName?\n"
                    "T\tnone\tinput\tcancel\tName?\n"},
-        ScriptCase{"PromptWithoutAnswer", "click cmdPrompt", "",
-                   "1: message box without an answer: Name?\n", 1},
         ScriptCase{"WrongAnswer", "answer yes maybe\nclick cmdAsk", "",
                    "1: no answer: \"maybe\" (yes, no, ok, cancel, text:...)\n", 1},
         ScriptCase{"JobAnswersItself", "answer yes\nscan\nremove\nget lblLog\nmessages",
                    "No threats found.\nremoved\nTest\tnone\tok\tok\tAll done\n"
                    "Test\tquestion\tyesno\tyes\tSure?\n"},
-        ScriptCase{"JobAsksWhatIsAQuestion", "remove", "",
-                   "1: message box without an answer: Sure?\n", 1},
         ScriptCase{"QuitDeclined", "answer no yes\nquit\nget lblCount\nquit\nget lblCount", "0\n"}),
     NameOf);
 
@@ -191,8 +177,6 @@ INSTANTIATE_TEST_SUITE_P(
         ScriptCase{"DuringRunsWork",
                    "during lblCount 5 click cmdWork\nduring lblCount 8 get lblCount\nclick cmdWork",
                    "3\n"},
-        ScriptCase{"DuringUnknown", "during lblCount 5 clack cmdStop", "",
-                   "1: unknown command: \"clack\"\n", 1},
         ScriptCase{"DuringFails", "\nduring lblCount 2 expect lblCount 9\nclick cmdWork", "",
                    "2: frmTest.lblCount is \"2\", not \"9\"\n", 1},
         ScriptCase{"Advance", kClock + "advance 2500ms\nget lblLog\nadvance 500ms\nget lblLog",
@@ -211,8 +195,6 @@ INSTANTIATE_TEST_SUITE_P(
         ScriptCase{"WaitFor", kClock + "waitfor lblLog \"tick tick \"\nget lblLog", "tick tick \n"},
         ScriptCase{"WaitForFails", kClock + "waitfor lblLog x 1500ms", "",
                    "2: frmTest.lblLog is \"tick \", not \"x\", after 1500ms\n", 1},
-        ScriptCase{"WaitForRealFails", "waitfor lblLog x 20ms", "",
-                   "1: frmTest.lblLog is \"\", not \"x\", after 20ms\n", 1},
         ScriptCase{
             "Fractions", "clock 2024-03-05T14:30:00.5\nclock 2024-03-05T14:30:00.1234", "",
             "2: no date and time: \"2024-03-05T14:30:00.1234\" (YYYY-MM-DDTHH:MM:SS[.FFF])\n", 1},

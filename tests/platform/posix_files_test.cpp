@@ -327,5 +327,28 @@ TEST(UniqueFdTest, ClosesOnceAndMoves) {
   EXPECT_FALSE(isOpen(second));
 }
 
+TEST_F(PosixFilesTest, DrivesAreTheFoldersOfTheMachine) {
+  const fs::path folder = machineFolder();
+  Plant(folder / "machine.ini", "[machine]\nuser=user\n[drives]\nd=cdrom\nE=removable\n");
+  for (const char* name : {"drive_d", "drive_e", "drive_z", "drive_", "drive_F", "other"}) {
+    fs::create_directories(folder / name);
+  }
+  Plant(folder / "drive_g", "no folder");
+  const auto opened = OpenPlatform(machineFolder());
+  std::string drives;
+  for (const Drive& drive : opened->machine().Drives()) {
+    drives += drive.letter + std::to_string(static_cast<int>(drive.type)) + " ";
+  }
+  EXPECT_EQ(drives, "C2 D4 E1 Z2 ");
+  opened->files().CreateFolder("D:\\disc");
+  opened->files().Move("D:\\disc", "D:\\disk");
+  WriteWholeFile(opened->files(), "D:\\disk\\f", "1");
+  opened->files().Move("D:\\disk\\f", "C:\\f");
+  EXPECT_TRUE(fs::exists(folder / "drive_c/f"));
+  fs::remove_all(folder / "drive_d");
+  EXPECT_EQ(opened->machine().Drives().size(), 3U);
+  EXPECT_EQ(ErrorOf([&] { opened->files().List("D:\\"); }), ErrorNumber::kPathNotFound);
+}
+
 }  // namespace
 }  // namespace quarnel

@@ -62,13 +62,9 @@ TEST(DescribeVersion, NamesSystemTypeAndSubtype) {
     uint32_t system, type, subtype;
     std::string_view systemName, typeName, subtypeName;
   } cases[] = {
-      {0x10001, 1, 0, "DOS-Win16", "App", ""},
-      {0x10004, 2, 7, "DOS-Win32", "DLL", ""},
       {0x20002, 3, 1, "OS/2-16 PM-16", "Driver", "Printer drv"},
       {0x30003, 3, 99, "OS/2-16 PM-32", "Driver", "Unknown"},
       {0x40004, 4, 3, "NT-Win32", "Font", "TrueType Font"},
-      {0x40000, 5, 3, "Unknown", "VxD", ""},
-      {0, 7, 0, "Unknown", "Lib", ""},
       {0xFFFFFFFF, 6, 0, "Unknown", "Unknown", ""},
   };
   for (const auto& test : cases) {

@@ -86,20 +86,6 @@ TEST_F(BackupTest, WritesTheFiveFilesAsTheyAreDescribed) {
   EXPECT_EQ(page.lblBackupProgress.Caption(), "Taking cookies backup. 100% completed.");
 }
 
-TEST_F(BackupTest, MakesEmptyFilesOfAnEmptyResult) {
-  const BackupReport report = backup.BackupSpyware();
-  EXPECT_TRUE(report.Complete());
-  for (const std::string_view ending :
-       {restore_point::kRegistry, restore_point::kFileDetails, restore_point::kCookieDetails}) {
-    EXPECT_EQ(Read(PointFile(report, ending)), "") << ending;
-  }
-  for (const std::string_view ending : {restore_point::kFiles, restore_point::kCookies}) {
-    EXPECT_TRUE(Entries(files(), PointFile(report, ending)).empty()) << ending;
-  }
-  const auto reading = ReadManifest(Read(PointFile(report, restore_point::kManifest)), report.stem);
-  EXPECT_TRUE(reading.damage.empty());
-}
-
 TEST_F(BackupTest, LosesTheRegistryTextAndNoMoreToAVanishedKey) {
   SetValue("Stays", "v", Text("x"));
   AddTrace("Stays", "v");

@@ -48,14 +48,10 @@ class NotingForm : public Form {
   Button cmdOne{*this, "cmdOne"};
   Timer tmrOne{*this, "tmrOne", Milliseconds(10), false};
   Timer tmrTwo{*this, "tmrTwo", Milliseconds(10), false};
-  bool declines = false;
 
  protected:
   void Form_Load() override { Note("load"); }
-  void Form_QueryUnload(bool& cancel, UnloadMode) override {
-    Note("query");
-    cancel = declines;
-  }
+  void Form_QueryUnload(bool&, UnloadMode) override { Note("query"); }
   void Form_Unload() override { Note("unload"); }
 
  private:
@@ -197,19 +193,6 @@ TYPED_TEST_P(HostSuite, FormEndsInItsOwnHandlers) {
   EXPECT_EQ(this->Taken(), "load query unload load anew still ");
 }
 
-TYPED_TEST_P(HostSuite, FormMayDeclineToClose) {
-  auto form = this->Make("frmOne");
-  form->Show();
-  form->declines = true;
-  EXPECT_FALSE(form->Close(UnloadMode::kUser));
-  EXPECT_TRUE(form->Visible());
-  EXPECT_TRUE(this->IsLoaded(*form));
-  form->declines = false;
-  EXPECT_TRUE(form->Close(UnloadMode::kUser));
-  EXPECT_FALSE(this->IsLoaded(*form));
-  EXPECT_EQ(this->Taken(), "load query query unload ");
-}
-
 TYPED_TEST_P(HostSuite, EndOfTheProcessLeavesEverything) {
   auto form = this->Make("frmOne");
   this->front.PlayNext("frmOne", [](Form& shown) { shown.host().EndProcess(); });
@@ -273,7 +256,7 @@ TYPED_TEST_P(HostSuite, EventsComeWhileTimePassesAndInsideALongJob) {
 REGISTER_TYPED_TEST_SUITE_P(HostSuite, BoxGivesTheUsersAnswer, TimersTickBehindABox,
                             ModalFormHoldsItsCaller, ModalFormsNest, TimerIsNeverInsideItself,
                             HandlersRunInsideALongJob, FormEndsInItsOwnHandlers,
-                            FormMayDeclineToClose, EndOfTheProcessLeavesEverything,
+                            EndOfTheProcessLeavesEverything,
                             HandlerWaitsForTheUser, SleepsUntilAnEventComes,
                             EventsComeWhileTimePassesAndInsideALongJob);
 

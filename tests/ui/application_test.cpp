@@ -130,15 +130,6 @@ TEST_F(ApplicationTest, ScanFindsRecordsAndOpensTheResults) {
   EXPECT_EQ(traces[0].text + traces[0].threat + traces[0].typeName, planted + "ThreatAdware");
 }
 
-TEST_F(ApplicationTest, CleanMachineIsCongratulatedOnce) {
-  files().Delete(planted);
-  frmMain& main = Start();
-  main.scan.ImgStartScanMouseMove.ClickByUser();
-  EXPECT_THAT(host.Texts(), ElementsAre("Congratulations! No Spyware found on your system."));
-  EXPECT_EQ(host.messages[0].icon, MessageIcon::kExclamation);
-  EXPECT_TRUE(main.summary.picSummary.Visible());
-}
-
 TEST_F(ApplicationTest, TornOptionsAndCountsHideNothing) {
   const std::string cookie = Write(GetPath(machine(), csidl::kCookies) + "\\u@an.example[1].txt");
   SetOption("chkScanCookies", "perhaps");
@@ -229,9 +220,14 @@ TEST_F(RunningScanTest, UsersStopAsks) {
                                         "Are you sure you want to stop the scan process?"));
 }
 
-TEST_F(RunningScanTest, UsersStopWithNothingFoundCongratulatesOnce) {
+TEST_F(RunningScanTest, NothingFoundIsCongratulatedOnceHoweverItEnds) {
   files().Delete(planted);
   frmMain& main = Start();
+  main.scan.ImgStartScanMouseMove.ClickByUser();
+  EXPECT_THAT(host.Texts(), ElementsAre("Congratulations! No Spyware found on your system."));
+  EXPECT_EQ(host.messages[0].icon, MessageIcon::kExclamation);
+  EXPECT_TRUE(main.summary.picSummary.Visible());
+  host.messages.clear();
   host.answers = {Answer::kYes};
   ScanWith(main, [&] {
     main.scan.ImgStopScanMouseMove.MouseDown();

@@ -1,20 +1,134 @@
-// Real windows: some that the program closes, and the one by which it is found.
+// Real programs: processes and privileges, components and links by the shell itself, windows that
+// are closed, consoles that show text, and the handles of it all.
 
 #include <gtest/gtest.h>
+
 #include <atomic>
 #include <ostream>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include "core/product.h"
+#include "platform/windows/backends.h"
 #include "platform/windows/desktop/standard_streams.h"
 #include "platform/windows/unique_handle.h"
+#include "platform/windows/wide_text.h"
 #include "platform/windows/win32.h"
 #include "support/platform_fixture.h"
 #include "support/victim.h"
 
 namespace quarnel {
 namespace {
+
+class WindowsProcessesTest : public PlatformTest {
+ protected:
+  // Whether this process has a privilege raised at the moment.
+  static bool IsRaised(const wchar_t* name) {
+    KernelHandle token;
+    OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, token.Receive());
+    DWORD size = 0;
+    GetTokenInformation(token.Get(), TokenPrivileges, nullptr, 0, &size);
+    std::vector<DWORD> block(size / sizeof(DWORD) + 1);
+    GetTokenInformation(token.Get(), TokenPrivileges, block.data(), size, &size);
+    const auto* list = reinterpret_cast<const TOKEN_PRIVILEGES*>(block.data());
+    LUID wanted = {};
+    LookupPrivilegeValueW(nullptr, name, &wanted);
+    for (DWORD i = 0; i < list->PrivilegeCount; ++i) {
+      const LUID_AND_ATTRIBUTES& entry = list->Privileges[i];
+      if (entry.Luid.LowPart == wanted.LowPart && entry.Luid.HighPart == wanted.HighPart) {
+        return (entry.Attributes & SE_PRIVILEGE_ENABLED) != 0;
+      }
+    }
+    return false;
+  }
+};
+
+TEST_F(WindowsProcessesTest, KillsAProgramOfAnyNameAndDropsThePrivilege) {
+  Processes& processes = platform().processes();
+  const bool before = IsRaised(L"SeDebugPrivilege");
+  const Victim victim(platform(), Path("\xD0\xB6\xE2\x82\xAC victim.exe"));
+  ASSERT_NE(victim.Id(), 0U);
+  const KernelHandle process(OpenProcess(PROCESS_QUERY_INFORMATION, FALSE, victim.Id()));
+  EXPECT_TRUE(KillProcess(processes, victim.Id(), 42));
+  EXPECT_TRUE(processes.WaitForEnd(victim.Id(), std::chrono::seconds(10)));
+  DWORD code = 0;
+  EXPECT_TRUE(GetExitCodeProcess(process.Get(), &code));
+  EXPECT_EQ(code, 42U);
+  EXPECT_EQ(IsRaised(L"SeDebugPrivilege"), before);
+  // A handle that somebody holds keeps the process known, but it has ended.
+  EXPECT_FALSE(processes.MainModulePath(victim.Id()));
+  EXPECT_FALSE(processes.Terminate(victim.Id(), 0));
+}
+
+TEST_F(WindowsProcessesTest, RestartTakesThePrivilegeAndAsksOnce) {
+  std::vector<std::pair<uint32_t, uint32_t>> calls;
+  bool answer = true;
+  ReplaceRestartCall([&](uint32_t flags, uint32_t reason) {
+    EXPECT_TRUE(IsRaised(L"SeShutdownPrivilege"));
+    calls.emplace_back(flags, reason);
+    return answer;
+  });
+  EXPECT_TRUE(ReBootMachine(platform().power()));
+  answer = false;
+  EXPECT_FALSE(ReBootMachine(platform().power()));
+  EXPECT_EQ(calls, (std::vector<std::pair<uint32_t, uint32_t>>(2, {2, 0xFFFFFFFF})));
+  ReplaceRestartCall([](uint32_t, uint32_t) { return false; });
+}
+
+class WindowsShellTest : public PlatformTest {
+ protected:
+  // What the component (test_component.cpp) leaves.
+  std::string Trace() { return QueryText(registry(), kRoot, Key("Component"), "registered"); }
+
+  static void SaveLink(const std::wstring& link, const std::wstring& target) {
+    CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+    IShellLinkW* shellLink = nullptr;
+    IPersistFile* file = nullptr;
+    CoCreateInstance(CLSID_ShellLink, nullptr, CLSCTX_INPROC_SERVER, IID_IShellLinkW,
+                     reinterpret_cast<void**>(&shellLink));
+    shellLink->SetPath(target.c_str());
+    shellLink->QueryInterface(IID_IPersistFile, reinterpret_cast<void**>(&file));
+    EXPECT_EQ(file->Save(link.c_str(), TRUE), S_OK);
+    file->Release();
+    shellLink->Release();
+    CoUninitialize();
+  }
+};
+
+TEST_F(WindowsShellTest, RegistersARealComponent) {
+  const std::string component = Path("\xD0\xB6\xE2\x82\xAC component.dll");
+  files().Copy(machine().ProgramFolder() + "\\test_component.dll", component);
+  ASSERT_EQ(Trace(), "");
+  EXPECT_TRUE(RegisterComponent(platform().shell(), component, true));
+  EXPECT_EQ(Trace(), component);
+  EXPECT_TRUE(RegisterComponent(platform().shell(), component, false));
+  EXPECT_EQ(Trace(), "");
+  // An entry that ran and failed.
+  EXPECT_FALSE(RegisterComponent(platform().shell(), component, false));
+  // It is unloaded again, else it could not be deleted.
+  files().Delete(component);
+  // A library without the entry.
+  EXPECT_FALSE(
+      RegisterComponent(platform().shell(), machine().SystemDirectory() + "\\kernel32.dll", true));
+}
+
+TEST_F(WindowsShellTest, ReadsTheShellsOwnLinks) {
+  const std::string target = Make("\xD0\xB6\xE2\x82\xAC.txt");
+  SaveLink(Wide(Path("link.lnk")), Wide(target));
+  EXPECT_EQ(platform().shell().ShortcutTarget(Path("link.lnk")), target);
+}
+
+TEST_F(WindowsShellTest, ThisProgramOpensItselfAndTellsItsVersion) {
+  const std::string own = machine().ProgramFolder() + "\\platform_test.exe";
+  EXPECT_EQ(platform().shell().FindExecutable(own), own);
+  const auto info = GetFileVersionInfo(platform().versions(), own);
+  ASSERT_TRUE(info);
+  EXPECT_EQ(info->fileVersion, "3.0.0.4");
+  EXPECT_EQ(info->targetSystem, "NT-Win32");
+  EXPECT_EQ(info->fileType, "App");
+  EXPECT_EQ(GetCompanyName(files(), own, nullptr), kCompanyName);
+}
 
 // A window on a thread of its own, as another program's is.
 class OtherWindow {
