@@ -72,7 +72,7 @@ TEST_F(UnreadTest, AFileThatGrowsIsHashedAsFarAsItWent) {
 
 // A file that an earlier phase entered is no new trace, and its twin in letter case is one.
 TEST_F(UnreadTest, OfTwoNamesThatDifferInLetterCaseBothAreFound) {
-  for (const char* name : {"tree\\A.dat", "tree\\\xC3\x84.dat"}) WriteFile(Path(name), "bad");
+  for (const char* name : {"tree\\A.dat", "tree\\\xC3\x84.dat"}) Make(name, "bad");
   std::ofstream(HostOf("tree\\A.dat").parent_path() / "a.dat") << "bad";
   Install({.programs = HexText(Md5Of("bad")) + "^1^Bad\n"});
   for (const char* name : {"tree\\A.dat", "tree\\\xC3\xA4.dat"}) {
