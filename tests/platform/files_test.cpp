@@ -267,7 +267,7 @@ TEST_F(FilesTest, ReplacesAWholeFileByWayOfAnother) {
     files().CreateFolder(Path("folder"));
     EXPECT_EQ(ErrorOf([&] { replace(Path("folder"), "x"); }), kPathFileAccess);
     EXPECT_EQ(Names(Scratch()), (Strings{"folder", "list.txt"}));
-    EXPECT_EQ(Read(path), "newer");
+    EXPECT_EQ(Read(path), "new");
     files().DeleteFolder(Path("folder"));
     files().SetAttributes(path, file_attribute::kNormal);
   }
