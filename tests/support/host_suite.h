@@ -256,8 +256,7 @@ TYPED_TEST_P(HostSuite, EventsComeWhileTimePassesAndInsideALongJob) {
 REGISTER_TYPED_TEST_SUITE_P(HostSuite, BoxGivesTheUsersAnswer, TimersTickBehindABox,
                             ModalFormHoldsItsCaller, ModalFormsNest, TimerIsNeverInsideItself,
                             HandlersRunInsideALongJob, FormEndsInItsOwnHandlers,
-                            EndOfTheProcessLeavesEverything,
-                            HandlerWaitsForTheUser, SleepsUntilAnEventComes,
-                            EventsComeWhileTimePassesAndInsideALongJob);
+                            EndOfTheProcessLeavesEverything, HandlerWaitsForTheUser,
+                            SleepsUntilAnEventComes, EventsComeWhileTimePassesAndInsideALongJob);
 
 }  // namespace quarnel
