@@ -21,7 +21,7 @@
 namespace quarnel {
 namespace {
 
-int NumberOf(int systemError) {
+int SocketErrorOf(int systemError) {
   static constexpr std::array<std::pair<int, int>, 17> kNumbers = {{{EWOULDBLOCK, 10035},
                                                                     {EINPROGRESS, 10035},
                                                                     {EALREADY, 10035},
@@ -45,11 +45,11 @@ int NumberOf(int systemError) {
   return systemError == EHOSTUNREACH ? 10065 : socket_error::kInvalid;
 }
 
-int ErrorOf(int result) { return result == 0 ? 0 : NumberOf(errno); }
+int ErrorOf(int result) { return result == 0 ? 0 : SocketErrorOf(errno); }
 
 SocketCount CountOf(ssize_t result) {
   if (result >= 0) return {.bytes = result};
-  return {.bytes = -1, .error = NumberOf(errno)};
+  return {.bytes = -1, .error = SocketErrorOf(errno)};
 }
 
 sockaddr_in SystemAddress(const Endpoint& endpoint) {
@@ -363,7 +363,7 @@ class PosixSockets : public Sockets {
     if (entry->listening) return Tell(entry, SocketEvent::kAccept);
     if (entry->connecting) {
       const int error = OptionOf(entry->fd, SO_ERROR);
-      return Connected(entry, error == 0 ? 0 : NumberOf(error));
+      return Connected(entry, error == 0 ? 0 : SocketErrorOf(error));
     }
     pollfd state{.fd = entry->fd, .events = POLLIN, .revents = 0};
     if (entry->wantsWrite) {
