@@ -51,6 +51,8 @@ bool SafeList::AddIgnoredSpywaresTolvw(std::string_view path, std::string_view f
 }
 
 void SafeList::Rewrite(std::string_view path, const ListView& list) {
+  // The rows of a file that cannot be read are not these.
+  TextAt(path);
   std::string text;
   for (const ListRow& row : list.Rows()) text += LineOf(row.text, row.SubItem(1), row.SubItem(2));
   if (!text.empty()) return ReplaceOwnFile(files_, machine_, path, text);

@@ -33,7 +33,7 @@ class SafeList {
                                ListView& list);
 
   // Makes the file at `path` hold the rows of `list`, in one step; without any row there is no file
-  // afterwards. Raises when it cannot be written, which leaves it as it was.
+  // afterwards. Raises when it cannot be read or written, which leaves it as it was.
   void Rewrite(std::string_view path, const ListView& list);
 
   // Moves every ticked trace of the results tree to the safe list and marks it so in the tree.

@@ -231,6 +231,12 @@ TEST_F(SafeListTest, LoadTakesThreeFieldsAndEndsAtAShortLine) {
   safeList.AddIgnoredSpywaresTolvw(path, "", "", "", false, resultsPage.lvwIgnoredSpywares);
   EXPECT_THAT(Texts(resultsPage.lvwIgnoredSpywares), ElementsAre("a", "\xFF"));
   EXPECT_THAT(LogText(), HasSubstr("Subscript out of range"));
+  // What cannot be read is not thrown away for want of rows.
+  files().Delete(path);
+  files().CreateFolder(path);
+  resultsPage.lvwIgnoredSpywares.Clear();
+  EXPECT_THROW(safeList.Rewrite(path, resultsPage.lvwIgnoredSpywares), RuntimeError);
+  files().DeleteFolder(path);
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 
 #include <fcntl.h>
 #include <linux/audit.h>
+#include <linux/capability.h>
 #include <linux/filter.h>
 #include <linux/seccomp.h>
 #include <sys/mman.h>
@@ -331,6 +332,12 @@ int BecomeProgram(const std::vector<std::string>& words, const std::string& inpu
   arguments.push_back(nullptr);
   execv(arguments.front(), arguments.data());
   return -1;
+}
+
+void HeedPermissions() {
+  for (const int right : {CAP_DAC_OVERRIDE, CAP_DAC_READ_SEARCH}) {
+    prctl(PR_CAPBSET_DROP, right, 0, 0, 0);
+  }
 }
 
 void CopyFolder(const std::string& from, const std::string& to) {

@@ -48,6 +48,9 @@ TracedRun RunTraced(const std::function<int()>& program, const Intervention& int
 // Becomes a program with the text as its standard input. Returns only when that failed.
 int BecomeProgram(const std::vector<std::string>& words, const std::string& input);
 
+// What a root becomes from here on is stopped by the permissions of files as any other user is.
+void HeedPermissions();
+
 // Makes a folder an exact copy of another one, with attributes and times.
 void CopyFolder(const std::string& from, const std::string& to);
 
