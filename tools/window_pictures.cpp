@@ -122,6 +122,15 @@ void PrepareForms(Platform& platform, Application& application) {
   RegCreateKeyValue(platform.registry(), hive::kCurrentUser,
                     "Software\\Microsoft\\Internet Explorer\\Main", "Start Page",
                     std::string("http://search.example/"));
+  const BrowserSetting& home = BrowserSettingTable().front();
+  application.MainForm().engine().browserSettings().Pending() = {
+      .label = std::string(home.label),
+      .newValue = "http://www.samplehijack.example/",
+      .defaultValue = DefaultOf(home, platform.machine()),
+      .storedValue = "http://home.example/",
+      .hive = home.hive,
+      .key = std::string(home.key),
+      .valueName = std::string(home.value)};
   application.forms().wizard.helpPage =
       GetPathWithSlash(platform.machine().ProgramFolder()) + "sd.html";
 }

@@ -5,7 +5,7 @@
 namespace quarnel {
 namespace {
 
-constexpr ScreenArea kDesign{.width = 6600, .height = 4200};
+constexpr ScreenArea kDesign{.width = 7200, .height = 4800};
 constexpr int kStep = 500;
 
 }  // namespace
@@ -20,6 +20,7 @@ frmBHR::frmBHR(const Services& services, BrowserSettings& browserSettings,
   SetBorder(BorderStyle::kNone);
   SetShowInTaskbar(false);
   SetPlace(kDesign);
+  lblApproval.SetBold(true);
   cmdAllow.Click = [this] {
     Reporting(s_.log, "cmdAllow_Click of frmSignatureUpdated", [&] { cmdAllow_Click(); });
   };

@@ -147,6 +147,10 @@ void FormWindow::BindWindow() {
     });
   });
   window_->Bind(wxEVT_CHAR_HOOK, [this](wxKeyEvent& event) {
+    // The system takes letters for those of the buttons, also without Alt.
+    const int key = event.GetKeyCode();
+    const bool letter = key > WXK_SPACE && key < WXK_DELETE && !event.HasAnyModifiers();
+    if (layout_.unasked && letter) return;
     const std::string_view name = ButtonFor(event.GetKeyCode());
     Control* control = name.empty() || form_ == nullptr ? nullptr : form_->Find(name);
     if (control == nullptr || !control->Visible() || !control->Enabled()) {

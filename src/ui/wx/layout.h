@@ -146,6 +146,8 @@ struct FormLayout {
   std::string_view cancelButton = {};
   // These take the keyboard when they come onto the screen, and from what leaves it.
   std::vector<std::string_view> keyboard = {};
+  // The window comes by itself while its user may be typing elsewhere: a plain letter is no answer.
+  bool unasked = false;
   // Controls that the window shows in another way or not at all: working memory, counterparts of a
   // control that is shown.
   std::vector<std::string_view> behind = {};

@@ -33,6 +33,7 @@ inline constexpr int kButtonHeight = 32;
 inline constexpr int kGaugeHeight = 8;
 inline constexpr int kFieldWidth = 200;
 inline constexpr int kCaptionWidth = 96;  // of a field, at its left
+inline constexpr int kLongCaptionWidth = 136;
 inline constexpr int kToolsWidth = 170;
 inline constexpr int kSheetWidth = 560;
 inline constexpr int kWizardWidth = 560;

@@ -157,7 +157,7 @@ FormLayout BrowserAlertLayout() {
           .content =
               Column({
                          Row({Picture("message-exclamation", kLargeIcon),
-                              Column({Put("lblApproval").As(Role::kHeading).Wide(kMessageWidth),
+                              Column({Put("lblApproval").As(Role::kWrapped).Wide(kMessageWidth),
                                       Put("lblChangingTo").As(Role::kWrapped).Wide(kMessageWidth),
                                       Put("lblDefault").As(Role::kWrapped).Wide(kMessageWidth),
                                       Put("lblAdvise").As(Role::kWrapped).Wide(kMessageWidth)})})
@@ -166,7 +166,9 @@ FormLayout BrowserAlertLayout() {
                          Row({Spring(), Put("cmdBlock").As(Role::kPrimary), Put("cmdAllow")}),
                      })
                   .Gap(kWideGap)
-                  .Padding(kDialogPadding)};
+                  .Padding(kDialogPadding),
+          .keyboard = {"cmdBlock"},
+          .unasked = true};
 }
 
 FormLayout ShieldLayout(std::string_view form) {

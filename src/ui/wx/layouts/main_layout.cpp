@@ -335,15 +335,18 @@ Layout UpdateLayout() {
 }
 
 Layout DefenderLayout() {
+  const auto detail = [](std::string_view caption, std::string_view control) {
+    return Row({Text(caption).Wide(kLongCaptionWidth), Put(control).Called(caption).Grow()});
+  };
   return Page(
       "picHiJackRestore", "Defender", "The settings of the browser, and what they go back to.",
       {Column({Put("lvwBrowserHijackRestore").Called("Settings of the browser").Ticks().Grow(),
                Put("lvwAllowedBlockedURLs").Called("Allowed and blocked addresses").Ticks().Grow()})
            .Grow(),
        Card({}, {Put("lblSetting").As(Role::kStrong),
-                 Row({Column({Field("Current setting:", "txtCurrentSetting"),
-                              Field("Restore to:", "txtRestoreSettingTo"),
-                              Field("IE default setting:", "txtInternetExplorerDefaultSetting")})
+                 Row({Column({detail("Current setting:", "txtCurrentSetting"),
+                              detail("Restore to:", "txtRestoreSettingTo"),
+                              detail("IE default setting:", "txtInternetExplorerDefaultSetting")})
                           .Grow(3),
                       Put("txtSetting").Called("Description").High(kTextHeight).Grow(2)}),
                  Put("lblChangeRestoreURL").As(Role::kLink).Narrow()}),
