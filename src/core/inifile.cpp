@@ -49,6 +49,7 @@ int ShiftedInto(int position, int length, int screenStart, int screenLength) {
 
 // Nothing when the file stands there but cannot be read.
 std::optional<IniText> cInifile::Read() const {
+  if (holds_) return held_;
   try {
     const std::string path = machine_ ? OwnFileToRead(files_, *machine_, path_) : path_;
     return IniText(ReadWholeFile(files_, path, kFileLimit));
@@ -68,6 +69,11 @@ void cInifile::Rewrite(Edit&& edit) {
   if (!ini) return;
   const std::string before = ini->Text();
   if (!edit(*ini)) return;
+  if (holds_) {
+    held_ = std::move(ini);
+    lastReturnCode_ = 1;
+    return;
+  }
   const bool done = ini->Text() == before || IgnoringErrors([&] { Replace(ini->Text()); });
   lastReturnCode_ = done ? 1 : 0;
 }
@@ -75,6 +81,20 @@ void cInifile::Rewrite(Edit&& edit) {
 void cInifile::Replace(const std::string& text) {
   const std::array wanted{WholeFile{path_, text}};
   machine_ ? ReplaceOwnFiles(files_, *machine_, wanted) : ReplaceWholeFiles(files_, wanted);
+}
+
+void cInifile::Hold() {
+  held_ = Read();
+  heldFirst_ = HeldText();
+  holds_ = true;
+}
+
+void cInifile::Release() {
+  const std::string text = HeldText();
+  const bool done = held_ && (text == heldFirst_ || IgnoringErrors([&] { Replace(text); }));
+  lastReturnCode_ = done ? 1 : 0;
+  held_.reset();
+  holds_ = false;
 }
 
 std::string cInifile::Value() const {

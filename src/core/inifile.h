@@ -59,6 +59,14 @@ class cInifile {
   void EnumerateCurrentSection(std::vector<std::string>& keys, long& count) const;
   void EnumerateAllSections(std::vector<std::string>& names, long& count) const;
 
+  // From here on the file is not read again: what is asked and set is about its text of this
+  // moment. Release puts what has become of that into the file's place, in one step, if it has
+  // changed.
+  void Hold();
+  void Release();
+  // The held text; empty when there is none.
+  std::string HeldText() const { return held_ ? held_->Text() : std::string(); }
+
   // Stores where a form's window stands under "Left", "Top", "Width", "Height" and "Maximised", in
   // the section of the form's name.
   void SaveFormPosition(const Form& form);
@@ -79,6 +87,9 @@ class cInifile {
   Machine* machine_ = nullptr;
   std::string path_, section_, key_, default_;
   long lastReturnCode_ = 0;
+  bool holds_ = false;
+  std::optional<IniText> held_;
+  std::string heldFirst_;  // as the file has it
 };
 
 }  // namespace quarnel

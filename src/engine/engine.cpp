@@ -78,6 +78,7 @@ Engine::Engine(const Services& services, Pages& pages, MainWindow& window)
                   .window = window_}),
       browserSettings_({.page = pages_.browserSettings, .services = s_, .window = window_}),
       tools_(pages_.tools),
+      helpers_({.page = pages_.tools, .services = s_}),
       startups_({.options = pages_.options, .settings = s_.settings}),
       activeX_(ActiveXUses(s_, pages_, options_, window_)),
       update_({.page = pages_.update,
@@ -97,7 +98,7 @@ void Engine::WireScan() {
   };
 }
 
-// The timers of the guards that have not joined yet look at nothing: tmrMemoryInspected and tmrBHO.
+// The timer of the guard that has not joined yet looks at nothing: tmrMemoryInspected.
 void Engine::WireTimers() {
   const auto wire = [this](Timer& timer, std::string_view label, Handler work) {
     timer.Tick = [this, label, work = std::move(work)] { Reporting(s_.log, label, work); };
@@ -112,6 +113,8 @@ void Engine::WireTimers() {
        [this] { options_.RestoreAlertOption(); });
   wire(timers.tmrPreventChangeHomePage, "tmrPreventChangeHomePage_Timer",
        [this] { browserSettings_.CheckBrowserSettings(); });
+  wire(timers.tmrBHO, "tmrBHO_Timer of frmMain",
+       [this] { helpers_.LoadBHOList(pages_.tools.lvwBHOs); });
   wire(timers.tmrStartup, "tmrStartup_Timer in frmMain", [this] { startups_.tmrStartup_Timer(); });
   wire(timers.tmrLiveUpadate, "tmrLiveUpadate_Timer of frmMain",
        [this] { update_.tmrLiveUpadate_Timer(); });

@@ -11,6 +11,7 @@
 #include "protection/activex_shield.h"
 #include "protection/advanced_tools.h"
 #include "protection/browser_settings.h"
+#include "protection/helper_objects.h"
 #include "protection/startup_shield.h"
 #include "scan/scan_phases.h"
 #include "schedule/scheduler.h"
@@ -52,6 +53,7 @@ class Engine {
   Summary& summary() { return summary_; }
   BrowserSettings& browserSettings() { return browserSettings_; }
   AdvancedTools& tools() { return tools_; }
+  HelperObjects& helpers() { return helpers_; }
   StartupShield& startups() { return startups_; }
   Update& update() { return update_; }
 
@@ -77,6 +79,7 @@ class Engine {
   Scheduler scheduler_;
   BrowserSettings browserSettings_;
   AdvancedTools tools_;
+  HelperObjects helpers_;
   StartupShield startups_;
   ActiveXShield activeX_;
   Update update_;

@@ -44,6 +44,7 @@ std::span<const frmMain::LoadStep> frmMain::LoadSteps() {
       [](frmMain& window) { window.engine_.options().LoadUpdateOptions(); },
       [](frmMain& window) { window.engine_.summary().CreateBalloons(); },
       [](frmMain& window) { window.engine_.tools().AddNodes(); },
+      [](frmMain& window) { window.engine_.helpers().LoadBHOList(window.tools.lvwBHOs); },
       [](frmMain& window) { window.engine_.startups().LoadStartups(); },
       [](frmMain& window) { window.newsLogic_.ShowFile(); },
       [](frmMain& window) { window.RegisterTransferComponent(); },
