@@ -8,6 +8,11 @@
 #include "idle_host.h"
 #include "platform/machine_folder.h"
 #include "protection/browser_settings.h"
+#include "protection/helper_objects.h"
+#include "protection/memory_shield.h"
+#include "scan_rig.h"
+#include "signatures/compiler.h"
+#include "signatures/md5.h"
 #include "support/recording_window.h"
 #include "temporary_machine.h"
 
@@ -53,6 +58,101 @@ void BrowserPass(benchmark::State& state) {
   for ([[maybe_unused]] auto round : state) browser.guard.CheckBrowserSettings();
 }
 
+constexpr int kHelpers = 40;
+const std::string kObjects =
+    "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Browser Helper Objects";
+
+std::string HelperId(int number) {
+  return "{7E570000-0000-4000-8000-" + std::to_string(100000000000 + number) + "}";
+}
+
+// A machine with helper objects, all of which the record knows.
+struct HelpersRig {
+  HelpersRig() {
+    Registry& registry = platform->registry();
+    for (int i = 0; i < kHelpers; ++i) {
+      const std::string id = HelperId(i);
+      const std::string server = "C:\\WINDOWS\\system32\\helper" + std::to_string(i) + ".dll";
+      WriteWholeFile(platform->files(), server, std::string(20000, 'x'));
+      RegCreateKeyValue(registry, hive::kClassesRoot, "CLSID\\" + id, "",
+                        "Helper " + std::to_string(i));
+      RegCreateKeyValue(registry, hive::kClassesRoot, "CLSID\\" + id + "\\InprocServer32", "",
+                        server);
+      RegCreateKeyValue(registry, hive::kLocalMachine, kObjects + "\\" + id, "", std::string("v"));
+    }
+    helpers.LoadBHOList(page.lvwBHOs);
+  }
+
+  TemporaryMachine machine;
+  std::unique_ptr<Platform> platform = OpenPlatform(machine.Folder());
+  RealClock clock;
+  IdleHost host{clock};
+  Settings settings{platform->registry(), "Quarnel"};
+  ErrorLog log{platform->files(), platform->machine(), host, "Quarnel"};
+  Form form{host, "frmMain"};
+  AdvancedToolsPage page{form};
+  HelperObjects helpers{{.page = page, .services = {*platform, host, settings, log}}};
+};
+
+// The same values, and nothing else.
+void HelpersBaseline(benchmark::State& state) {
+  const HelpersRig rig;
+  Registry& registry = rig.platform->registry();
+  for ([[maybe_unused]] auto round : state) {
+    for (const std::string& id : EnumSubKeys(registry, hive::kLocalMachine, kObjects)) {
+      std::string text;
+      GetKeyValue(registry, hive::kClassesRoot, "CLSID\\" + id, "", text);
+      GetKeyValue(registry, hive::kClassesRoot, "CLSID\\" + id + "\\InprocServer32", "", text);
+      GetKeyValue(registry, hive::kLocalMachine, kObjects + "\\" + id, "", text);
+      benchmark::DoNotOptimize(text);
+    }
+  }
+}
+
+void HelpersPass(benchmark::State& state) {
+  HelpersRig rig;
+  for ([[maybe_unused]] auto round : state) rig.helpers.LoadBHOList(rig.page.lvwBHOs);
+}
+
+// The memory shield at rest, after its first look at the running programs.
+struct MemoryRig {
+  MemoryRig() {
+    const CompiledSet set = CompileSet({.programs = HexText(Md5Of("bad")) + "^11^Runner\n"});
+    for (const CompiledFile& file : set.files) {
+      WriteWholeFile(rig.files(), DataFolder(rig.machine()) + file.name, file.bytes);
+    }
+    rig.page.ImgStopScanMouseMove.SetEnabled(false);
+    options.chkMemorySheild.SetValue(1);
+    shield.Inspect();
+  }
+
+  TemporaryMachine folder;
+  ScanRig rig{folder.Folder()};
+  OptionsPage options{rig.form};
+  Settings settings{rig.platform().registry(), "Quarnel"};
+  RecordingWindow window;
+  MemoryShield shield{{.scan = rig.context,
+                       .processes = rig.platform().processes(),
+                       .files = rig.files(),
+                       .options = options,
+                       .settings = settings,
+                       .window = window}};
+};
+
+// The list of processes alone.
+void MemoryBaseline(benchmark::State& state) {
+  MemoryRig memory;
+  for ([[maybe_unused]] auto round : state) {
+    benchmark::DoNotOptimize(memory.rig.platform().processes().Snapshot());
+  }
+}
+
+void MemoryPass(benchmark::State& state) {
+  MemoryRig memory;
+  for ([[maybe_unused]] auto round : state) memory.shield.Inspect();
+  state.counters["inspected"] = static_cast<double>(memory.shield.WhatItDid().inspected);
+}
+
 template <typename Function>
 void Add(const char* name, Function function) {
   benchmark::RegisterBenchmark(name, function)->Unit(benchmark::kMillisecond)->UseRealTime();
@@ -61,6 +161,10 @@ void Add(const char* name, Function function) {
 const bool kRegistered = [] {
   Add("twenty_browser_settings/baseline", BrowserBaseline);
   Add("twenty_browser_settings/pass", BrowserPass);
+  Add("forty_helper_objects/baseline", HelpersBaseline);
+  Add("forty_helper_objects/pass", HelpersPass);
+  Add("memory_of_the_same_count/baseline", MemoryBaseline);
+  Add("memory_of_the_same_count/pass", MemoryPass);
   return true;
 }();
 

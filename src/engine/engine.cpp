@@ -76,6 +76,12 @@ Engine::Engine(const Services& services, Pages& pages, MainWindow& window)
                   .host = s_.host,
                   .log = s_.log,
                   .window = window_}),
+      memoryShield_({.scan = scan_,
+                     .processes = s_.platform.processes(),
+                     .files = s_.platform.files(),
+                     .options = pages_.options,
+                     .settings = s_.settings,
+                     .window = window_}),
       browserSettings_({.page = pages_.browserSettings, .services = s_, .window = window_}),
       tools_(pages_.tools),
       helpers_({.page = pages_.tools, .services = s_}),
@@ -98,7 +104,6 @@ void Engine::WireScan() {
   };
 }
 
-// The timer of the guard that has not joined yet looks at nothing: tmrMemoryInspected.
 void Engine::WireTimers() {
   const auto wire = [this](Timer& timer, std::string_view label, Handler work) {
     timer.Tick = [this, label, work = std::move(work)] { Reporting(s_.log, label, work); };
@@ -113,6 +118,8 @@ void Engine::WireTimers() {
        [this] { options_.RestoreAlertOption(); });
   wire(timers.tmrPreventChangeHomePage, "tmrPreventChangeHomePage_Timer",
        [this] { browserSettings_.CheckBrowserSettings(); });
+  wire(timers.tmrMemoryInspected, "tmrMemoryInspected_Timer of frmMain",
+       [this] { tmrMemoryInspected_Timer(); });
   wire(timers.tmrBHO, "tmrBHO_Timer of frmMain",
        [this] { helpers_.LoadBHOList(pages_.tools.lvwBHOs); });
   wire(timers.tmrStartup, "tmrStartup_Timer in frmMain", [this] { startups_.tmrStartup_Timer(); });
@@ -130,8 +137,19 @@ void Engine::TakeGuardsOff() {
   }
 }
 
+// It finds what an alert is about, and what it asks for.
 void Engine::StartScan() {
-  if (!recovery_.Runs()) scans_.ImgStartScanMouseMove_Click();
+  if (recovery_.Runs()) return;
+  window_.EndAlert();
+  memoryShield_.TakeScanRequest();
+  scans_.ImgStartScanMouseMove_Click();
+}
+
+void Engine::tmrMemoryInspected_Timer() {
+  if (!memoryShield_.Inspect()) return;
+  // The user may have started a scan himself while the alert was open.
+  if (memoryShield_.TakeScanRequest() && !ScanRuns(pages_.scan)) StartScan();
+  MakeTimersEnabledOrDisableAcordingToSetting(pages_, window_);
 }
 
 // A scan that runs already is not entered a second time.
@@ -144,6 +162,31 @@ void Engine::tmrScheduler_Timer() {
 }
 
 void Engine::LoadLastScan() { unread_ = LoadUnread(s_.platform.files(), s_.platform.machine()); }
+
+std::vector<ShieldState> Engine::Shields() const {
+  const auto ticks = [](const Timer& timer) { return timer.Enabled() && timer.Tick != nullptr; };
+  const MainTimers& timers = pages_.timers;
+  const OptionsPage& options = pages_.options;
+  const MemoryShield::Done& memory = memoryShield_.WhatItDid();
+  return {{.name = "memory",
+           .chosen = options.chkMemorySheild.Checked(),
+           .watching = memoryShield_.Watches() && ticks(timers.tmrMemoryInspected),
+           .did = {{"inspected", memory.inspected},
+                   {"alerts", memory.alerts},
+                   {"declined", memory.declined},
+                   {"unread", memory.unread}}},
+          {.name = "helpers",
+           .chosen = true,
+           .watching = ticks(timers.tmrBHO),
+           .did = {{"refreshes", helpers_.Refreshes()}, {"registered", helpers_.Registered()}}},
+          {.name = "browser",
+           .chosen = options.chkDisplayHijakRestoreAlerts.Checked(),
+           .watching = options.chkDisplayHijakRestoreAlerts.Checked() &&
+                       ticks(timers.tmrPreventChangeHomePage)},
+          {.name = "activex",
+           .chosen = options.chkSelfDownloadingActivex.Checked(),
+           .watching = s_.settings.Get(setting::kSheild) == 1}};
+}
 
 void Engine::ListDrives() { GetAllHardDrives(pages_.scan, flags_, s_.platform.machine(), s_.log); }
 

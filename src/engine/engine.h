@@ -6,12 +6,14 @@
 #include "engine/recovery_jobs.h"
 #include "engine/results_controller.h"
 #include "engine/scan_controller.h"
+#include "engine/shields.h"
 #include "engine/summary.h"
 #include "options/options.h"
 #include "protection/activex_shield.h"
 #include "protection/advanced_tools.h"
 #include "protection/browser_settings.h"
 #include "protection/helper_objects.h"
+#include "protection/memory_shield.h"
 #include "protection/startup_shield.h"
 #include "scan/scan_phases.h"
 #include "schedule/scheduler.h"
@@ -36,6 +38,9 @@ class Engine {
   // What the last scan could not read, which may have been one of an earlier run.
   const Unread& CouldNotRead() const { return unread_; }
 
+  // How the guards stand, and what they did.
+  std::vector<ShieldState> Shields() const;
+
   // Parts of the start.
   void LoadLastScan();
   void ListDrives();
@@ -54,6 +59,7 @@ class Engine {
   BrowserSettings& browserSettings() { return browserSettings_; }
   AdvancedTools& tools() { return tools_; }
   HelperObjects& helpers() { return helpers_; }
+  MemoryShield& memoryShield() { return memoryShield_; }
   StartupShield& startups() { return startups_; }
   Update& update() { return update_; }
 
@@ -61,6 +67,7 @@ class Engine {
   void WireScan();
   void WireTimers();
   void tmrScheduler_Timer();
+  void tmrMemoryInspected_Timer();
 
   Services s_;
   Pages& pages_;
@@ -77,6 +84,7 @@ class Engine {
   RecoveryJobs recovery_;
   Options options_;
   Scheduler scheduler_;
+  MemoryShield memoryShield_;
   BrowserSettings browserSettings_;
   AdvancedTools tools_;
   HelperObjects helpers_;

@@ -44,6 +44,9 @@ constexpr SampleFile kFiles[] = {
     {"", csidl::kSystem, Content::kProgram, "samplekw2.dll", "Unlisted Example"},
     {"", csidl::kWindows, Content::kProgram, "sampledial2.exe", "Another Example Company"},
     {"", csidl::kWindows, Content::kText, "samplekw.txt", ""},
+    // Clean, and of no signature.
+    {"", csidl::kProgramFiles, Content::kProgram, "Example Reader\\helper.dll",
+     "Example Reader Company"},
 };
 
 constexpr SampleCookie kCookies[] = {
@@ -64,6 +67,10 @@ constexpr std::string_view kClass = "CLSID\\{5A3D1E00-0000-4000-8000-0000000000A
 constexpr std::string_view kClassServer =
     "CLSID\\{5A3D1E00-0000-4000-8000-0000000000A1}\\InprocServer32";
 
+constexpr std::string_view kReaderClass = "CLSID\\{5A3D1E00-0000-4000-8000-0000000000B2}";
+constexpr std::string_view kReaderServer =
+    "CLSID\\{5A3D1E00-0000-4000-8000-0000000000B2}\\InprocServer32";
+
 constexpr uint32_t kMachine = hive::kLocalMachine;
 constexpr uint32_t kUser = hive::kCurrentUser;
 
@@ -77,6 +84,14 @@ constexpr SampleEntry kEntries[] = {
      "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Browser Helper Objects\\"
      "{5A3D1E00-0000-4000-8000-0000000000A1}",
      ""},
+    // Another helper object of the browser, which is no threat.
+    {"", hive::kClassesRoot, Shown::kUpper, kReaderClass, "", "Example Reader Helper"},
+    {"", hive::kClassesRoot, Shown::kUpper, kReaderServer, "",
+     "{programs}Example Reader\\helper.dll"},
+    {"", kMachine, Shown::kUpper,
+     "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Browser Helper Objects\\"
+     "{5A3D1E00-0000-4000-8000-0000000000B2}",
+     "", "Example Reader Helper"},
     {kToolbar, kUser, Shown::kAsWritten, kToolbarKey, ""},
     {"", kUser, Shown::kUpper, "Software\\Examplesoft Labs\\Sample Toolbar\\Settings\\Window",
      "Width", "dword:640"},

@@ -117,6 +117,7 @@ void MemoryScan::CountProcessIn95() {
 }
 
 void MemoryScan::Inspect(std::string_view modulePath, const HashIndex& signatures) {
+  ++inspected_;
   u_.page.lblStatus.SetCaption(modulePath);
   const std::string path = ActuallProcessName(ToUpper(Trim(modulePath)));
   const std::string company = GetCompanyName(u_.files, path, [this] {

@@ -38,6 +38,9 @@ class MemoryScan {
   // The 9x family: walks the snapshot itself, each time.
   void CountProcessIn95();
 
+  // How many programs were inspected so far, in all calls.
+  size_t Inspected() const { return inspected_; }
+
   // A module's path in a form that the file functions take: what stands behind "SYSTEM32\" is put
   // below the system folder.
   std::string ActuallProcessName(std::string_view path);
@@ -58,6 +61,7 @@ class MemoryScan {
   ScanContext u_;
   Processes& processes_;
   RaiseAlert raiseAlert_;
+  size_t inspected_ = 0;
 };
 
 }  // namespace quarnel

@@ -62,6 +62,7 @@ struct ScanFlags {
   bool scheduledScanRunning = false;  // asks for the closing message of a scheduled scan
   long lastProcessCount = 0;          // what the memory inspection counted last
   bool alertScanRequested = false;    // the alert asked for a scan: the inspection ends
+  bool alertAnswered = true;          // the alert has closed, and the inspection may go on
 };
 
 // "ScanStopRequested" and the rest are tested between pieces of work; this is the form's tag that

@@ -42,6 +42,11 @@ Forms::Forms(const Services& services, StartOptions options)
       internetConnection([this, services] {
         return std::make_unique<frmInternetConnection>(services, main_->engine().update(), *main_);
       }),
+      spywareFoundAlert([this, services] {
+        return std::make_unique<frmSpywareFoundAlert>(services, main_->engine().memoryShield(),
+                                                      main_->options,
+                                                      main_->timers.tmrMemoryInspected);
+      }),
       approveAllStartup(Made<frmApproveAllStartup>(services)),
       homePageChangedAlert(Made<frmHomePageChangedAlert>(services)),
       main_(std::make_unique<frmMain>(services, *this, options)) {
@@ -67,6 +72,7 @@ Forms::Forms(const Services& services, StartOptions options)
   List("frmWizard4", wizard4);
   List("frmSpywareDefinitions", spywareDefinitions);
   List("frmInternetConnection", internetConnection);
+  List("frmSpywareFoundAlert", spywareFoundAlert);
   List("frmApproveAllStartup", approveAllStartup);
   List("frmHomePageChangedAlert", homePageChangedAlert);
 }

@@ -10,6 +10,7 @@
 #include "core/services.h"
 #include "ui/alerts/frm_bhr.h"
 #include "ui/alerts/frm_home_page_changed_alert.h"
+#include "ui/alerts/frm_spyware_found_alert.h"
 #include "ui/dialogs/frm_close.h"
 #include "ui/dialogs/frm_close_ie.h"
 #include "ui/dialogs/frm_de_immunize.h"
@@ -68,6 +69,7 @@ class Forms {
   FormSlot<frmWizard4> wizard4;
   FormSlot<frmSpywareDefinitions> spywareDefinitions;
   FormSlot<frmInternetConnection> internetConnection;
+  FormSlot<frmSpywareFoundAlert> spywareFoundAlert;
   // No path of the program opens these.
   FormSlot<frmApproveAllStartup> approveAllStartup;
   FormSlot<frmHomePageChangedAlert> homePageChangedAlert;

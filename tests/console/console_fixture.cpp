@@ -35,6 +35,10 @@ class TestProgram : public ConsoleProgram {
   }
   std::optional<RemovalReport> LastRemoval() override { return run_.removal; }
   ScanSummary Report() override { return run_.summary; }
+  std::vector<ShieldState> Shields() override {
+    return {{.name = "memory", .chosen = true, .did = {{"alerts", 2}, {"declined", 1}}},
+            {.name = "helpers", .chosen = true, .watching = true}};
+  }
   bool RestoreFellShort() override { return run_.restoreFellShort; }
   std::vector<BrowserSettings::State> BrowserStates() override { return run_.browserStates; }
   std::vector<std::string> FormNames() override { return {"frmTest", "frmChild"}; }

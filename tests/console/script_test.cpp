@@ -51,6 +51,10 @@ INSTANTIATE_TEST_SUITE_P(
                    "frmChild.lblShared\tLabel\t1\t1\ttheirs\n"
                    "frmChild.lblcount\tLabel\t1\t1\tlower\n"
                    "frmChild.cmdClose\tButton\t1\t1\t\nfrmChild.cmdDeeper\tButton\t1\t1\t\n"},
+        ScriptCase{"Guards", "shields\nshields 1",
+                   "memory\t1\t0\talerts=2\tdeclined=1\nhelpers\t1\t1\n", "2: usage: shields\n", 1},
+        ScriptCase{"NoHelperObjects", "helpers", "",
+                   "1: the program has no list of helper objects\n", 1},
         ScriptCase{"GetEscapes", "get lblOdd", "a\\tb\\\\c\\r\\nd\n"},
         ScriptCase{"GetProperties",
                    "get tmrTick interval\nget imgTab(0) Visible\nget frmTest windowstate\n"

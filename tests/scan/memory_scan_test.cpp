@@ -6,28 +6,13 @@
 #include "scan/progress.h"
 #include "scan/scan_fixture.h"
 #include "signatures/md5.h"
+#include "support/listed_processes.h"
 
 namespace quarnel {
 namespace {
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-
-// A process table of files that lie on the test's machine: which programs run must be known here.
-class ListedProcesses : public Processes {
- public:
-  std::vector<ProcessRecord> records;
-  std::optional<std::vector<ProcessRecord>> Snapshot() override { return records; }
-  std::optional<std::string> MainModulePath(uint32_t id) override {
-    for (const ProcessRecord& record : records) {
-      if (record.id == id && id != 0) return record.executable;
-    }
-    return std::nullopt;
-  }
-  bool Terminate(uint32_t, uint32_t) override { return false; }
-  bool WaitForEnd(uint32_t, std::chrono::milliseconds) override { return true; }
-  uint32_t OwnId() override { return 1; }
-};
 
 class MemoryScanTest : public ScanTest {
  protected:

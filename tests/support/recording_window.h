@@ -39,6 +39,7 @@ class RecordingWindow : public MainWindow {
   }
   void Alert(const MemoryAlert& /*alert*/) override { Note("alert"); }
   void AlertBrowserChange() override { Note("browser alert"); }
+  void EndAlert() override {}
 
  private:
   void Note(const std::string& what) {

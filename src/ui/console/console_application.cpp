@@ -32,6 +32,8 @@ class ConsoleApplication : public ConsoleProgram {
 
   bool Start() override { return application_.Main(); }
 
+  std::vector<ShieldState> Shields() override { return application_.MainForm().engine().Shields(); }
+
   ScanSummary Scan() override {
     Image& start = application_.MainForm().scan.ImgStartScanMouseMove;
     if (!start.Enabled()) throw RuntimeError(ErrorNumber::kInvalidCall, "a scan runs already");

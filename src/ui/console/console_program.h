@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "controls/host.h"
+#include "engine/shields.h"
 #include "protection/browser_settings.h"
 #include "recovery/removal_report.h"
 #include "ui/console/scan_summary.h"
@@ -35,6 +36,8 @@ class ConsoleProgram {
   virtual ScanSummary Report() = 0;
   // What the last removal did, also one by an earlier run; nothing when there was none.
   virtual std::optional<RemovalReport> LastRemoval() = 0;
+  // How the guards stand, and what they did since the start.
+  virtual std::vector<ShieldState> Shields() = 0;
   // Whether a restore of this run left something behind that it was to bring back.
   virtual bool RestoreFellShort() = 0;
   // The guarded settings of the browser as they stand. Writes nothing.

@@ -33,8 +33,14 @@ void frmMain::Immunize() { ShowModalOnce(forms_.immunize); }
 void frmMain::DeImmunize() { ShowModalOnce(forms_.deImmunize); }
 std::string frmMain::ChooseRestorePoint() { return forms_.restore.Touch().Choose(); }
 
-// The alert's window joins with the guards; nothing inspects the memory outside a scan before.
-void frmMain::Alert(const MemoryAlert& /*alert*/) {}
+void frmMain::Alert(const MemoryAlert& alert) {
+  forms_.spywareFoundAlert.Touch().Tell(alert);
+  const MemoryShield& shield = engine_.memoryShield();
+  // Nobody may be left who could answer, as at the end of a script.
+  if (!s_.host.WaitUntil([&] { return shield.AlertIsAnswered(); })) EndAlert();
+}
+
+void frmMain::EndAlert() { forms_.spywareFoundAlert.Unload(); }
 
 void frmMain::AlertBrowserChange() { forms_.bhr.Touch().Show(); }
 

@@ -73,6 +73,7 @@ class frmMain : public Form, public Pages, public MainWindow {
   std::string ChooseRestorePoint() override;
   void Alert(const MemoryAlert& alert) override;
   void AlertBrowserChange() override;
+  void EndAlert() override;
 
  protected:
   void Form_Load() override;

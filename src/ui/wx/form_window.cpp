@@ -1,5 +1,6 @@
 #include "ui/wx/form_window.h"
 
+#include <wx/display.h>
 #include <wx/splitter.h>
 
 #include <algorithm>
@@ -404,13 +405,24 @@ void FormWindow::SyncWindow() {
   if (window_->GetTitle() != caption) window_->SetTitle(caption);
   const ScreenArea& place = form_->Place();
   if (layout_.kind == WindowKind::kPopup && place != ScreenArea()) {
-    window_->SetPosition({place.left / kTwipsPerPixel, place.top / kTwipsPerPixel});
+    window_->SetPosition(wxPoint(place.left / kTwipsPerPixel, place.top / kTwipsPerPixel) -
+                         Overgrown());
   }
   SyncState();
   if (frontRequests_ != form_->FrontRequests()) {
     frontRequests_ = form_->FrontRequests();
     window_->Raise();
   }
+}
+
+// A form that slides in is placed by the size of its design, at the screen's lower edge. A window
+// that came out larger, as with large letters, must reach further up and to the left instead.
+wxPoint FormWindow::Overgrown() const {
+  const ScreenArea& place = form_->Place();
+  const wxSize size = window_->GetSize();
+  const int right = wxDisplay(0U).GetGeometry().GetRight();
+  return {std::max(place.left / kTwipsPerPixel + size.x - right, 0),
+          std::max(size.y - place.height / kTwipsPerPixel, 0)};
 }
 
 void FormWindow::SyncState() {
@@ -451,7 +463,7 @@ void FormWindow::BindDrag(Control& control, wxWindow& widget) {
     window_->SetPosition(place);
     ScreenArea area = form_->Place();
     area.left = place.x * kTwipsPerPixel;
-    area.top = place.y * kTwipsPerPixel;
+    area.top = (place.y + Overgrown().y) * kTwipsPerPixel;
     form_->SetPlace(area);
   });
   widget.Bind(wxEVT_LEFT_UP, [&widget](wxMouseEvent&) {

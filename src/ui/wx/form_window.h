@@ -74,6 +74,8 @@ class FormWindow {
   void PassKeyboard();
   bool SyncConditions();
   void SyncState();
+  // By how much the window is larger than its form knows.
+  wxPoint Overgrown() const;
   void BindDrag(Control& control, wxWindow& widget);
 
   Form* form_;

@@ -171,6 +171,31 @@ FormLayout BrowserAlertLayout() {
           .unasked = true};
 }
 
+// What an alert tells of may run on until it is answered: it takes the keyboard as it comes.
+FormLayout SpywareFoundLayout() {
+  const auto fact = [](std::string_view caption, std::string_view control) {
+    return Row({Text(caption).As(Role::kMuted).Wide(kCaptionWidth),
+                Put(control).Called(caption).As(Role::kPath).Grow()});
+  };
+  return {.form = "frmSpywareFoundAlert",
+          .kind = WindowKind::kPopup,
+          .content =
+              Column({
+                         Row({Picture("threat", kLargeIcon),
+                              Put("lblSpywareName").As(Role::kWrapped).Wide(kMessageWidth)})
+                             .Gap(kWideGap),
+                         Column({fact("Company", "lblCompanyName"), fact("Hash", "lblHashCode")})
+                             .Gap(kTightGap),
+                         Put("chkMemorySheild"),
+                         Row({Spring(),
+                              Put("ImgYesMouseMove").Called("&Start Scan Now").As(Role::kPrimary),
+                              Put("ImgNoMouseMove").Called("&No")}),
+                     })
+                  .Gap(kWideGap)
+                  .Padding(kDialogPadding),
+          .keyboard = {"ImgYesMouseMove"}};
+}
+
 FormLayout ShieldLayout(std::string_view form) {
   return {.form = form,
           .content = Column({
@@ -288,6 +313,7 @@ std::vector<FormLayout> DialogLayouts() {
   layouts.push_back(ApproveLayout());
   layouts.push_back(HomePageLayout());
   layouts.push_back(BrowserAlertLayout());
+  layouts.push_back(SpywareFoundLayout());
   layouts.push_back(ConnectionLayout());
   layouts.push_back(ShieldLayout("frmImmunize"));
   layouts.push_back(ShieldLayout("frmDeImmunize"));
