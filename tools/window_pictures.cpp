@@ -142,6 +142,13 @@ void TakeForms(PictureHost& host, Application& application) {
     host.Act([&] {
       form = &entry.touch();
       form->Show();
+      if (auto* alert = dynamic_cast<frmSpywareFoundAlert*>(form)) {
+        alert->Tell({.path = "C:\\Program Files\\Sample Watch\\samplewatch.exe",
+                     .company = "Unlisted Example",
+                     .hash = "0F343B0931126A20F133D67C2B018A3B",
+                     .typeName = "Trojan",
+                     .threatName = "Sample Watch"});
+      }
     });
     host.Take(*form, entry.name);
     host.Act([&] { form->Close(UnloadMode::kCode); });
