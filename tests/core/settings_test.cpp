@@ -8,6 +8,7 @@
 #include "core/paths.h"
 #include "core/product.h"
 #include "core/startup.h"
+#include "support/breakable_platform.h"
 #include "support/machine_in.h"
 #include "support/platform_fixture.h"
 #include "support/test_host.h"
@@ -16,32 +17,21 @@ namespace quarnel {
 namespace {
 
 // A registry in which one key cannot be deleted, and that may not be readable at all.
-class StubbornRegistry : public Registry {
+class StubbornRegistry : public BreakableRegistry {
  public:
   StubbornRegistry(Registry& registry, std::string stays)
-      : registry_(registry), stays_(std::move(stays)) {}
+      : BreakableRegistry(registry), stays_(std::move(stays)) {}
   RegistryStatus Open(uint32_t root, std::string_view path, uint32_t access,
                       std::unique_ptr<RegistryKey>& key) override {
     constexpr auto kIoFailed = static_cast<RegistryStatus>(1016);
-    return broken ? kIoFailed : registry_.Open(root, path, access, key);
-  }
-  RegistryStatus Create(uint32_t root, std::string_view path,
-                        std::unique_ptr<RegistryKey>& key) override {
-    return registry_.Create(root, path, key);
+    return unreadable ? kIoFailed : BreakableRegistry::Open(root, path, access, key);
   }
   RegistryStatus Delete(uint32_t root, std::string_view path) override {
     return EndsWithText(path, stays_) ? RegistryStatus::kAccessDenied
-                                      : registry_.Delete(root, path);
+                                      : BreakableRegistry::Delete(root, path);
   }
-  std::string SetKeySecurity(uint32_t root, std::string_view path, std::string_view account,
-                             uint32_t access) override {
-    return registry_.SetKeySecurity(root, path, account, access);
-  }
-  std::string AccountName() override { return registry_.AccountName(); }
-  bool broken = false;
 
  private:
-  Registry& registry_;
   std::string stays_;
 };
 
@@ -73,7 +63,7 @@ TEST_F(SettingsTest, AbsentIsNotEmpty) {
   // Neither is a failure.
   EXPECT_EQ(settings.FailedReads(), 0U);
   StubbornRegistry unreadable(registry(), "none");
-  unreadable.broken = true;
+  unreadable.unreadable = true;
   const Settings lost(unreadable, std::string(kApplication));
   EXPECT_EQ(lost.Get(setting::kButton), 2);
   EXPECT_EQ(lost.FailedReads(), 1U);

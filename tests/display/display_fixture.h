@@ -7,9 +7,7 @@
 #include "core/paths.h"
 #include "core/setting_keys.h"
 #include "display/robot.h"
-#include "scan/folders.h"
-#include "support/platform_fixture.h"
-#include "support/signature_set.h"
+#include "support/program_fixture.h"
 #include "ui/application.h"
 #include "ui/wx/wx_host.h"
 
@@ -36,37 +34,26 @@ class SlowHost : public WxHost {
 };
 
 // The program with its windows, on a machine with one find, and a robot to use it.
-class DisplayTest : public PlatformTest {
+class DisplayTest : public ProgramTest {
  protected:
-  static constexpr int kProgramFiles = 31;
   static constexpr int kSignatures = 30000;
 
   DisplayTest() {
-    settings.SaveSetting("Registry Status", "ResetValue", "x");
-    settings.ResetRegistrySettings();
-    IgnoringErrors([&] { files().Delete(SafeListPath(machine())); });
     // Enough that somebody can stop the scan by hand; the one with a find comes first.
-    std::string lines = "Any,Threat,1,31,Planted.txt,,7\n";
+    std::string lines(kPlantedLine);
     for (int i = 0; i < kSignatures; ++i) {
       const std::string number = std::to_string(i);
-      lines.append("Any,Other ")
-          .append(number)
-          .append(",1,31,None")
-          .append(number)
-          .append(".txt,,7\n");
+      lines += Join({"Any,Other ", number, ",1,31,None", number, ".txt,,7\n"}, "");
     }
-    InstallProgramData(files(), machine(), {.files = lines});
-    WriteWholeFile(files(), planted, "x");
+    Install({.files = lines});
   }
   ~DisplayTest() override {
     application.reset();
     host.reset();
-    IgnoringErrors([&] { files().Delete(planted); });
   }
 
   frmMain& Start() {
-    host = std::make_unique<SlowHost>(
-        [this](const std::string& page) { return ReadWholeFile(files(), page); });
+    host = std::make_unique<SlowHost>([this](const std::string& page) { return Read(page); });
     robot.onLate = [this] {
       host->slow = false;
       host->Act([this] { host->EndProcess(); });
@@ -95,6 +82,13 @@ class DisplayTest : public PlatformTest {
     robot.Until(std::move(what), std::move(when));
   }
   void Run() { EXPECT_TRUE(robot.Run(kPatience)) << "waited for " << robot.Waiting(); }
+  void Scan() {
+    Click("ImgStartScanMouseMove");
+    Until("the scan's end", [&] {
+      return application->MainForm().scan.lblStatus.Caption() == "Scanning completed.";
+    });
+    Run();
+  }
   // Lets the window come to rest.
   void Settle() {
     const wxLongLong start = wxGetUTCTimeMillis();
@@ -148,6 +142,22 @@ class DisplayTest : public PlatformTest {
     }
   }
 
+  // Shows one form after the other, to be looked at.
+  void ForEachForm(const std::function<void(Form&)>& look) {
+    for (const auto& entry : application->forms().All()) {
+      SCOPED_TRACE(entry.name);
+      Form* form = nullptr;
+      host->Act([&] {
+        form = &entry.touch();
+        form->Show();
+      });
+      host->Sync();
+      look(*form);
+      if (form == &application->MainForm()) continue;
+      host->Act([&] { form->Close(UnloadMode::kCode); });
+    }
+  }
+
   // The form of this name that is on the screen; null when there is none.
   const Form* Shown(std::string_view name) {
     for (const Form* form : host->LoadedForms()) {
@@ -173,8 +183,6 @@ class DisplayTest : public PlatformTest {
 
   static constexpr int kPatience = 30;
   static constexpr StartOptions kOptions = {.showSplash = false, .runWizard = false};
-  std::string planted = GetFolder(machine(), kProgramFiles).front() + "Planted.txt";
-  Settings settings{registry(), "Quarnel"};
   std::unique_ptr<SlowHost> host;
   std::unique_ptr<Application> application;
   Robot robot;

@@ -9,40 +9,32 @@ namespace {
 TEST_F(DisplayTest, TabsAreClickedAndEachPageShowsItsControls) {
   frmMain& main = Start();
   ExpectInStep(main);
-  struct Tab {
-    int index;
-    const Panel& page;
-  };
-  const Tab tabs[] = {
-      {1, main.tabs.picHiJackRestore},
-      {2, main.tabs.PicSecondTabConfiguration},
-      {3, main.tabs.PicFifthTabSchedule},
-      {4, main.tabs.PicSixthTabLiveUpdate},
-      {5, main.tabs.picBHOLeftView},
-      {6, main.tabs.picNewsAndReport},
-      {0, main.tabs.picSpywareAdwareRightWindow},
-  };
-  for (const Tab& tab : tabs) {
-    Click("imgMainTab(" + std::to_string(tab.index) + ")");
-    Until("its page", [&] { return tab.page.Visible(); });
+  const Panel* const pages[] = {&main.tabs.picSpywareAdwareRightWindow,
+                                &main.tabs.picHiJackRestore,
+                                &main.tabs.PicSecondTabConfiguration,
+                                &main.tabs.PicFifthTabSchedule,
+                                &main.tabs.PicSixthTabLiveUpdate,
+                                &main.tabs.picBHOLeftView,
+                                &main.tabs.picNewsAndReport};
+  for (const size_t tab : {1U, 2U, 3U, 4U, 5U, 6U, 0U}) {
+    Click("imgMainTab(" + std::to_string(tab) + ")");
+    Until("its page alone", [&] {
+      return std::all_of(std::begin(pages), std::end(pages), [&](const Panel* page) {
+        return page->Visible() == (page == pages[tab]);
+      });
+    });
     Run();
+    EXPECT_TRUE(main.tabs.imgMainTabC[tab]->Visible());
     ExpectInStep(main);
   }
 }
 
 TEST_F(DisplayTest, EachFormOpensAndPlacesItsControls) {
-  frmMain& main = Start();
-  for (const auto& entry : application->forms().All()) {
-    SCOPED_TRACE(entry.name);
-    Form* form = nullptr;
-    host->Act([&] {
-      form = &entry.touch();
-      form->Show();
-    });
-    host->Sync();
-    const FormWindow* window = WindowOf(*form);
+  Start();
+  ForEachForm([this](Form& form) {
+    const FormWindow* window = WindowOf(form);
     ASSERT_NE(window, nullptr);
-    ExpectInStep(*form);
+    ExpectInStep(form);
     for (const auto& binding : window->Bindings()) {
       SCOPED_TRACE(binding->control().Name());
       if (binding->Widget()->AcceptsFocus()) {
@@ -50,17 +42,14 @@ TEST_F(DisplayTest, EachFormOpensAndPlacesItsControls) {
       }
     }
     std::string nowhere;
-    for (const Control* control : form->Controls()) {
+    for (const Control* control : form.Controls()) {
       const std::string_view type = control->Type();
       if (type == "Timer" || type == "TrayIcon" || type == "Panel" || type == "MenuItem") continue;
-      if (LayoutOf(form->Name()).form.empty() || window->Places(*control)) continue;
+      if (LayoutOf(form.Name()).form.empty() || window->Places(*control)) continue;
       if (!control->Name().starts_with("imgMainTabC")) nowhere += control->Name() + " ";
     }
     EXPECT_EQ(nowhere, "");
-    if (form != &main) {
-      host->Act([&] { form->Close(UnloadMode::kCode); });
-    }
-  }
+  });
 }
 
 TEST_F(DisplayTest, NewsAreReadFromTheMachineAndALinkIsHandedOn) {
@@ -105,9 +94,7 @@ TEST_F(DisplayTest, ScanIsPausedAndStoppedByHand) {
 
 TEST_F(DisplayTest, TicksOfAThreatReachItsTraces) {
   frmMain& main = Start();
-  Click("ImgStartScanMouseMove");
-  Until("the scan's end", [&] { return main.scan.lblStatus.Caption() == "Scanning completed."; });
-  Run();
+  Scan();
   Settle();
   TreeView& tree = main.results.vbatvwResults;
   ASSERT_EQ(tree.Count(), 2U);
@@ -161,9 +148,7 @@ TEST_F(DisplayTest, WhatWasFoundIsRemovedAndRestored) {
   // A strict restore brings the file to its own drive, wherever the program lies.
   settings.Save(setting::kStrict, 1);
   frmMain& main = Start();
-  Click("ImgStartScanMouseMove");
-  Until("the scan's end", [&] { return main.scan.lblStatus.Caption() == "Scanning completed."; });
-  Run();
+  Scan();
 
   // Time to look at the progress.
   host->pause = Milliseconds(20);

@@ -52,9 +52,7 @@ class BackupTest : public PlatformTest {
 
   // A file, and a row for it.
   std::string Plant(const std::string& path, std::string_view bytes, bool cookie = false) {
-    CreateFolders(files(), path.substr(0, path.rfind('\\')));
-    WriteWholeFile(files(), path, bytes);
-    AddRow(path, cookie);
+    AddRow(Write(path, bytes), cookie);
     return path;
   }
   void AddRow(const std::string& path, bool cookie = false) {

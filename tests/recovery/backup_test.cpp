@@ -86,6 +86,14 @@ TEST_F(BackupTest, WritesTheFiveFilesAsTheyAreDescribed) {
   EXPECT_EQ(page.lblBackupProgress.Caption(), "Taking cookies backup. 100% completed.");
 }
 
+TEST_F(BackupTest, MakesEmptyFilesOfAnEmptyResult) {
+  const BackupReport report = backup.BackupSpyware();
+  EXPECT_TRUE(report.Complete());
+  EXPECT_EQ(Read(PointFile(report, restore_point::kRegistry)), "");
+  EXPECT_TRUE(Entries(files(), PointFile(report, restore_point::kFiles)).empty());
+  EXPECT_EQ(files().List(report.folder).size(), 6U);
+}
+
 TEST_F(BackupTest, LosesTheRegistryTextAndNoMoreToAVanishedKey) {
   SetValue("Stays", "v", Text("x"));
   AddTrace("Stays", "v");

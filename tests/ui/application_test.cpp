@@ -42,6 +42,8 @@ TEST_F(ApplicationTest, StartGoesStepByStep) {
   settings.SaveSetting("Drives", "Drive C: Fixed Disk", "True");
   Write(SafeListPath(machine()), planted + "^Threat^Threat\r\n");
   files().Delete(DataFolder(machine()) + "QNLFSig.dll");
+  const std::string updated = Write(GetPathWithSlash(machine().ProgramFolder()) + "old" +
+                                    ToUpper(kExecutableName) + ".EXE");
   application = std::make_unique<Application>(platform(), host, StartOptions{.runWizard = false});
   frmMain& main = application->MainForm();
   bool splash = false;
@@ -76,6 +78,7 @@ TEST_F(ApplicationTest, StartGoesStepByStep) {
   EXPECT_TRUE(main.tabs.PicSixthTabLiveUpdate.Visible());
   EXPECT_TRUE(main.tray.bRunningInTray());
   EXPECT_EQ(main.results.lvwIgnoredSpywares.Count(), 2u);
+  EXPECT_FALSE(Exists(updated));
   EXPECT_EQ(main.summary.rows[2].lblSystemSummaryValue.Caption(), "At 12:00:00 AM Daily");
 }
 

@@ -152,6 +152,10 @@ TEST_F(MenuTest, RowsOpenTheWindowAndScan) {
   EXPECT_EQ(Found(main), 20U);
   OpenMenu(main).lblMenuClose.ClickByUser();
   EXPECT_FALSE(MenuIsOpen());
+  // A download holds a scan back.
+  main.update.cmdDownload.SetVisible(false);
+  main.update.cmdFTPDownloadCancel.SetVisible(true);
+  EXPECT_FALSE(OpenMenu(main).mnuScanNow.Enabled());
 }
 
 TEST_F(MenuTest, RunningScanIsAskedFor) {
