@@ -5,7 +5,7 @@
 namespace quarnel {
 namespace {
 
-constexpr ScreenArea kDesign{.width = 7200, .height = 4800};
+constexpr ScreenArea kAlertSize{.width = 7200, .height = 4800};
 constexpr int kStep = 500;
 
 }  // namespace
@@ -19,7 +19,7 @@ frmBHR::frmBHR(const Services& services, BrowserSettings& browserSettings,
       slide_(*this, tmrPopupSignatureUpdate, kStep) {
   SetBorder(BorderStyle::kNone);
   SetShowInTaskbar(false);
-  SetPlace(kDesign);
+  SetPlace(kAlertSize);
   lblApproval.SetBold(true);
   cmdAllow.Click = [this] {
     Reporting(s_.log, "cmdAllow_Click of frmSignatureUpdated", [&] { cmdAllow_Click(); });

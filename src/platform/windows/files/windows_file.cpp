@@ -11,8 +11,6 @@
 namespace quarnel {
 namespace {
 
-// Nobody is locked out, as a scan looks at files that are in use, and removal deletes them.
-constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 // The most that one call is asked to move; shares of some systems refuse more than 64 MB.
 constexpr size_t kMostAtOnce = size_t{16} << 20;
 

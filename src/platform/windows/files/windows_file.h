@@ -9,6 +9,9 @@
 
 namespace quarnel {
 
+// Nobody is locked out, as a scan looks at files that are in use, and removal deletes them.
+inline constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+
 // Opens a file at a path of SystemPath. All raise RuntimeError; `about` is the path as the caller
 // knows it.
 std::unique_ptr<File> OpenWindowsFile(const std::wstring& path, std::string_view about,

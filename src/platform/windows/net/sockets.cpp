@@ -11,8 +11,11 @@
 namespace quarnel {
 namespace {
 
-constexpr UINT kSocketMessage = WM_APP + 1;
-constexpr UINT kResolveMessage = WM_APP + 2;
+constexpr UINT kResolveMessage = WM_APP + 1;
+// Each selection has a message of its own: the system may give the handle of a closed socket to the
+// next one, while messages of the first are still on their way.
+constexpr UINT kFirstSocketMessage = WM_APP + 2;
+constexpr UINT kSocketMessages = 0x3000;
 constexpr size_t kHostBuffer = 1024;
 
 SOCKET System(SocketHandle socket) { return static_cast<SOCKET>(socket); }
@@ -102,8 +105,9 @@ class WindowsSockets : public Sockets {
 
   bool Select(SocketHandle socket, OnEvent onEvent) override {
     if (!MakeWindow()) return false;
-    listeners_[socket] = std::make_shared<OnEvent>(std::move(onEvent));
-    if (WSAAsyncSelect(System(socket), window_, kSocketMessage,
+    const UINT message = kFirstSocketMessage + selections_++ % kSocketMessages;
+    listeners_[socket] = {message, std::make_shared<OnEvent>(std::move(onEvent))};
+    if (WSAAsyncSelect(System(socket), window_, message,
                        FD_READ | FD_WRITE | FD_ACCEPT | FD_CONNECT | FD_CLOSE) == 0) {
       return true;
     }
@@ -179,8 +183,9 @@ class WindowsSockets : public Sockets {
     closesocket(System(socket));
   }
   void PostWrite(SocketHandle socket) override {
-    if (window_ == nullptr) return;
-    PostMessageW(window_, kSocketMessage, static_cast<WPARAM>(socket),
+    const auto found = listeners_.find(socket);
+    if (found == listeners_.end()) return;
+    PostMessageW(window_, found->second.message, static_cast<WPARAM>(socket),
                  MAKELPARAM(static_cast<int>(SocketEvent::kWrite), 0));
   }
 
@@ -202,6 +207,10 @@ class WindowsSockets : public Sockets {
   }
 
  private:
+  struct Listener {
+    UINT message;
+    std::shared_ptr<OnEvent> onEvent;
+  };
   struct Request {
     HANDLE handle = nullptr;
     std::string name;
@@ -229,8 +238,8 @@ class WindowsSockets : public Sockets {
   // The system's own message loops may bring it; what follows may throw, and waits for one of ours.
   static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wide, LPARAM data) {
     auto* const self = reinterpret_cast<WindowsSockets*>(GetWindowLongPtrW(window, GWLP_USERDATA));
-    if (message == kSocketMessage) {
-      self->Tell(static_cast<SocketHandle>(wide), static_cast<SocketEvent>(LOWORD(data)),
+    if (message >= kFirstSocketMessage && message < kFirstSocketMessage + kSocketMessages) {
+      self->Tell(message, static_cast<SocketHandle>(wide), static_cast<SocketEvent>(LOWORD(data)),
                  HIWORD(data));
       return 0;
     }
@@ -241,13 +250,13 @@ class WindowsSockets : public Sockets {
     return CallWindowProcW(self->former_, window, message, wide, data);
   }
 
-  void Tell(SocketHandle socket, SocketEvent event, int error) {
+  void Tell(UINT message, SocketHandle socket, SocketEvent event, int error) {
     const auto found = listeners_.find(socket);
-    if (found == listeners_.end()) return;
-    events_.Post([this, socket, event, error, listener = found->second] {
+    if (found == listeners_.end() || found->second.message != message) return;
+    events_.Post([this, socket, event, error, listener = found->second.onEvent] {
       // The socket may have gone since, and another have its handle.
       const auto now = listeners_.find(socket);
-      if (now != listeners_.end() && now->second == listener) (*listener)(event, error);
+      if (now != listeners_.end() && now->second.onEvent == listener) (*listener)(event, error);
     });
   }
 
@@ -281,7 +290,8 @@ class WindowsSockets : public Sockets {
   EventWait& events_;
   HWND window_ = nullptr;
   WNDPROC former_ = nullptr;
-  std::map<SocketHandle, std::shared_ptr<OnEvent>> listeners_;
+  std::map<SocketHandle, Listener> listeners_;
+  UINT selections_ = 0;
   std::map<uint32_t, std::shared_ptr<Request>> requests_;
   int started_ = 0;
   int largestDatagram_ = 0;
