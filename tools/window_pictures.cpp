@@ -122,15 +122,13 @@ void PrepareForms(Platform& platform, Application& application) {
   RegCreateKeyValue(platform.registry(), hive::kCurrentUser,
                     "Software\\Microsoft\\Internet Explorer\\Main", "Start Page",
                     std::string("http://search.example/"));
-  const BrowserSetting& home = BrowserSettingTable().front();
+  // The alert would come by itself from then on, over other windows.
+  application.MainForm().timers.tmrPreventChangeHomePage.SetInterval(Milliseconds(0));
   application.MainForm().engine().browserSettings().Pending() = {
-      .label = std::string(home.label),
+      .label = "Home Page",
       .newValue = "http://www.samplehijack.example/",
-      .defaultValue = DefaultOf(home, platform.machine()),
-      .storedValue = "http://home.example/",
-      .hive = home.hive,
-      .key = std::string(home.key),
-      .valueName = std::string(home.value)};
+      .defaultValue = DefaultOf(BrowserSettingTable().front(), platform.machine()),
+      .storedValue = "http://www.home.example/"};
   application.forms().wizard.helpPage =
       GetPathWithSlash(platform.machine().ProgramFolder()) + "sd.html";
 }

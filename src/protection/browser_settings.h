@@ -57,8 +57,8 @@ class BrowserSettings {
   // the first one of a run never gets further.
   void HandleBrowserSettingChange(PendingBrowserChange change);
 
-  // The change that was handled last, which the alert is about. Only the first two operations below
-  // and the one above write it.
+  // The change that was handled last, which the alert is about. Beside the operation above only
+  // MoveBaseline writes it: it calls the home page by its baseline's name.
   PendingBrowserChange& Pending() { return pending_; }
   // What the alert's buttons do. The new value becomes the baseline; the stored value goes back
   // into the registry; the new value's address gets a verdict.

@@ -141,7 +141,8 @@ void ConsoleRun::Run(const std::string& script) {
   std::ostringstream printed;
   std::ostringstream complaints;
   code = RunConsole(arguments, {in, printed, complaints, terminal},
-                    [this](Host& host, const ProgramCall&) {
+                    [this](Host& host, const ProgramCall& call) {
+                      job = call.job;
                       return std::make_unique<TestProgram>(host, *this);
                     });
   out = printed.str();

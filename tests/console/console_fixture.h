@@ -95,6 +95,8 @@ struct ConsoleRun {
   bool restoreFellShort = false;
   std::optional<Removing> removing;  // what the last removal was to take
 
+  bool job = false;  // the program was made for one job
+
   int code = -1;
   std::string out;
   std::string err;

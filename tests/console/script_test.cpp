@@ -310,6 +310,7 @@ TEST(Console, JobsOnTheCommandLine) {
     run.summary = job.summary;
     run.Run("");
     EXPECT_EQ(run.code, job.code) << job.job;
+    EXPECT_TRUE(run.job);
     EXPECT_THAT(run.out, HasSubstr(job.out));
     EXPECT_EQ(run.out.find('\r'), std::string::npos);
   }

@@ -4,38 +4,25 @@
 #include "protection/kill_bits.h"
 #include "signatures/complement.h"
 #include "support/breakable_platform.h"
+#include "support/browser_on_machine.h"
 #include "ui/application_fixture.h"
 
 namespace quarnel {
 namespace {
 
-using testing::EndsWith;
 using testing::HasSubstr;
-using testing::IsEmpty;
 
 // The program on a machine whose browser has a home page.
 class BrowserAlertTest : public ApplicationTest {
  protected:
-  BrowserAlertTest() {
-    DeleteFiles();
-    for (const BrowserSetting& setting : BrowserSettingTable()) {
-      DeleteValue(registry(), setting.hive, setting.key, setting.value);
-    }
-    SetHome("http://mine.example/");
-  }
-  ~BrowserAlertTest() override { DeleteFiles(); }
+  BrowserAlertTest() { browser.Set(0, "http://mine.example/"); }
 
-  void DeleteFiles() {
-    for (const std::string& path : {baselines, verdicts}) {
-      IgnoringErrors([&] { files().Delete(path); });
-    }
-  }
   // As another program does.
   void SetHome(const std::string& page) {
     const auto other = OpenPlatform(machineFolder());
+    const BrowserSetting& home = BrowserSettingTable().front();
     RegCreateKeyValue(other->registry(), home.hive, home.key, home.value, page);
   }
-  std::string Home() { return QueryText(registry(), home.hive, home.key, home.value); }
   // Lets the guard look once at a change, as it does behind one that was handled before.
   frmBHR& Change(frmMain& main) {
     SetHome("http://hijack.example/");
@@ -45,9 +32,7 @@ class BrowserAlertTest : public ApplicationTest {
     return application->forms().bhr.Touch();
   }
 
-  const BrowserSetting& home = BrowserSettingTable().front();
-  std::string baselines = GetPathWithSlash(machine().ProgramFolder()) + "QS_BHR.ini";
-  std::string verdicts = GetPathWithSlash(machine().ProgramFolder()) + "QS_AB_BHR.ini";
+  BrowserOnMachine browser{platform()};
 };
 
 TEST_F(BrowserAlertTest, FirstChangesOfARunPassTheTimer) {
@@ -74,7 +59,7 @@ TEST_F(BrowserAlertTest, SlidesInAndAllows) {
             "The Internet Explorer URL for your Home Page is attempting to be changed from "
             "http://mine.example/ to http://hijack.example/");
   EXPECT_EQ(alert.lblDefault.Caption(),
-            "The default URL for your Home Page is " + DefaultOf(home, machine()) + ".");
+            "The default URL for your Home Page is " + browser.Default(0) + ".");
   const int start = AlertPlan(host.screen, alert.Place().width, alert.Place().height).top;
   host.Advance(Milliseconds(50));
   const int target = AlertPlan(host.screen, alert.Place().width, alert.Place().height).target;
@@ -87,9 +72,9 @@ TEST_F(BrowserAlertTest, SlidesInAndAllows) {
   alert.cmdAllow.ClickByUser();
   EXPECT_FALSE(application->forms().bhr.IsLoaded());
   EXPECT_TRUE(main.timers.tmrPreventChangeHomePage.Enabled());
-  EXPECT_EQ(Home(), "http://hijack.example/");
-  EXPECT_THAT(Read(baselines), HasSubstr("Start Page=http://hijack.example/\r\n"));
-  EXPECT_THAT(Read(verdicts), HasSubstr("http://hijack.example/=ALLOW"));
+  EXPECT_EQ(browser.Get(0), "http://hijack.example/");
+  EXPECT_THAT(browser.Baselines(), HasSubstr("Start Page=http://hijack.example/\r\n"));
+  EXPECT_THAT(browser.Verdicts(), HasSubstr("http://hijack.example/=ALLOW"));
   EXPECT_EQ(main.browserSettings.txtCurrentSetting.Text(), "http://hijack.example/");
   EXPECT_EQ(main.browserSettings.lvwAllowedBlockedURLs.Count(), 1U);
 }
@@ -100,7 +85,7 @@ TEST_F(BrowserAlertTest, BlocksAfterAQuestionAndThenUnasked) {
   host.answers = {Answer::kNo, Answer::kYes};
   alert.cmdBlock.ClickByUser();
   EXPECT_TRUE(alert.IsLoaded());
-  EXPECT_EQ(Home(), "http://hijack.example/");
+  EXPECT_EQ(browser.Get(0), "http://hijack.example/");
   // Another change that becomes the pending one meanwhile is not what was asked about.
   host.onEvents = [&] { main.engine().browserSettings().Pending().storedValue = "other"; };
   alert.cmdBlock.ClickByUser();
@@ -111,20 +96,20 @@ TEST_F(BrowserAlertTest, BlocksAfterAQuestionAndThenUnasked) {
             "http://mine.example/?\r\nBlock Internet Explorer URL change?");
   EXPECT_EQ(host.messages.back().icon, MessageIcon::kInformation);
   EXPECT_FALSE(application->forms().bhr.IsLoaded());
-  EXPECT_EQ(Home(), "http://mine.example/");
-  EXPECT_THAT(Read(baselines), HasSubstr("Start Page=http://mine.example/\r\n"));
+  EXPECT_EQ(browser.Get(0), "http://mine.example/");
+  EXPECT_THAT(browser.Baselines(), HasSubstr("Start Page=http://mine.example/\r\n"));
   EXPECT_EQ(main.browserSettings.lvwAllowedBlockedURLs.At(0).SubItem(1), "Blocked");
 
   SetHome("http://hijack.example/");
   host.Advance(Milliseconds(2000));
   EXPECT_FALSE(application->forms().bhr.IsLoaded());
-  EXPECT_EQ(Home(), "http://mine.example/");
+  EXPECT_EQ(browser.Get(0), "http://mine.example/");
   // An alert that nobody answers changes nothing, and the guard goes on.
   SetHome("http://third.example/");
   host.Advance(Milliseconds(2000));
   application->forms().bhr.Unload();
   EXPECT_TRUE(main.timers.tmrPreventChangeHomePage.Enabled());
-  EXPECT_EQ(Home(), "http://third.example/");
+  EXPECT_EQ(browser.Get(0), "http://third.example/");
 }
 
 TEST_F(BrowserAlertTest, GuardsOfAJobStayOff) {
