@@ -24,6 +24,14 @@ class LinksTest : public BackupTest {
     return outcome;
   }
 
+  RemovalRecord Record() {
+    return RemovalRecord({.results = results,
+                          .files = files(),
+                          .registry = registry(),
+                          .processes = platform().processes()},
+                         "now");
+  }
+
   FileRemoval removal{{.files = files(),
                        .processes = platform().processes(),
                        .machine = program,
@@ -47,11 +55,7 @@ TEST_F(LinksTest, WhatCannotBeLookedAtIsNotCalledGone) {
   fs::create_directory_symlink("loop", HostOf(Path("loop")));
   AddRow(Path("loop\\a.exe"));
   results.lvwFilesToBeDeleted.SetChecked(0, true);
-  RemovalRecord record({.results = results,
-                        .files = files(),
-                        .registry = registry(),
-                        .processes = platform().processes()},
-                       "now");
+  RemovalRecord record = Record();
   const RemovalReport report = record.Conclude("");
   EXPECT_EQ(report.traces.front().fate, Fate::kFailed);
   EXPECT_EQ(report.traces.front().detail, "it could not be looked at");
@@ -62,11 +66,7 @@ TEST_F(LinksTest, OfTwoNamesThatDifferInLetterCaseTheRightOneGoesAndIsTold) {
   std::ofstream(gone.parent_path() / "tWIN.exe") << "x";
   for (const char* name : {"Twin.exe", "tWIN.exe"}) AddRow(Path(name));
   for (const size_t row : {0U, 1U}) results.lvwFilesToBeDeleted.SetChecked(row, true);
-  RemovalRecord record({.results = results,
-                        .files = files(),
-                        .registry = registry(),
-                        .processes = platform().processes()},
-                       "now");
+  RemovalRecord record = Record();
   // A program's file is deleted and then looked for once more.
   EXPECT_EQ(Remove(Path("Twin.exe")).quarantine, "");
   const RemovalReport report = record.Conclude("");
