@@ -4,12 +4,14 @@
 #include <string>
 
 #include "core/error_log.h"
+#include "core/paths.h"
 #include "core/settings.h"
 #include "idle_host.h"
 #include "platform/machine_folder.h"
 #include "protection/browser_settings.h"
 #include "protection/helper_objects.h"
 #include "protection/memory_shield.h"
+#include "protection/startup_shield.h"
 #include "scan_rig.h"
 #include "signatures/compiler.h"
 #include "signatures/md5.h"
@@ -153,6 +155,65 @@ void MemoryPass(benchmark::State& state) {
   state.counters["inspected"] = static_cast<double>(memory.shield.WhatItDid().inspected);
 }
 
+// A machine of sixty entries that start with it, all of which are allowed.
+struct StartupRig {
+  StartupRig() {
+    constexpr int kEach = 10;
+    for (size_t step = 1; step < startup::kWalked; ++step) {
+      const startup::Place place = *startup::Locations()[step].walked;
+      for (int i = 0; i < kEach; ++i) {
+        const std::string number = std::to_string(i);
+        RegCreateKeyValue(platform->registry(), place.hive, place.key, "Entry " + number,
+                          "\"C:\\Program Files\\Entry\\entry" + number + ".exe\" /quiet");
+      }
+    }
+    shield.LoadJustAfterInstallation();
+    Pass();
+    settings.Save(setting::kJustAfterInstallation, false);
+    shield.LoadJustAfterInstallation();
+    Pass();
+  }
+  // All locations once, each with the list made anew as a tick does.
+  void Pass() {
+    for (size_t step = 0; step < startup::kWalked; ++step) shield.Reload();
+  }
+
+  TemporaryMachine machine;
+  std::unique_ptr<Platform> platform = OpenPlatform(machine.Folder());
+  RealClock clock;
+  IdleHost host{clock};
+  Settings settings{platform->registry(), "Quarnel"};
+  ErrorLog log{platform->files(), platform->machine(), host, "Quarnel"};
+  RecordingWindow window;
+  Form form{host, "frmMain"};
+  AdvancedToolsPage page{form};
+  OptionsPage options{form};
+  StartupShield shield{{page, options, {*platform, host, settings, log}, window}};
+};
+
+// The same values, and nothing else.
+void StartupBaseline(benchmark::State& state) {
+  const StartupRig rig;
+  for ([[maybe_unused]] auto round : state) {
+    for (size_t step = 1; step < startup::kWalked; ++step) {
+      startup::EnumerateRegKeyValues(rig.platform->registry(), *startup::Locations()[step].walked,
+                                     [](const std::string& name, const std::string&) {
+                                       benchmark::DoNotOptimize(name);
+                                       return true;
+                                     });
+    }
+  }
+}
+
+void StartupPass(benchmark::State& state) {
+  StartupRig rig;
+  const std::string file =
+      GetPathWithSlash(rig.platform->machine().ProgramFolder()) + "Quarnel_Startup.txt";
+  const FileTime before = rig.platform->files().Stat(file)->modified;
+  for ([[maybe_unused]] auto round : state) rig.Pass();
+  state.counters["written"] = rig.platform->files().Stat(file)->modified == before ? 0 : 1;
+}
+
 template <typename Function>
 void Add(const char* name, Function function) {
   benchmark::RegisterBenchmark(name, function)->Unit(benchmark::kMillisecond)->UseRealTime();
@@ -165,6 +226,8 @@ const bool kRegistered = [] {
   Add("forty_helper_objects/pass", HelpersPass);
   Add("memory_of_the_same_count/baseline", MemoryBaseline);
   Add("memory_of_the_same_count/pass", MemoryPass);
+  Add("sixty_startup_entries/baseline", StartupBaseline);
+  Add("sixty_startup_entries/pass", StartupPass);
   return true;
 }();
 

@@ -53,6 +53,8 @@ class MainWindow {
   virtual void Alert(const MemoryAlert& alert) = 0;
   // Asks about the change of a browser's setting that is pending; returns at once.
   virtual void AlertBrowserChange() = 0;
+  // Asks about the program that now starts with the system and is pending; returns at once.
+  virtual void AlertStartup() = 0;
   // Takes that off the screen unanswered, if it is there.
   virtual void EndAlert() = 0;
 };

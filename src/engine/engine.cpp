@@ -85,7 +85,8 @@ Engine::Engine(const Services& services, Pages& pages, MainWindow& window)
       browserSettings_({.page = pages_.browserSettings, .services = s_, .window = window_}),
       tools_(pages_.tools),
       helpers_({.page = pages_.tools, .services = s_}),
-      startups_({.options = pages_.options, .settings = s_.settings}),
+      startups_(
+          {.page = pages_.tools, .options = pages_.options, .services = s_, .window = window_}),
       activeX_(ActiveXUses(s_, pages_, options_, window_)),
       update_({.page = pages_.update,
                .settings = s_.settings,
@@ -168,6 +169,7 @@ std::vector<ShieldState> Engine::Shields() const {
   const MainTimers& timers = pages_.timers;
   const OptionsPage& options = pages_.options;
   const MemoryShield::Done& memory = memoryShield_.WhatItDid();
+  const StartupShield::Done& startups = startups_.WhatItDid();
   return {{.name = "memory",
            .chosen = options.chkMemorySheild.Checked(),
            .watching = memoryShield_.Watches() && ticks(timers.tmrMemoryInspected),
@@ -175,6 +177,13 @@ std::vector<ShieldState> Engine::Shields() const {
                    {"alerts", memory.alerts},
                    {"declined", memory.declined},
                    {"unread", memory.unread}}},
+          {.name = "startup",
+           .chosen = options.chkStartupShield.Checked(),
+           .watching = startups_.Watches() && ticks(timers.tmrStartup),
+           .did = {{"walks", startups.walks},
+                   {"approved", startups.approved},
+                   {"blocked", startups.blocked},
+                   {"alerts", startups.alerts}}},
           {.name = "helpers",
            .chosen = true,
            .watching = ticks(timers.tmrBHO),

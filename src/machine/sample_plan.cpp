@@ -47,6 +47,10 @@ constexpr SampleFile kFiles[] = {
     // Clean, and of no signature.
     {"", csidl::kProgramFiles, Content::kProgram, "Example Reader\\helper.dll",
      "Example Reader Company"},
+    {"", csidl::kProgramFiles, Content::kProgram, "Example Reader\\reader.exe",
+     "Example Reader Company"},
+    {"", csidl::kCommonStartup, Content::kShortcut, "Example Reader.lnk",
+     "{programs}Example Reader\\reader.exe"},
 };
 
 constexpr SampleCookie kCookies[] = {
@@ -104,6 +108,8 @@ constexpr SampleEntry kEntries[] = {
      "rundll32.exe {windows}system32\\samplekw.dll"},
     {kKeywatch, kUser, Shown::kUpper, kRunOfUser, "SampleKeywatchHelp"},
     {"", kMachine, Shown::kUpper, kRun, "SampleClean", "{windows}samplekw.txt"},
+    {"", kUser, Shown::kUpper, kRunOfUser, "ExampleReader",
+     "\"{programs}Example Reader\\reader.exe\" /quiet"},
     // Names of the user.
     {kKeywatch, hive::kUsers, Shown::kAsWritten, "{sid}\\Software\\Sample Keywatch\\Users\\{user}",
      ""},

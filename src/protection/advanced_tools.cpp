@@ -16,10 +16,6 @@ AdvancedTools::AdvancedTools(AdvancedToolsPage& page) : page_(page) {
   };
   page_.vbatvwStartup.SetVisible(false);
   ShowManager(false, false);
-  // None can be listed yet, and so none allowed or blocked.
-  for (Label* label : {&page_.lblAllowThisStartupItem, &page_.lblBlockThisStartupItem}) {
-    label->SetEnabled(false);
-  }
 }
 
 void AdvancedTools::AddNodes() {
@@ -38,7 +34,6 @@ void AdvancedTools::ShowManager(bool bho, bool startup) {
        std::initializer_list<Control*>{&page_.lvwBHOs, &page_.lblAllowBHO, &page_.lblBlockBHO}) {
     control->SetVisible(bho);
   }
-  page_.lblNotListedYet.SetVisible(startup);
   for (Control* control : std::initializer_list<Control*>{
            &page_.lvwStartup, &page_.lblAllowThisStartupItem, &page_.lblBlockThisStartupItem}) {
     control->SetVisible(startup);

@@ -11,9 +11,6 @@ namespace quarnel {
 struct AdvancedToolsPage {
   Form& form;
   TreeView tvwAdvancedTools{form, "tvwAdvancedTools"};
-  // An empty list must not read as a machine that has none of them.
-  Label lblNotListedYet{form, "lblNotListedYet",
-                        "This version of the program does not list them yet."};
 
   ListView lvwBHOs{
       form,

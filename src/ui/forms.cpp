@@ -32,6 +32,10 @@ Forms::Forms(const Services& services, StartOptions options)
         return std::make_unique<frmBHR>(services, main_->engine().browserSettings(),
                                         main_->timers.tmrPreventChangeHomePage);
       }),
+      starUpAlert([this, services] {
+        return std::make_unique<frmStarUpAlert>(services, main_->engine().startups(),
+                                                main_->timers.tmrPreventChangeHomePage);
+      }),
       wizard1(Page<frmWizard1>(services)),
       wizard2(Page<frmWizard2>(services)),
       wizard3(Page<frmWizard3>(services)),
@@ -65,6 +69,7 @@ Forms::Forms(const Services& services, StartOptions options)
   List("frmDeImmunize", deImmunize);
   List("frmMenuPopUp", menuPopUp);
   List("frmBHR", bhr);
+  List("frmStarUpAlert", starUpAlert);
   List("frmWizard1", wizard1);
   List("frmWizard2", wizard2);
   List("frmWizard3", wizard3);

@@ -11,6 +11,7 @@
 #include "ui/alerts/frm_bhr.h"
 #include "ui/alerts/frm_home_page_changed_alert.h"
 #include "ui/alerts/frm_spyware_found_alert.h"
+#include "ui/alerts/frm_star_up_alert.h"
 #include "ui/dialogs/frm_close.h"
 #include "ui/dialogs/frm_close_ie.h"
 #include "ui/dialogs/frm_de_immunize.h"
@@ -62,6 +63,7 @@ class Forms {
   FormSlot<frmDeImmunize> deImmunize;
   FormSlot<frmMenuPopUp> menuPopUp;
   FormSlot<frmBHR> bhr;
+  FormSlot<frmStarUpAlert> starUpAlert;
   FormSlot<frmWizard1> wizard1;
   FormSlot<frmWizard2> wizard2;
   FormSlot<frmWizard3> wizard3;

@@ -41,6 +41,10 @@ class TestProgram : public ConsoleProgram {
   }
   bool RestoreFellShort() override { return run_.restoreFellShort; }
   std::vector<BrowserSettings::State> BrowserStates() override { return run_.browserStates; }
+  std::vector<StartupShield::State> Startups() override { return run_.startups; }
+  void DecideStartup(const StartupEntry& entry, bool allow) override {
+    run_.decided += (allow ? "allow " : "block ") + entry.section + "\\" + entry.name + ";";
+  }
   std::vector<std::string> FormNames() override { return {"frmTest", "frmChild"}; }
   bool LoadForm(std::string_view name) override {
     if (!EqualText(name, "frmChild")) return false;

@@ -92,6 +92,8 @@ struct ConsoleRun {
   std::optional<RemovalReport> removal;
 
   std::vector<BrowserSettings::State> browserStates;
+  std::vector<StartupShield::State> startups;
+  std::string decided;  // about them
   bool restoreFellShort = false;
   std::optional<Removing> removing;  // what the last removal was to take
 

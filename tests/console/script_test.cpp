@@ -263,6 +263,27 @@ TEST(Console, RecordsAsJson) {
       "\"default\":\"http://default/\"}\n");
 }
 
+TEST(Console, StartupEntriesAreNamedAloneOrWithTheirLocation) {
+  ConsoleRun run;
+  using State = StartupShield::State;
+  run.startups = {{{"One", "C:\\a.exe", "Run"}, State::Verdict::kAllowed},
+                  {{"Two", "C:\\b.exe", "Run"}},
+                  {{"Two", "C:\\b.exe", "RunOnce"}, State::Verdict::kBlocked, false}};
+  run.Run("startup\nstartup allow one\nstartup block \"runonce\\\\TWO\"");
+  EXPECT_EQ(run.out,
+            "Run\tOne\tC:\\\\a.exe\tallowed\t1\nRun\tTwo\tC:\\\\b.exe\tnone\t1\n"
+            "RunOnce\tTwo\tC:\\\\b.exe\tblocked\t0\n");
+  EXPECT_EQ(run.decided, "allow Run\\One;block RunOnce\\Two;");
+  for (const char* refused : {"startup block Two", "startup allow Three", "startup keep One",
+                              "startup allow", "startup allow One Two"}) {
+    ConsoleRun other;
+    other.startups = run.startups;
+    other.Run(refused);
+    EXPECT_EQ(other.code, 1) << refused;
+    EXPECT_EQ(other.decided, "") << refused;
+  }
+}
+
 TEST(Console, LeavesTheProgramAtTheEndOfInput) {
   ConsoleRun run;
   run.Run("get lblCount");

@@ -39,6 +39,7 @@ class RecordingWindow : public MainWindow {
   }
   void Alert(const MemoryAlert& /*alert*/) override { Note("alert"); }
   void AlertBrowserChange() override { Note("browser alert"); }
+  void AlertStartup() override { Note("startup alert"); }
   void EndAlert() override {}
 
  private:

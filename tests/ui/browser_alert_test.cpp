@@ -3,6 +3,7 @@
 #include "protection/home_page_setting.h"
 #include "protection/kill_bits.h"
 #include "signatures/complement.h"
+#include "support/blind_host.h"
 #include "support/breakable_platform.h"
 #include "support/browser_on_machine.h"
 #include "ui/application_fixture.h"
@@ -119,16 +120,6 @@ TEST_F(BrowserAlertTest, GuardsOfAJobStayOff) {
   host.Advance(Milliseconds(60000));
   EXPECT_FALSE(application->forms().bhr.IsLoaded());
 }
-
-// A host whose screen cannot be measured while it is broken.
-class BlindHost : public TestHost {
- public:
-  bool blind = false;
-  ScreenFacts Screen() const override {
-    if (blind) throw RuntimeError(ErrorNumber::kInvalidCall);
-    return TestHost::Screen();
-  }
-};
 
 TEST_F(BrowserAlertTest, FailuresAreLoggedByTheirNames) {
   BlindHost blind;

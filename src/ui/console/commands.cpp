@@ -41,6 +41,8 @@ constexpr std::array kCommands{
     Command{"browser", "", command::Browser, "setting, now, baseline, default"},
     Command{"shields", "", command::Shields,
             "shield, chosen, watching, what it did since the start..."},
+    Command{"startup", "[allow|block NAME|LOCATION\\NAME]", command::Startup,
+            "location, name, path, verdict, present"},
     Command{"helpers", "", command::Helpers,
             "name, state, file, company, file version, product version, hive, key, value"},
     Command{"expect", "NAME VALUE", command::Expect},

@@ -72,6 +72,7 @@ void Report(Session& session, Words& words);
 void Browser(Session& session, Words& words);
 void Shields(Session& session, Words& words);
 void Helpers(Session& session, Words& words);
+void Startup(Session& session, Words& words);
 void Wizard(Session& session, Words& words);
 void Quit(Session& session, Words& words);
 void Help(Session& session, Words& words);

@@ -81,6 +81,13 @@ class ConsoleApplication : public ConsoleProgram {
     return application_.MainForm().engine().browserSettings().States();
   }
 
+  std::vector<StartupShield::State> Startups() override {
+    return application_.MainForm().engine().startups().States();
+  }
+  void DecideStartup(const StartupEntry& entry, bool allow) override {
+    application_.MainForm().engine().startups().Decide(entry, allow);
+  }
+
   std::vector<std::string> FormNames() override {
     std::vector<std::string> names;
     for (const Forms::Entry& entry : application_.forms().All()) names.emplace_back(entry.name);

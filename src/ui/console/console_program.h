@@ -10,6 +10,7 @@
 #include "controls/host.h"
 #include "engine/shields.h"
 #include "protection/browser_settings.h"
+#include "protection/startup_shield.h"
 #include "recovery/removal_report.h"
 #include "ui/console/scan_summary.h"
 
@@ -42,6 +43,10 @@ class ConsoleProgram {
   virtual bool RestoreFellShort() = 0;
   // The guarded settings of the browser as they stand. Writes nothing.
   virtual std::vector<BrowserSettings::State> BrowserStates() = 0;
+  // What starts with the system, and the verdicts on it. Writes nothing.
+  virtual std::vector<StartupShield::State> Startups() = 0;
+  // Allows or blocks one of these, as the page's buttons do, without a question.
+  virtual void DecideStartup(const StartupEntry& entry, bool allow) = 0;
   // The names of all forms, loaded or not.
   virtual std::vector<std::string> FormNames() = 0;
   // Loads the form of this name, letter case folded, and shows it; false when there is none.

@@ -43,6 +43,7 @@ void frmMain::Alert(const MemoryAlert& alert) {
 void frmMain::EndAlert() { forms_.spywareFoundAlert.Unload(); }
 
 void frmMain::AlertBrowserChange() { forms_.bhr.Touch().Show(); }
+void frmMain::AlertStartup() { forms_.starUpAlert.Touch().Show(); }
 
 void frmMain::Form_Resize() {
   if (StateOfWindow() == WindowState::kMinimised) {

@@ -73,6 +73,7 @@ class frmMain : public Form, public Pages, public MainWindow {
   std::string ChooseRestorePoint() override;
   void Alert(const MemoryAlert& alert) override;
   void AlertBrowserChange() override;
+  void AlertStartup() override;
   void EndAlert() override;
 
  protected:
@@ -98,6 +99,7 @@ class frmMain : public Form, public Pages, public MainWindow {
   void TestSignatures();
   void ShowTrayIcon();
   void StartBrowserGuardTimer();
+  void LoadStartups();
   void RegisterTransferComponent();
   void EmptyResultTree();
 

@@ -45,7 +45,7 @@ std::span<const frmMain::LoadStep> frmMain::LoadSteps() {
       [](frmMain& window) { window.engine_.summary().CreateBalloons(); },
       [](frmMain& window) { window.engine_.tools().AddNodes(); },
       [](frmMain& window) { window.engine_.helpers().LoadBHOList(window.tools.lvwBHOs); },
-      [](frmMain& window) { window.engine_.startups().LoadStartups(); },
+      [](frmMain& window) { window.LoadStartups(); },
       [](frmMain& window) { window.newsLogic_.ShowFile(); },
       [](frmMain& window) { window.RegisterTransferComponent(); },
       [](frmMain& window) { window.EmptyResultTree(); },
@@ -148,6 +148,11 @@ void frmMain::ShowTrayIcon() {
 void frmMain::StartBrowserGuardTimer() {
   timers.tmrPreventChangeHomePage.SetInterval(Milliseconds(2000));
   timers.tmrPreventChangeHomePage.SetEnabled(true);
+}
+
+// It allows, blocks and asks, as the ticks of its timer do.
+void frmMain::LoadStartups() {
+  if (startOptions_.keepsGuard) engine_.startups().LoadStartups();
 }
 
 void frmMain::RegisterTransferComponent() {

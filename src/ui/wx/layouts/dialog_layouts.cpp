@@ -171,6 +171,27 @@ FormLayout BrowserAlertLayout() {
           .unasked = true};
 }
 
+FormLayout StartupAlertLayout() {
+  return {
+      .form = "frmStarUpAlert",
+      .kind = WindowKind::kPopup,
+      .content = Column({
+                            Row({Picture("message-exclamation", kLargeIcon),
+                                 Column({Put("lblApproval").As(Role::kWrapped).Wide(kMessageWidth),
+                                         Put("lblSection").As(Role::kStrong),
+                                         Put("lblApplication").As(Role::kPath),
+                                         Put("lblPath").As(Role::kPath),
+                                         Put("lblAdvise").As(Role::kWrapped).Wide(kMessageWidth)})})
+                                .Gap(kWideGap),
+                            Put("chkRememberURL"),
+                            Row({Spring(), Put("cmdBlock").As(Role::kPrimary), Put("cmdAllow")}),
+                        })
+                     .Gap(kWideGap)
+                     .Padding(kDialogPadding),
+      .keyboard = {"cmdBlock"},
+      .unasked = true};
+}
+
 // What an alert tells of may run on until it is answered: it takes the keyboard as it comes.
 FormLayout SpywareFoundLayout() {
   const auto fact = [](std::string_view caption, std::string_view control) {
@@ -314,6 +335,7 @@ std::vector<FormLayout> DialogLayouts() {
   layouts.push_back(HomePageLayout());
   layouts.push_back(BrowserAlertLayout());
   layouts.push_back(SpywareFoundLayout());
+  layouts.push_back(StartupAlertLayout());
   layouts.push_back(ConnectionLayout());
   layouts.push_back(ShieldLayout("frmImmunize"));
   layouts.push_back(ShieldLayout("frmDeImmunize"));

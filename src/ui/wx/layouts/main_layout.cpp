@@ -285,9 +285,7 @@ Layout OptionsLayout() {
       Card("Protection",
            {Mark("chkSelfDownloadingActivex"), Row({Put("cmdImmunize"), Put("cmdDeImmunize")}),
             Mark("chkMemorySheild"), Mark("chkStartupShield"), Mark("chkDisplayHijakRestoreAlerts"),
-            Mark("chkAlertsBlocksSpywareAdware"),
-            Text("The other shields come with a later version.").As(Role::kMuted),
-            Mark("chkStrict"), Mark("chkReportLorrimesh")}),
+            Mark("chkAlertsBlocksSpywareAdware"), Mark("chkStrict"), Mark("chkReportLorrimesh")}),
       Card("Start", {Mark("chkRunAtStartup"), Mark("chkMinimizeToTrayWindowAtStartup")}),
       Card("Updates",
            {Mark("chkEnableAutoUpdaterNotifications"),
@@ -371,7 +369,6 @@ Layout AdvancedLayout() {
                         .Pictures({"trace-program", {}, "message-question", {}, "stop", "row-good"})
                         .Grow(),
                     Put("lvwStartup").Called("Startup programs").FilesIn(1).Grow(),
-                    Put("lblNotListedYet").As(Role::kMuted),
                     Row({Put("lblAllowBHO").As(Role::kLink), Put("lblBlockBHO").As(Role::kLink),
                          Put("lblAllowThisStartupItem").As(Role::kLink),
                          Put("lblBlockThisStartupItem").As(Role::kLink), Spring()})
