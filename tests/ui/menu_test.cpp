@@ -215,15 +215,5 @@ TEST(SlideIn, PlacesTheMenuAtTheMouse) {
   }
 }
 
-TEST(SlideIn, TellsTheMouseOverAWindow) {
-  const ScreenArea place{.left = 1500, .top = 3000, .width = 150, .height = 300};
-  const std::pair<ScreenFacts::Point, bool> cases[] = {{{100, 200}, true},  {{110, 220}, true},
-                                                       {{99, 210}, false},  {{111, 210}, false},
-                                                       {{105, 199}, false}, {{105, 221}, false}};
-  for (const auto& [mouse, over] : cases) {
-    EXPECT_EQ(MouseOver({.mouse = mouse}, place), over) << mouse.x << ' ' << mouse.y;
-  }
-}
-
 }  // namespace
 }  // namespace quarnel
