@@ -3,6 +3,7 @@
 #include "base/text.h"
 #include "core/paths.h"
 #include "platform/version_info.h"
+#include "scan/found_traces.h"
 #include "scan/progress.h"
 #include "signatures/md5.h"
 #include "signatures/signature_files.h"
@@ -119,7 +120,10 @@ void MemoryScan::CountProcessIn95() {
 void MemoryScan::Inspect(std::string_view modulePath, const HashIndex& signatures) {
   ++inspected_;
   u_.page.lblStatus.SetCaption(modulePath);
-  const std::string path = ActuallProcessName(ToUpper(Trim(modulePath)));
+  const std::string named = ActuallProcessName(Trim(modulePath));
+  std::string path = ActuallProcessName(ToUpper(Trim(modulePath)));
+  // Where names may differ in letter case alone, this may be another file, and would be deleted.
+  if (!LeadToOneFile(u_.files, path, named)) path = named;
   const std::string company = GetCompanyName(u_.files, path, [this] {
     DoEvents();
     return true;

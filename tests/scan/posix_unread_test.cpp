@@ -10,9 +10,11 @@
 #include "platform/machine_folder.h"
 #include "scan/deep_scan.h"
 #include "scan/file_scan.h"
+#include "scan/memory_scan.h"
 #include "scan/scan_fixture.h"
 #include "scan/watched_files.h"
 #include "signatures/md5.h"
+#include "support/listed_processes.h"
 
 namespace quarnel {
 namespace {
@@ -83,6 +85,17 @@ TEST_F(UnreadTest, OfTwoNamesThatDifferInLetterCaseBothAreFound) {
   scan.ScanFolder(Path("tree"));
   EXPECT_THAT(Texts(resultsPage.lvwFilesToBeDeleted),
               ElementsAre(Path("tree\\A.dat"), Path("tree\\\xC3\xA4.dat"), Path("tree\\a.dat")));
+}
+
+TEST_F(UnreadTest, OfTwoNamesThatDifferInLetterCaseTheRunningOneIsInspected) {
+  Make("tree\\B.exe", "good");
+  std::ofstream(HostOf("tree\\B.exe").parent_path() / "b.exe") << "bad";
+  Install({.programs = HexText(Md5Of("bad")) + "^1^Bad\n"});
+  ListedProcesses processes;
+  processes.records = {{0, 0, "idle"}, {1, 0, Path("tree\\b.exe")}};
+  MemoryScan scan(context, processes, [](const MemoryAlert&) {});
+  scan.MemoryItemsInspection(page.pbgMain);
+  EXPECT_THAT(Texts(resultsPage.lvwFilesToBeDeleted), ElementsAre(Path("tree\\b.exe")));
 }
 
 // A link that leads to itself stands for whatever cannot be looked at.
