@@ -252,7 +252,7 @@ void CFtpClient::ControlDataArrived() {
     constexpr int kTransferDone = 226;
     if (code != kTransferDone) return;
     support_.transferComplete = true;
-    if (const Handler raise = support_.OnTransferComplete) raise();
+    if (const Handler raise = OnTransferComplete) raise();
   });
 }
 

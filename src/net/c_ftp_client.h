@@ -54,6 +54,8 @@ class CFtpClient {
 
   bool DataTransferInProgress() const;
   bool Busy() const;
+  // Events are processed in the midst of its work: it cannot end now.
+  bool Waits() const { return waiting_; }
   const CFtpFiles& CurrentDirectoryFiles() const { return files_; }
   const std::string& CurrentDirectoryListing() const { return listing_; }
   const std::string& CurrentDirectory() const { return directory_; }
@@ -97,6 +99,8 @@ class CFtpClient {
   std::function<void(FtpMessage, const std::string& text)> SessionProtocolMessage;
   std::function<void(FtpState)> OnStateChange;
   Completed OnQuitSession;
+  // The server has said that a whole transfer is done.
+  Handler OnTransferComplete;
   // A line for the window's status.
   std::function<void(std::string_view)> ShowStatus;
 

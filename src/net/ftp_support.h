@@ -2,7 +2,6 @@
 
 #include <cstdint>
 
-#include "controls/control.h"
 #include "controls/host.h"
 #include "net/c_timeout.h"
 #include "net/socket_support.h"
@@ -26,7 +25,6 @@ class FtpSupport {
 
   // A server has said that a whole transfer is done. Whoever waits for that clears it before.
   bool transferComplete = false;
-  Handler OnTransferComplete;
 
  private:
   SocketSupport& sockets_;

@@ -171,12 +171,14 @@ void ScriptedFtpServer::ListenForData() {
 }
 
 void ScriptedFtpServer::SendTransfer() {
-  if (!transfers_ || data_ == nullptr || data_->State() != SocketState::kConnected) return;
+  if (!transfers_ || holdsData || data_ == nullptr || data_->State() != SocketState::kConnected)
+    return;
   transfers_ = false;
   const std::string rest = data.substr(std::min(std::exchange(offset_, 0), data.size()));
   const auto finish = [this] {
     data_->OnSendComplete = nullptr;
     data_->CloseSocket();
+    if (keepsSilent) return;
     const bool sending = !pending_.empty();
     pending_ += "226 Done\r\n";
     if (!sending) SendPiece();

@@ -64,6 +64,8 @@ class ScriptedFtpServer {
   void Say(std::string_view command, std::string_view reply);
   std::string heard;  // commands, one a line
   std::string data;
+  bool holdsData = false;    // nothing is transferred
+  bool keepsSilent = false;  // after a transfer
 
  private:
   void Accepted(SocketHandle request);
