@@ -180,6 +180,7 @@ class CFtpClient {
   FtpMode transferMode_ = FtpMode::kBinary;
   int64_t transferred_ = 0;
   int64_t fileLength_ = 0;
+  std::string arrived_;
   std::string listingBuffer_;
   CFtpFiles files_;
   std::string listing_;

@@ -225,6 +225,12 @@ SocketValue CSocket::GetData(SocketType type, size_t length) {
   return ValueFrom(taken, type);
 }
 
+void CSocket::TakeData(std::string& bytes) {
+  bytes.clear();
+  bytes.swap(receiveBuffer_);
+  bytesReceived_ = 0;
+}
+
 int64_t CSocket::Receive() {
   const auto most = static_cast<size_t>(std::max(receiveBufferSize_, 1));
   int64_t count = 0;

@@ -40,6 +40,8 @@ class CSocket {
   SocketValue PeekData(SocketType type = SocketType::kNone, size_t length = 0);
   void Listen();
   SocketValue GetData(SocketType type = SocketType::kNone, size_t length = 0);
+  // All that has come, into a text whose room is used for what comes next.
+  void TakeData(std::string& bytes);
   // To a name, or an address in dots.
   void Connect(std::string_view host, int32_t port);
   void CloseSocket();

@@ -138,19 +138,19 @@ void CFtpClient::TellProgress(int64_t bytes) {
 void CFtpClient::DataArrived(int32_t bytes) {
   if (Running()) timeOut_.Reset();
   if (bytes <= 0) return;
-  const auto data = std::get<std::string>(data_.GetData());
+  data_.TakeData(arrived_);
   if (operation_ == FtpOperation::kDownloadFile) {
     const bool written = Reporting(log(), "m_objDataSocket_OnDataArrival", [&] {
       if (file_ == nullptr) throw RuntimeError(ErrorNumber::kBadFileName);
-      file_->Write(data);
+      file_->Write(arrived_);
     });
     // A file with a hole must not be taken for whole.
     if (!written) return DataFailed();
-    transferred_ += static_cast<int64_t>(data.size());
+    transferred_ += static_cast<int64_t>(arrived_.size());
     TellProgress(transferred_);
   } else if (operation_ == FtpOperation::kEnumFiles) {
     constexpr size_t kLongestListing = size_t{1} << 24;
-    listingBuffer_ += data;
+    listingBuffer_ += arrived_;
     if (listingBuffer_.size() > kLongestListing) return DataFailed();
     TellProgress(static_cast<int64_t>(listingBuffer_.size()));
   }

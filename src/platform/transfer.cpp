@@ -61,7 +61,15 @@ void Transfer::Reach(TransferStatus status, int64_t total, int64_t done) {
   if (Ended()) return;
   total_ = total;
   done_ = done;
-  if (status > reached_) reached_ = status;
+  if (status > reached_) {
+    reached_ = status;
+    return TellLater();
+  }
+  // Nobody sees more of it.
+  constexpr auto kOften = std::chrono::milliseconds(20);
+  const auto now = std::chrono::steady_clock::now();
+  if (now - lastTold_ < kOften) return;
+  lastTold_ = now;
   TellLater();
 }
 
@@ -107,11 +115,19 @@ TransferFile::TransferFile(Files& files, const Fetch& fetch)
     : file_(files.Open(fetch.path, OpenMode::kCreate)), most_(fetch.mostBytes) {}
 
 int32_t TransferFile::Write(std::string_view bytes) {
+  constexpr size_t kPiece = size_t{1} << 18;
   size_ += static_cast<int64_t>(bytes.size());
   if (size_ > most_) return transfer_error::kTooLarge;
+  piece_ += bytes;
+  return piece_.size() < kPiece ? 0 : Flush();
+}
+
+int32_t TransferFile::Flush() {
   try {
-    file_->Write(bytes);
+    if (!piece_.empty()) file_->Write(piece_);
+    piece_.clear();
   } catch (const RuntimeError& error) {
+    piece_.clear();
     return static_cast<int32_t>(error.Number());
   }
   return 0;

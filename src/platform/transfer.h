@@ -101,21 +101,28 @@ class Transfer {
   int64_t done_ = 0;
   bool started_ = false;
   bool willTell_ = false;
+  std::chrono::steady_clock::time_point lastTold_;
   bool endTold_ = false;
   int32_t errorNumber_ = 0;
   std::string errorText_;
 };
 
-// The file of a transfer.
+// The file of a transfer, written in large pieces. Both operations return the number of an error, 0
+// when there is none.
 class TransferFile {
  public:
   // Raises RuntimeError as Files::Open does.
   TransferFile(Files& files, const Fetch& fetch);
-  // Whether it was taken; the number of the error otherwise.
+  ~TransferFile() { Flush(); }
+  TransferFile(const TransferFile&) = delete;
+  TransferFile& operator=(const TransferFile&) = delete;
+
   int32_t Write(std::string_view bytes);
+  int32_t Flush();
   int64_t Size() const { return size_; }
 
  private:
+  std::string piece_;
   std::unique_ptr<File> file_;
   int64_t most_;
   int64_t size_ = 0;

@@ -236,6 +236,7 @@ class CurlTransfer : public Transfer {
     if (writeError_ != 0) return Fail(writeError_);
     if (status != 0 && status != 200) return Fail(static_cast<int32_t>(status), reason_);
     if (result == CURLE_OK && status == 200) {
+      if (const int32_t error = file_->Flush(); error != 0) return Fail(error);
       Reach(TransferStatus::kReceiving, Expected(), file_->Size());
       return Finish();
     }

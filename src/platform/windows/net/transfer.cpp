@@ -302,6 +302,7 @@ class WinHttpTransfer : public Transfer {
   void TakeBody(std::string_view bytes) {
     if (bytes.empty()) {
       if (Done() < Total()) return Fail(transfer_error::kBroken);
+      if (const int32_t error = file_->Flush(); error != 0) return Fail(error);
       Reach(TransferStatus::kReceiving);
       return Finish();
     }
