@@ -56,7 +56,7 @@ TEST_F(TransferTest, WritesTheBodyAndTellsEachPhase) {
   server.answers["/packed"] =
       "HTTP/1.1 200 OK\r\nContent-Encoding: gzip\r\nContent-Length: 3\r\n\r\n\x1F\x8BX";
   server.answers["/there"] = LoopbackHttp::RedirectTo(server.Url("/large"));
-  server.answers["/relative"] = LoopbackHttp::RedirectTo("there");
+  server.answers["/relative"] = LoopbackHttp::RedirectTo("/there");
   Make("got", std::string(4'000'000, 'x'));
   const std::tuple<const char*, std::string, int64_t> cases[] = {
       {"/large", large, 3'000'000},    {"/chunks", "one two", 0},
@@ -91,7 +91,7 @@ TEST_F(TransferTest, FailsByNumberAndText) {
       {"/away", transfer_error::kRedirect, nullptr},
       {"/file", transfer_error::kRedirect, nullptr},
       {"/cut", transfer_error::kBroken, nullptr},
-      {"/nothing", transfer_error::kBroken, nullptr},
+      {"/nothing", transfer_error::kBadAnswer, nullptr},
       {"/large", transfer_error::kTooLarge, nullptr},
   };
   for (const auto& [path, number, text] : cases) {

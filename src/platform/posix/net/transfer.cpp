@@ -32,7 +32,6 @@ int32_t TransferErrorOf(CURLcode code) {
       return transfer_error::kUnknownScheme;
     case CURLE_URL_MALFORMAT:
       return transfer_error::kBadAddress;
-    case CURLE_GOT_NOTHING:
     case CURLE_PARTIAL_FILE:
     case CURLE_RECV_ERROR:
     case CURLE_SEND_ERROR:

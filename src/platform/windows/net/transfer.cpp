@@ -4,6 +4,7 @@
 // After that one.
 #include <winhttp.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <mutex>
@@ -11,6 +12,7 @@
 #include <thread>
 #include <utility>
 
+#include "base/text.h"
 #include "platform/windows/wide_text.h"
 
 namespace quarnel {
@@ -34,10 +36,12 @@ int32_t TransferErrorOf(DWORD error, bool connected) {
   if (IsOneOf(error, {ERROR_WINHTTP_NAME_NOT_RESOLVED, ERROR_WINHTTP_CANNOT_CONNECT})) {
     return transfer_error::kNoConnection;
   }
-  if (error == ERROR_WINHTTP_TIMEOUT) {
+  if (IsOneOf(error, {ERROR_WINHTTP_TIMEOUT, WSAETIMEDOUT})) {
     return connected ? transfer_error::kTooSlow : transfer_error::kNoConnection;
   }
-  if (error == ERROR_WINHTTP_CONNECTION_ERROR) return transfer_error::kBroken;
+  if (IsOneOf(error, {ERROR_WINHTTP_CONNECTION_ERROR, WSAECONNRESET, WSAECONNABORTED})) {
+    return transfer_error::kBroken;
+  }
   if (IsOneOf(error, {ERROR_WINHTTP_REDIRECT_FAILED, ERROR_WINHTTP_UNRECOGNIZED_SCHEME})) {
     return transfer_error::kRedirect;
   }
@@ -65,7 +69,15 @@ struct Shared {
 };
 using SharedRef = std::shared_ptr<Shared>;
 
-void CALLBACK Notified(HINTERNET, DWORD_PTR context, DWORD status, void* information,
+// To another scheme than those that are followed.
+bool LeadsAstray(std::wstring_view url) {
+  const size_t scheme = url.find(L"://");
+  if (scheme == std::wstring_view::npos) return false;
+  const std::string name = ToLower(Narrow(url.substr(0, scheme)));
+  return name != "http" && name != "https";
+}
+
+void CALLBACK Notified(HINTERNET request, DWORD_PTR context, DWORD status, void* information,
                        DWORD length) {
   auto* const shared = reinterpret_cast<SharedRef*>(context);
   if (shared == nullptr) return;
@@ -76,6 +88,18 @@ void CALLBACK Notified(HINTERNET, DWORD_PTR context, DWORD status, void* informa
   DWORD value = length;
   if (status == WINHTTP_CALLBACK_STATUS_REQUEST_ERROR) {
     value = static_cast<const WINHTTP_ASYNC_RESULT*>(information)->dwError;
+  }
+  if (status == WINHTTP_CALLBACK_STATUS_DATA_AVAILABLE) {
+    value = *static_cast<const DWORD*>(information);
+  }
+  if (status == WINHTTP_CALLBACK_STATUS_REDIRECT) {
+    value = LeadsAstray(static_cast<const wchar_t*>(information)) ? 1 : 0;
+  }
+  if (status == WINHTTP_CALLBACK_STATUS_SENDREQUEST_COMPLETE) {
+    // Asked for here, since some systems wait for the answer in this call.
+    if (WinHttpReceiveResponse(request, nullptr)) return;
+    status = WINHTTP_CALLBACK_STATUS_REQUEST_ERROR;
+    value = GetLastError();
   }
   (*shared)->Post([shared = *shared, status, value] {
     if (const auto told = shared->told) told(status, value);
@@ -253,13 +277,12 @@ class WinHttpTransfer : public Transfer {
         connected_ = true;
         return;
       case WINHTTP_CALLBACK_STATUS_REDIRECT:
-        if (++redirects_ > kMostRedirects) Fail(transfer_error::kRedirect);
-        return;
-      case WINHTTP_CALLBACK_STATUS_SENDREQUEST_COMPLETE:
-        if (!WinHttpReceiveResponse(request_.get(), nullptr)) FailBySystem(GetLastError());
+        if (++redirects_ > kMostRedirects || value != 0) Fail(transfer_error::kRedirect);
         return;
       case WINHTTP_CALLBACK_STATUS_HEADERS_AVAILABLE:
         return TakeHeaders();
+      case WINHTTP_CALLBACK_STATUS_DATA_AVAILABLE:
+        return value == 0 ? TakeBody({}) : Read(value);
       case WINHTTP_CALLBACK_STATUS_READ_COMPLETE:
         return TakeBody({shared_->buffer.data(), value});
       case WINHTTP_CALLBACK_STATUS_REQUEST_ERROR:
@@ -290,11 +313,17 @@ class WinHttpTransfer : public Transfer {
     if (status != 200) return Fail(static_cast<int32_t>(status), Header(WINHTTP_QUERY_STATUS_TEXT));
     const int64_t total = std::strtoll(Header(WINHTTP_QUERY_CONTENT_LENGTH).c_str(), nullptr, 10);
     Reach(TransferStatus::kAnswered, total, 0);
-    Read();
+    AwaitData();
   }
 
-  void Read() {
-    if (!WinHttpReadData(request_.get(), shared_->buffer.data(), kBufferSize, nullptr)) {
+  // A read alone would wait until the buffer is full.
+  void AwaitData() {
+    if (!WinHttpQueryDataAvailable(request_.get(), nullptr)) FailBySystem(GetLastError());
+  }
+
+  void Read(DWORD available) {
+    const DWORD count = std::min(available, static_cast<DWORD>(kBufferSize));
+    if (!WinHttpReadData(request_.get(), shared_->buffer.data(), count, nullptr)) {
       FailBySystem(GetLastError());
     }
   }
@@ -309,7 +338,7 @@ class WinHttpTransfer : public Transfer {
     if (const int32_t error = file_->Write(bytes); error != 0) return Fail(error);
     Reach(TransferStatus::kReceiving, Total(), file_->Size());
     if (speed_->IsTooSlow(Done())) return Fail(transfer_error::kTooSlow);
-    Read();
+    AwaitData();
   }
 
   Files& files_;
