@@ -20,7 +20,8 @@ TEST_F(DisplayTest, ChangeOfABrowsersSettingIsBlockedAndAllowed) {
     Run();
   };
   main.engine().browserSettings().Pending() = {.newValue = "a", .storedValue = "b"};
-  change("http://hijack.example/");
+  // However long the address is, its alert and its question are on the screen.
+  change("http://hijack.example/" + std::string(3000, 'x'));
   frmBHR& alert = application->forms().bhr.Touch();
   ExpectInStep(alert);
   // What somebody was typing elsewhere.

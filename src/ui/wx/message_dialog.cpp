@@ -73,8 +73,9 @@ class MessageWindow : public wxDialog {
                    wxALIGN_TOP);
     }
     auto* text = native::NewText(this, "", 0);
-    text->SetLabelText(ToWx(box.text));
-    text->Wrap(gap(metrics::kMessageWidth));
+    const int width = gap(metrics::kMessageWidth);
+    text->SetLabelText(WithShortWords(*text, ToWx(box.text), width));
+    text->Wrap(width);
     message->Put(text, 1, wxALIGN_CENTRE_VERTICAL);
 
     auto* buttons = new GapBox(wxHORIZONTAL, gap(metrics::kGap));

@@ -50,6 +50,32 @@ wxString Wrapped(wxWindow& widget, const wxString& text, int width) {
   return lines.text;
 }
 
+wxString WithShortWords(const wxWindow& widget, const wxString& text, int width) {
+  constexpr size_t kSurelyShort = 24;
+  constexpr size_t kLongest = 300;
+  wxString result;
+  for (size_t begin = 0; begin < text.length();) {
+    const size_t end = std::min(text.find_first_of(" \n", begin), text.length());
+    wxString word = text.Mid(begin, end - begin);
+    if (word.length() > kLongest) {
+      word = word.Left(kLongest / 2) + wxString::FromUTF8("\u2026") + word.Right(kLongest / 2);
+    }
+    wxString line;
+    for (const wxUniChar letter : word) {
+      const bool full =
+          word.length() > kSurelyShort && widget.GetTextExtent(line + letter).x > width;
+      if (full && !line.empty()) {
+        result << line << '\n';
+        line.clear();
+      }
+      line << letter;
+    }
+    result << line << text.Mid(end, 1);
+    begin = end + 1;
+  }
+  return result;
+}
+
 std::string FromWx(const wxString& text) {
   const wxScopedCharBuffer bytes = text.utf8_str();
   return {bytes.data(), bytes.length()};

@@ -23,6 +23,10 @@ wxString ToWxLine(std::string_view text);
 // The text broken into lines of at most `width` of the widget's pixels.
 wxString Wrapped(wxWindow& widget, const wxString& text, int width);
 
+// The text with words that are wider than that, as addresses may be, broken or cut in their middle,
+// so that a wrapped text is no wider.
+wxString WithShortWords(const wxWindow& widget, const wxString& text, int width);
+
 // What the user typed.
 std::string FromWx(const wxString& text);
 

@@ -64,13 +64,14 @@ class LabelBinding : public Binding {
       text_->SetLabelText(ToWxLine(shown_.empty() ? ifEmpty_ : shown_));
       return false;
     }
-    text_->SetLabelText(ToWx(shown_));
+    const bool wraps = role_ == Role::kWrapped;
+    text_->SetLabelText(wraps ? WithShortWords(*text_, ToWx(shown_), wrapWidth_) : ToWx(shown_));
     if (role_ == Role::kTitle) {
       titleWidth_ = 0;
       WrapTitle();
       return false;
     }
-    if (role_ == Role::kWrapped) text_->Wrap(wrapWidth_);
+    if (wraps) text_->Wrap(wrapWidth_);
     text_->InvalidateBestSize();
     const wxSize best = text_->GetBestSize();
     const wxSize size = text_->GetSize();
