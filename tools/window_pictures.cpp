@@ -77,7 +77,28 @@ class PictureHost : public WxHost {
   std::optional<Moment> moment_;
 };
 
-void TakePages(PictureHost& host, const frmMain& main) {
+void WalkStartups(frmMain& main) {
+  for (size_t i = 0; i < startup::kWalked; ++i) main.engine().startups().Reload();
+}
+
+// The manager's other list, with an entry that the user has blocked.
+void TakeStartups(PictureHost& host, frmMain& main) {
+  StartupShield& startups = main.engine().startups();
+  TreeView& tools = main.tools.tvwAdvancedTools;
+  host.Act([&] {
+    WalkStartups(main);
+    startups.Remember({.name = "SampleDialer",
+                       .path = "C:\\WINDOWS\\sampledial.exe",
+                       .section = "Registry Local Machine Run"},
+                      verdict::kBlocked);
+    startups.Reload();
+    tools.ClickByUser(tools.At(2));
+  });
+  host.Take(main, "startup");
+  host.Act([&] { tools.ClickByUser(tools.At(1)); });
+}
+
+void TakePages(PictureHost& host, frmMain& main) {
   host.Take(main, "summary");
   constexpr std::string_view kPages[] = {"scan",   "defender", "options", "schedule",
                                          "update", "advanced", "news"};
@@ -85,6 +106,7 @@ void TakePages(PictureHost& host, const frmMain& main) {
     host.Click(main, "imgMainTab(" + std::to_string(tab) + ")");
     // The first page shows the running scan.
     if (tab > 0) host.Take(main, kPages[tab]);
+    if (kPages[tab] == "advanced") TakeStartups(host, main);
   }
 }
 
@@ -129,6 +151,15 @@ void PrepareForms(Platform& platform, Application& application) {
       .newValue = "http://www.samplehijack.example/",
       .defaultValue = DefaultOf(BrowserSettingTable().front(), platform.machine()),
       .storedValue = "http://www.home.example/"};
+  // So would this one, of an entry that is new since the first run.
+  application.MainForm().timers.tmrStartup.SetInterval(Milliseconds(0));
+  application.settings().Save(setting::kJustAfterInstallation, false);
+  RegCreateKeyValue(platform.registry(), hive::kCurrentUser,
+                    "Software\\Microsoft\\Windows\\CurrentVersion\\Run", "Sample Toolbar",
+                    std::string("\"C:\\Program Files\\Sample Toolbar\\toolbar.exe\" /quiet"));
+  application.MainForm().engine().startups().LoadJustAfterInstallation();
+  WalkStartups(application.MainForm());
+  application.forms().starUpAlert.Unload();
   application.forms().wizard.helpPage =
       GetPathWithSlash(platform.machine().ProgramFolder()) + "sd.html";
 }

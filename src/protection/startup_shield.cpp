@@ -44,15 +44,21 @@ void StartupShield::tmrStartup_Timer() {
   ++ticks_;
   if (!u_.options.chkStartupShield.Checked()) return;
   if (ticks_ >= kFirstTicks) {
-    Settings& settings = u_.services.settings;
     justAfterInstallation_ = false;
-    if (!settings.Has(setting::kJustAfterInstallation.place) ||
-        settings.Get(setting::kJustAfterInstallation)) {
-      settings.Save(setting::kJustAfterInstallation, false);
-    }
+    // A store that cannot be written must not keep the walk from its work.
+    IgnoringErrors([&] { EndFirstRun(); });
     bStartupBaselineDone_ = true;
   }
   LoadStartupItems(u_.page.vbatvwStartup, u_.page.lvwStartup);
+}
+
+void StartupShield::EndFirstRun() {
+  Settings& settings = u_.services.settings;
+  if (settings.Has(setting::kJustAfterInstallation.place) &&
+      !settings.Get(setting::kJustAfterInstallation)) {
+    return;
+  }
+  settings.Save(setting::kJustAfterInstallation, false);
 }
 
 // The counter is one of 16 bits: the tick that would overflow it fails, and so do all later ones.

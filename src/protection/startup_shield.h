@@ -72,6 +72,7 @@ class StartupShield {
   bool Watches() const;
 
  private:
+  void EndFirstRun();
   void WalkLocation(const startup::Location& location, TreeView& tree);
   void Meet(TreeView& tree, const TreeNodeRef& parent, const StartupEntry& entry);
   void AskAbout(const StartupEntry& entry);
