@@ -18,7 +18,7 @@ int32_t ListenAtFreePort(CSocket& socket) {
 }  // namespace
 
 NotingClient::NotingClient(FtpSupport& support) : CFtpClient(support) {
-  const auto note = [this](std::string name) {
+  const auto note = [this](const std::string& name) {
     return [this, name](FtpCompletion code) {
       notes += name + std::to_string(static_cast<int>(code)) + " ";
     };

@@ -118,7 +118,7 @@ class FtpServersTest : public FtpTest, public ::testing::WithParamInterface<Daem
 
   std::string Download(const std::string& remote, bool overwrite) {
     client.DownloadFile(remote, Path("local"), overwrite);
-    const std::string noted = Completion(client);
+    std::string noted = Completion(client);
     if (noted == "download0 ") {
       EXPECT_TRUE(Done());
     }

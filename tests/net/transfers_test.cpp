@@ -100,7 +100,7 @@ TEST_F(TransfersTest, FtpWaitsForTheServersWord) {
 TEST_F(TransfersTest, FtpIsCancelledAndEndedAnyTime) {
   server.data = std::string(3'000'000, 'x');
   std::string told;
-  const auto start = [&](std::function<void(TransferStatus)> onStatus) {
+  const auto start = [&](const std::function<void(TransferStatus)>& onStatus) {
     told.clear();
     transfer = transfers.For(Url("/x"));
     transfer->OnProgress = [&told, onStatus](TransferStatus status, int64_t, int64_t) {

@@ -27,9 +27,7 @@ class TransferTest : public PlatformTest {
     Wait([this] { return Ended(); });
     return told;
   }
-  std::string Run(std::string_view path) {
-    return Run({server.Url(path), Path("got"), 10'000'000});
-  }
+  std::string Run(std::string_view path) { return Run({server.Url(path), Path("got"), 5'000'000}); }
   bool Ended() const { return told.ends_with('4') || told.ends_with('5'); }
   void Wait(const std::function<bool()>& condition) {
     const auto end = std::chrono::steady_clock::now() + 20s;
@@ -82,7 +80,7 @@ TEST_F(TransferTest, FailsByNumberAndText) {
   server.answers["/file"] = LoopbackHttp::RedirectTo("file:///etc/passwd");
   server.answers["/cut"] = "HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\nten bytes.";
   server.answers["/nothing"] = "";
-  server.answers["/large"] = LoopbackHttp::Ok(std::string(11'000'000, 'x'));
+  server.answers["/large"] = LoopbackHttp::Ok(std::string(6'000'000, 'x'));
   const std::tuple<const char*, int32_t, const char*> cases[] = {
       {"/none", 404, "Not Found"},
       {"/500", 500, "Out of order"},
@@ -134,7 +132,7 @@ TEST_F(TransferTest, GivesUpOnAServerThatFallsSilent) {
 TEST_F(TransferTest, IsCancelledOnceAndEndedAnyTime) {
   server.answers["/slow"] = "HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\nten bytes.";
   server.unfinished.insert("/slow");
-  const auto start = [&](std::function<void(TransferStatus)> onStatus) {
+  const auto start = [&](const std::function<void(TransferStatus)>& onStatus) {
     transfer = MakeHttpTransfer(*events, files());
     told.clear();
     transfer->OnProgress = [this, onStatus](TransferStatus status, int64_t, int64_t) {

@@ -33,7 +33,7 @@ int FreePort() {
   const UniqueFd fd(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
   sockaddr_in address = OwnAddress(0);
   socklen_t length = sizeof address;
-  bind(fd.Get(), reinterpret_cast<const sockaddr*>(&address), length);
+  if (bind(fd.Get(), reinterpret_cast<const sockaddr*>(&address), length) != 0) return 0;
   getsockname(fd.Get(), reinterpret_cast<sockaddr*>(&address), &length);
   return ntohs(address.sin_port);
 }
