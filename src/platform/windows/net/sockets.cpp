@@ -118,7 +118,6 @@ class WindowsSockets : public Sockets {
   void Unselect(SocketHandle socket) override {
     if (listeners_.erase(socket) == 0) return;
     WSAAsyncSelect(System(socket), window_, 0, 0);
-    DropMessages(socket);
     DestroyUnusedWindow();
   }
 
@@ -234,18 +233,6 @@ class WindowsSockets : public Sockets {
     if (window_ == nullptr || !listeners_.empty() || !requests_.empty()) return;
     SetWindowLongPtrW(window_, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(former_));
     DestroyWindow(std::exchange(window_, nullptr));
-  }
-
-  // What still waits to be told would come to whichever socket gets this number next.
-  void DropMessages(SocketHandle socket) {
-    MSG message{};
-    std::vector<MSG> others;
-    while (PeekMessageW(&message, window_, kSocketMessage, kSocketMessage, PM_REMOVE) != FALSE) {
-      if (message.wParam != static_cast<WPARAM>(socket)) others.push_back(message);
-    }
-    for (const MSG& other : others) {
-      Procedure(window_, other.message, other.wParam, other.lParam);
-    }
   }
 
   // The system's own message loops may bring it; what follows may throw, and waits for one of ours.
