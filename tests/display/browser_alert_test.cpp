@@ -24,6 +24,7 @@ TEST_F(DisplayTest, ChangeOfABrowsersSettingIsBlockedAndAllowed) {
   change("http://hijack.example/" + std::string(3000, 'x'));
   frmBHR& alert = application->forms().bhr.Touch();
   ExpectInStep(alert);
+  EXPECT_TRUE(wxRect(wxGetDisplaySize()).Contains(WindowOf(alert)->Window()->GetScreenRect()));
   // What somebody was typing elsewhere.
   robot.Press(
       "a letter", [&] { return WindowOf(alert)->Window(); }, 'A', wxMOD_NONE);
