@@ -87,8 +87,8 @@ void TakeStartups(PictureHost& host, frmMain& main) {
   TreeView& tools = main.tools.tvwAdvancedTools;
   host.Act([&] {
     WalkStartups(main);
-    startups.Remember({.name = "SampleDialer",
-                       .path = "C:\\WINDOWS\\sampledial.exe",
+    startups.Remember({.name = "Sample Bar",
+                       .path = "C:\\Program Files\\Sample Bar\\bar.exe",
                        .section = "Registry Local Machine Run"},
                       verdict::kBlocked);
     startups.Reload();
