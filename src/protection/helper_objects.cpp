@@ -4,9 +4,9 @@
 #include <utility>
 
 #include "base/text.h"
-#include "core/existing_files.h"
 #include "core/messages.h"
 #include "core/paths.h"
+#include "platform/names.h"
 #include "platform/version_info.h"
 
 namespace quarnel {
@@ -155,12 +155,14 @@ void HelperObjects::Describe(Object& object) {
   Files& files = u_.services.platform.files();
   const auto entry = files.Stat(object.server);
   if (!entry || entry->IsFolder()) return;
-  object.fileExists = FileExists(files, object.server);
+  // As FileExists, without a second look.
+  constexpr uint32_t kUnseen = file_attribute::kSystem | file_attribute::kHidden;
+  const std::string_view name =
+      std::string_view(object.server).substr(object.server.rfind('\\') + 1);
+  object.fileExists = (entry->attributes & kUnseen) == 0 && EqualNames(entry->name, name);
   FileFacts facts{.size = entry->size, .modified = entry->modified};
-  IgnoringErrors([&] { facts.created = files.Times(object.server).created; });
   FileFacts& known = files_[object.server];
-  if (known.size != facts.size || known.modified != facts.modified ||
-      known.created != facts.created) {
+  if (known.size != facts.size || known.modified != facts.modified) {
     facts.company = GetCompanyName(files, object.server, [this] {
       u_.services.host.DoEvents();
       return true;

@@ -53,11 +53,10 @@ class HelperObjects {
     std::string productVersion;
     bool operator==(const Object&) const = default;
   };
-  // What was read of a server file, for as long as size and times are these.
+  // What was read of a server file, for as long as size and time are these.
   struct FileFacts {
     uint64_t size = 0;
     FileTime modified;
-    FileTime created;
     std::string company;
     std::string fileVersion;
     std::string productVersion;

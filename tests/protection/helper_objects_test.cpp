@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 
 #include "base/text.h"
-#include "core/existing_files.h"
 #include "core/paths.h"
 #include "platform/pe_writer.h"
 #include "support/platform_fixture.h"

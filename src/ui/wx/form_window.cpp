@@ -98,6 +98,7 @@ void FormWindow::MakeWindow(wxWindow* parent) {
   window_->SetName(ToWx(form_->Name()));
   window_->SetIcons(icons::ProgramIcons());
   native::KeepPlace(*window_);
+  if (layout_.kind == WindowKind::kPopup) native::StayInReach(*window_);
 }
 
 void FormWindow::FitWindow() {

@@ -1,5 +1,6 @@
 #include "ui/wx/message_dialog.h"
 
+#include <utility>
 #include <vector>
 
 #include "ui/wx/boxes.h"
@@ -60,9 +61,10 @@ std::optional<Answer> EscapeOf(MessageButtons buttons) {
 
 class MessageWindow : public wxDialog {
  public:
-  MessageWindow(wxWindow* parent, const MessageBox& box)
+  MessageWindow(wxWindow* parent, const MessageBox& box, std::function<bool()> isInnermost)
       : wxDialog(parent, wxID_ANY, ToWx(box.title), wxDefaultPosition, wxDefaultSize,
-                 box.buttons == MessageButtons::kYesNo ? wxCAPTION : wxDEFAULT_DIALOG_STYLE) {
+                 box.buttons == MessageButtons::kYesNo ? wxCAPTION : wxDEFAULT_DIALOG_STYLE),
+        isInnermost_(std::move(isInnermost)) {
     SetName("MessageBox");
     native::KeepPlace(*this);
     SetBackgroundColour(theme::Page());
@@ -86,9 +88,7 @@ class MessageWindow : public wxDialog {
       button->SetName(choice.text + 1);
       button->SetMinSize(
           metrics::Scaled(*this, wxSize(metrics::kButtonWidth, metrics::kButtonHeight)));
-      button->Bind(wxEVT_BUTTON, [this, answer = choice.answer](wxCommandEvent&) {
-        EndModal(static_cast<int>(answer));
-      });
+      button->Bind(wxEVT_BUTTON, [this, answer = choice.answer](wxCommandEvent&) { End(answer); });
       if (first) {
         button->SetDefault();
         button->SetFocus();
@@ -110,7 +110,7 @@ class MessageWindow : public wxDialog {
     }
     const std::optional<Answer> escape = EscapeOf(box.buttons);
     const auto leave = [this, escape] {
-      if (escape) EndModal(static_cast<int>(*escape));
+      if (escape) End(*escape);
     };
     Bind(wxEVT_CLOSE_WINDOW, [leave](wxCloseEvent&) { leave(); });
     Bind(wxEVT_CHAR_HOOK, [leave](wxKeyEvent& event) {
@@ -120,13 +120,29 @@ class MessageWindow : public wxDialog {
         event.Skip();
       }
     });
+    retry_.Bind(wxEVT_TIMER, [this](wxTimerEvent&) { End(answer_); });
   }
+
+ private:
+  // Another window may have come up over the box, in whose loop the box cannot end: it does so when
+  // that one is closed.
+  void End(Answer answer) {
+    constexpr int kRetry = 50;  // milliseconds
+    answer_ = answer;
+    if (isInnermost_()) return EndModal(static_cast<int>(answer));
+    Disable();
+    retry_.StartOnce(kRetry);
+  }
+
+  std::function<bool()> isInnermost_;
+  wxTimer retry_;
+  Answer answer_ = Answer::kCancel;
 };
 
 }  // namespace
 
-Answer ShowMessage(wxWindow* parent, const MessageBox& box) {
-  MessageWindow window(parent, box);
+Answer ShowMessage(wxWindow* parent, const MessageBox& box, std::function<bool()> isInnermost) {
+  MessageWindow window(parent, box, std::move(isInnermost));
   return static_cast<Answer>(window.ShowModal());
 }
 

@@ -44,6 +44,9 @@ void LetCaptionShrink(wxControl& mark);
 // Lets a window come up where the program has put it, also under a window manager that places none.
 void KeepPlace(wxTopLevelWindow& window);
 
+// Lets a window be used although a modal one was open before it.
+void StayInReach(wxTopLevelWindow& window);
+
 // Whether a window that was shown has come onto the screen, and is known to be where it is.
 bool HasComeUp(const wxWindow& window);
 

@@ -331,7 +331,9 @@ Answer WxHost::MsgBox(const MessageBox& box) {
   Answer answer = Answer::kCancel;
   {
     const ModalWait wait(*this);
-    answer = ShowMessage(ParentOfBox(), box);
+    answer = ShowMessage(ParentOfBox(), box, [&, waits = waits_.size(), forms = modal_.size()] {
+      return waits_.size() == waits && modal_.size() == forms;
+    });
   }
   if (ended_) throw ProcessEnded();
   return answer;

@@ -108,6 +108,13 @@ void KeepPlace(wxTopLevelWindow& window) {
   g_signal_connect_after(window.GetHandle(), "realize", G_CALLBACK(PutInPlace), &window);
 }
 
+// A modal dialog takes the input of all windows in its group.
+void StayInReach(wxTopLevelWindow& window) {
+  GtkWindowGroup* const group = gtk_window_group_new();
+  gtk_window_group_add_window(group, GTK_WINDOW(window.GetHandle()));
+  g_object_unref(group);  // the window keeps it
+}
+
 // Where a window manager puts a frame around it, its place is known some events later.
 bool HasComeUp(const wxWindow& window) {
   GtkWidget* const widget = window.GetHandle();

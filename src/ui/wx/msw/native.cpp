@@ -155,6 +155,9 @@ void LetCaptionShrink(wxControl&) {}
 // The system does.
 void KeepPlace(wxTopLevelWindow&) {}
 
+// Nor does it disable what comes later.
+void StayInReach(wxTopLevelWindow&) {}
+
 bool HasComeUp(const wxWindow&) { return true; }
 
 void SetAccessibleName(wxWindow& widget, const wxString& name) {
