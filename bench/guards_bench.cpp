@@ -3,6 +3,7 @@
 #include <memory>
 #include <string>
 
+#include "base/text.h"
 #include "core/error_log.h"
 #include "core/paths.h"
 #include "core/settings.h"
@@ -68,6 +69,8 @@ std::string HelperId(int number) {
   return "{7E570000-0000-4000-8000-" + std::to_string(100000000000 + number) + "}";
 }
 
+std::string ObjectKey(const std::string& id) { return Join({kObjects, id}, "\\"); }
+
 // A machine with helper objects, all of which the record knows.
 struct HelpersRig {
   HelpersRig() {
@@ -80,7 +83,7 @@ struct HelpersRig {
                         "Helper " + std::to_string(i));
       RegCreateKeyValue(registry, hive::kClassesRoot, "CLSID\\" + id + "\\InprocServer32", "",
                         server);
-      RegCreateKeyValue(registry, hive::kLocalMachine, kObjects + "\\" + id, "", std::string("v"));
+      RegCreateKeyValue(registry, hive::kLocalMachine, ObjectKey(id), "", std::string("v"));
     }
     helpers.LoadBHOList(page.lvwBHOs);
   }
@@ -105,7 +108,7 @@ void HelpersBaseline(benchmark::State& state) {
       std::string text;
       GetKeyValue(registry, hive::kClassesRoot, "CLSID\\" + id, "", text);
       GetKeyValue(registry, hive::kClassesRoot, "CLSID\\" + id + "\\InprocServer32", "", text);
-      GetKeyValue(registry, hive::kLocalMachine, kObjects + "\\" + id, "", text);
+      GetKeyValue(registry, hive::kLocalMachine, ObjectKey(id), "", text);
       benchmark::DoNotOptimize(text);
     }
   }
