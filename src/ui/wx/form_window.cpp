@@ -477,7 +477,7 @@ void FormWindow::Release() {
   form_ = nullptr;
   // One of these widgets may be what called; it ends later, but hands on nothing more, also of what
   // waits in its queue.
-  for (const auto& binding : bindings_) binding->Widget()->SetEvtHandlerEnabled(false);
+  for (const auto& binding : bindings_) binding->Release();
   window_->Hide();
 }
 

@@ -37,6 +37,9 @@ class Binding {
   // Lets the next Sync look at everything, as after a change of the system's colours.
   void Forget() { known_ = false; }
 
+  // The control goes before the widget does, which may still be painted.
+  virtual void Release() { widget_->SetEvtHandlerEnabled(false); }
+
   // The caption with the letter that reaches the widget by keyboard; empty where none does.
   virtual std::string_view KeyCaption() const { return {}; }
   // Gives the caption another letter: its position, or CaptionText::kNone.

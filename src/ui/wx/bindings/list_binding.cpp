@@ -49,6 +49,10 @@ class ListBinding : public Binding {
 
   std::string Shown() const override { return std::to_string(model_->GetCount()); }
   wxPoint MenuPlace() const override { return data_view::MenuPlace(*widget_, ticks_); }
+  void Release() override {
+    Binding::Release();
+    model_->Release();
+  }
 
  protected:
   bool Update() override {

@@ -28,6 +28,9 @@ class ListModel : public wxDataViewVirtualListModel {
   // begins anew, and has forgotten what was chosen and where it stood.
   bool Follow();
 
+  // The list goes: from now on there are no rows.
+  void Release() { order_.clear(); }
+
   // The row at a place; nothing for one that the list has lost since it was last followed.
   std::optional<size_t> RowAt(unsigned place) const;
   std::optional<unsigned> PlaceOf(size_t row) const;
