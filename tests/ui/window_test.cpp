@@ -153,8 +153,8 @@ TEST_F(WindowTest, ListsOfTheBrowserPageTakeTurns) {
   EXPECT_TRUE(page.lvwAllowedBlockedURLs.At(0).checked);
   page.imgSwitchTORestoreListOfURLs.ClickByUser();
   EXPECT_TRUE(page.lvwBrowserHijackRestore.Visible());
-  page.lvwBrowserHijackRestore.Add({.text = "Home Page", .subItems = {"now", "back", "help", "d"}});
-  page.lvwBrowserHijackRestore.SelectByUser(0);
+  page.lvwBrowserHijackRestore.SelectByUser(page.lvwBrowserHijackRestore.Add(
+      {.text = "Home Page", .subItems = {"now", "back", "help", "d"}}));
   EXPECT_EQ(page.txtSetting.Text(), "help");
   EXPECT_EQ(page.txtRestoreSettingTo.Text(), "back");
 }
