@@ -10,6 +10,7 @@
 #include "support/platform_fixture.h"
 #include "support/test_host.h"
 #include "ui/application.h"
+#include "ui/wx/bindings/list_model.h"
 #include "ui/wx/form_window.h"
 #include "ui/wx/sys_image_list.h"
 
@@ -86,6 +87,17 @@ TEST(SysImageList, FilesOfATypeShareAPicture) {
   EXPECT_EQ(pictures.ItemIndex("c.txt"), 0);
   pictures.Destroy();
   EXPECT_EQ(pictures.ItemIndex("c.txt"), cVBALSysImageList::kNone);
+}
+
+TEST_F(LayoutTest, WordsSayWhatARowsLookTells) {
+  Form form(host, "frmOne");
+  ListView list(form, "lvwOne", {"Name"});
+  list.Add({.text = "red", .look = {.colour = Colour::kRed}});
+  list.Add({.text = "bold", .look = {.bold = true}});
+  const ListModel model(list, Put("lvwOne").States({{{.colour = Colour::kRed}, "Blocked"}}));
+  EXPECT_EQ(model.TextAt(0, 0), "red");
+  EXPECT_EQ(model.TextAt(0, 1), "Blocked");
+  EXPECT_EQ(model.TextAt(1, 1), "");
 }
 
 }  // namespace

@@ -4,7 +4,10 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
+
+#include "controls/look.h"
 
 namespace quarnel {
 
@@ -65,6 +68,8 @@ struct Layout {
   int fileColumn = -1;  // of the paths of files, whose types' pictures stand before the rows
   // Icons before the rows, by the number of the picture that a row has.
   std::vector<std::string_view> pictures = {};
+  // Words for what a row's look tells, in a column of their own: who cannot see it reads them.
+  std::vector<std::pair<Look, std::string_view>> states = {};
   // Titles of columns that the control leaves without one, or hides.
   std::vector<std::pair<size_t, std::string>> headings = {};
   int width = 0;  // at least this wide, or high
@@ -89,6 +94,9 @@ struct Layout {
   Layout&& FilesIn(int column) && { return fileColumn = column, std::move(*this); }
   Layout&& Pictures(std::vector<std::string_view> icons) && {
     return pictures = std::move(icons), std::move(*this);
+  }
+  Layout&& States(std::vector<std::pair<Look, std::string_view>> words) && {
+    return states = std::move(words), std::move(*this);
   }
   Layout&& Heading(size_t column, std::string_view title) && {
     return headings.emplace_back(column, title), std::move(*this);

@@ -21,6 +21,7 @@ class ListBinding : public Binding {
         headers_(list.ColumnHeaders()),
         ticks_(layout.ticks || list.ItemCheck) {
     for (size_t i = 0; i < headers_.size(); ++i) headers_[i] = HeadingOf(layout, i, headers_[i]);
+    if (!layout.states.empty()) headers_.emplace_back("State");
     widget_ = new wxDataViewCtrl(parent, wxID_ANY, wxDefaultPosition, wxDefaultSize,
                                  wxDV_SINGLE | wxBORDER_THEME);
     widget_->SetMinSize(metrics::Scaled(

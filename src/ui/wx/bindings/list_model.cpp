@@ -11,7 +11,7 @@
 namespace quarnel {
 
 ListModel::ListModel(const ListView& list, const Layout& layout)
-    : list_(list), fileColumn_(layout.fileColumn) {
+    : list_(list), fileColumn_(layout.fileColumn), states_(layout.states) {
   icons_.reserve(layout.pictures.size());
   for (const std::string_view name : layout.pictures) {
     icons_.push_back(icons::Get(name, metrics::kSmallIcon));
@@ -90,6 +90,11 @@ std::optional<unsigned> ListModel::PlaceOf(size_t row) const {
 
 std::string_view ListModel::TextAt(size_t row, unsigned column) const {
   const ListRow& shown = list_.At(row);
+  if (column == list_.ColumnHeaders().size()) {
+    const auto state = std::find_if(states_.begin(), states_.end(),
+                                    [&](const auto& known) { return known.first == shown.look; });
+    return state == states_.end() ? std::string_view() : state->second;
+  }
   return column == 0 ? std::string_view(shown.text) : shown.SubItem(column);
 }
 

@@ -34,6 +34,7 @@ class ListModel : public wxDataViewVirtualListModel {
   // The row at a place; nothing for one that the list has lost since it was last followed.
   std::optional<size_t> RowAt(unsigned place) const;
   std::optional<unsigned> PlaceOf(size_t row) const;
+  // Behind the list's own columns, the words for the row's state.
   std::string_view TextAt(size_t row, unsigned column) const;
   bool HasPictures() const { return fileColumn_ >= 0 || !icons_.empty(); }
 
@@ -49,6 +50,7 @@ class ListModel : public wxDataViewVirtualListModel {
 
   const ListView& list_;
   int fileColumn_;
+  std::vector<std::pair<Look, std::string_view>> states_;
   std::vector<wxBitmapBundle> icons_;  // by the number of a row's picture
   mutable cVBALSysImageList pictures_;
   std::vector<size_t> order_;  // the rows by their places

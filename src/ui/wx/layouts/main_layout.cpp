@@ -1,5 +1,6 @@
 // The window of frmMain: the tab strip at the left, and beside it one page for each tab.
 
+#include "protection/helper_objects.h"
 #include "ui/wx/layouts/layouts.h"
 #include "ui/wx/metrics.h"
 
@@ -367,8 +368,16 @@ Layout AdvancedLayout() {
                    {Put("lvwBHOs")
                         .Called("Browser helper objects")
                         .Pictures({"trace-program", {}, "message-question", {}, "stop", "row-good"})
+                        .States({{{.picture = helper_state::kUndecided}, "Not decided"},
+                                 {{.picture = helper_state::kBlocked}, "Blocked"},
+                                 {{.picture = helper_state::kAllowed}, "Allowed"}})
                         .Grow(),
-                    Put("lvwStartup").Called("Startup programs").FilesIn(1).Grow(),
+                    Put("lvwStartup")
+                        .Called("Startup programs")
+                        .FilesIn(1)
+                        .States({{{.colour = Colour::kRed}, "Blocked"},
+                                 {{.colour = Colour::kGreen}, "Allowed"}})
+                        .Grow(),
                     Row({Put("lblAllowBHO").As(Role::kLink), Put("lblBlockBHO").As(Role::kLink),
                          Put("lblAllowThisStartupItem").As(Role::kLink),
                          Put("lblBlockThisStartupItem").As(Role::kLink), Spring()})
