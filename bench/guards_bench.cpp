@@ -22,8 +22,20 @@
 namespace quarnel {
 namespace {
 
+// What each guard works on: a machine, and the form that its page stands on.
+struct Rig {
+  TemporaryMachine machine;
+  std::unique_ptr<Platform> platform = OpenMachine(machine.Folder());
+  RealClock clock;
+  IdleHost host{clock};
+  Settings settings{platform->registry(), "Quarnel"};
+  ErrorLog log{platform->files(), platform->machine(), host, "Quarnel"};
+  Form form{host, "frmMain"};
+  RecordingWindow window;
+};
+
 // A machine whose browser has all settings, as they were when they were first seen.
-struct Browser {
+struct Browser : Rig {
   Browser() {
     for (const BrowserSetting& setting : BrowserSettingTable()) {
       RegCreateKeyValue(platform->registry(), setting.hive, setting.key, setting.value,
@@ -32,14 +44,6 @@ struct Browser {
     guard.LoadBrowserSettings();
   }
 
-  TemporaryMachine machine;
-  std::unique_ptr<Platform> platform = OpenMachine(machine.Folder());
-  RealClock clock;
-  IdleHost host{clock};
-  Settings settings{platform->registry(), "Quarnel"};
-  ErrorLog log{platform->files(), platform->machine(), host, "Quarnel"};
-  RecordingWindow window;
-  Form form{host, "frmMain"};
   BrowserSettingsPage page{form};
   BrowserSettings guard{{page, {*platform, host, settings, log}, window}};
 };
@@ -72,7 +76,7 @@ std::string HelperId(int number) {
 std::string ObjectKey(const std::string& id) { return Join({kObjects, id}, "\\"); }
 
 // A machine with helper objects, all of which the record knows.
-struct HelpersRig {
+struct HelpersRig : Rig {
   HelpersRig() {
     Registry& registry = platform->registry();
     for (int i = 0; i < kHelpers; ++i) {
@@ -88,13 +92,6 @@ struct HelpersRig {
     helpers.LoadBHOList(page.lvwBHOs);
   }
 
-  TemporaryMachine machine;
-  std::unique_ptr<Platform> platform = OpenPlatform(machine.Folder());
-  RealClock clock;
-  IdleHost host{clock};
-  Settings settings{platform->registry(), "Quarnel"};
-  ErrorLog log{platform->files(), platform->machine(), host, "Quarnel"};
-  Form form{host, "frmMain"};
   AdvancedToolsPage page{form};
   HelperObjects helpers{{.page = page, .services = {*platform, host, settings, log}}};
 };
@@ -159,7 +156,7 @@ void MemoryPass(benchmark::State& state) {
 }
 
 // A machine of sixty entries that start with it, all of which are allowed.
-struct StartupRig {
+struct StartupRig : Rig {
   StartupRig() {
     constexpr int kEach = 10;
     for (size_t step = 1; step < startup::kWalked; ++step) {
@@ -181,14 +178,6 @@ struct StartupRig {
     for (size_t step = 0; step < startup::kWalked; ++step) shield.Reload();
   }
 
-  TemporaryMachine machine;
-  std::unique_ptr<Platform> platform = OpenPlatform(machine.Folder());
-  RealClock clock;
-  IdleHost host{clock};
-  Settings settings{platform->registry(), "Quarnel"};
-  ErrorLog log{platform->files(), platform->machine(), host, "Quarnel"};
-  RecordingWindow window;
-  Form form{host, "frmMain"};
   AdvancedToolsPage page{form};
   OptionsPage options{form};
   StartupShield shield{{page, options, {*platform, host, settings, log}, window}};
