@@ -6,7 +6,6 @@ namespace quarnel {
 namespace {
 
 constexpr ScreenArea kAlertSize{.width = 7200, .height = 4800};
-constexpr int kStep = 500;
 
 }  // namespace
 
@@ -16,7 +15,7 @@ frmBHR::frmBHR(const Services& services, BrowserSettings& browserSettings,
       s_(services),
       browserSettings_(browserSettings),
       tmrPreventChangeHomePage_(tmrPreventChangeHomePage),
-      slide_(*this, tmrPopupSignatureUpdate, kStep) {
+      slide_(*this, tmrPopupSignatureUpdate, kAlertStep) {
   SetBorder(BorderStyle::kNone);
   SetShowInTaskbar(false);
   SetPlace(kAlertSize);

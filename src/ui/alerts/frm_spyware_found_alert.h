@@ -55,7 +55,7 @@ class frmSpywareFoundAlert : public Form {
   MemoryShield& shield_;
   OptionsPage& options_;
   Timer& tmrMemoryInspected_;
-  SlideIn slide_{*this, tmrPopupWindow, 500};
+  SlideIn slide_{*this, tmrPopupWindow, kAlertStep};
   // What a scan that runs meanwhile finds changes nothing of it.
   MemoryAlert alert_;
 };

@@ -6,7 +6,6 @@ namespace quarnel {
 namespace {
 
 constexpr ScreenArea kAlertDesign{.width = 7200, .height = 4800};
-constexpr int kAlertStep = 500;
 
 constexpr std::string_view kApplication = "Application: ";
 constexpr std::string_view kPath = "File Path: ";

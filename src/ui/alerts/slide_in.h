@@ -39,6 +39,9 @@ constexpr bool SlidDown(int top) { return top > kSlideDownEnd; }
 // Whether the mouse is over a window.
 bool MouseOver(const ScreenFacts& screen, const ScreenArea& place);
 
+// What an alert moves at each tick, in twips.
+inline constexpr int kAlertStep = 500;
+
 // The slide of one alert, driven by a timer of its form.
 class SlideIn {
  public:

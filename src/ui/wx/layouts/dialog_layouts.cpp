@@ -1,5 +1,7 @@
 // The small windows.
 
+#include <utility>
+
 #include "ui/wx/layouts/layouts.h"
 #include "ui/wx/metrics.h"
 
@@ -151,16 +153,13 @@ FormLayout HomePageLayout() {
           .defaultButton = "cmdYes"};
 }
 
-FormLayout BrowserAlertLayout() {
-  return {.form = "frmBHR",
+// An alert about a change: what it tells, and below it the two answers.
+FormLayout ChangeAlertLayout(std::string_view form, std::vector<Layout> tells) {
+  return {.form = form,
           .kind = WindowKind::kPopup,
           .content =
               Column({
-                         Row({Picture("message-exclamation", kLargeIcon),
-                              Column({Put("lblApproval").As(Role::kWrapped).Wide(kMessageWidth),
-                                      Put("lblChangingTo").As(Role::kWrapped).Wide(kMessageWidth),
-                                      Put("lblDefault").As(Role::kWrapped).Wide(kMessageWidth),
-                                      Put("lblAdvise").As(Role::kWrapped).Wide(kMessageWidth)})})
+                         Row({Picture("message-exclamation", kLargeIcon), Column(std::move(tells))})
                              .Gap(kWideGap),
                          Put("chkRememberURL"),
                          Row({Spring(), Put("cmdBlock").As(Role::kPrimary), Put("cmdAllow")}),
@@ -171,25 +170,19 @@ FormLayout BrowserAlertLayout() {
           .unasked = true};
 }
 
+FormLayout BrowserAlertLayout() {
+  return ChangeAlertLayout("frmBHR", {Put("lblApproval").As(Role::kWrapped).Wide(kMessageWidth),
+                                      Put("lblChangingTo").As(Role::kWrapped).Wide(kMessageWidth),
+                                      Put("lblDefault").As(Role::kWrapped).Wide(kMessageWidth),
+                                      Put("lblAdvise").As(Role::kWrapped).Wide(kMessageWidth)});
+}
+
 FormLayout StartupAlertLayout() {
-  return {
-      .form = "frmStarUpAlert",
-      .kind = WindowKind::kPopup,
-      .content = Column({
-                            Row({Picture("message-exclamation", kLargeIcon),
-                                 Column({Put("lblApproval").As(Role::kWrapped).Wide(kMessageWidth),
-                                         Put("lblSection").As(Role::kStrong),
-                                         Put("lblApplication").As(Role::kPath),
-                                         Put("lblPath").As(Role::kPath),
-                                         Put("lblAdvise").As(Role::kWrapped).Wide(kMessageWidth)})})
-                                .Gap(kWideGap),
-                            Put("chkRememberURL"),
-                            Row({Spring(), Put("cmdBlock").As(Role::kPrimary), Put("cmdAllow")}),
-                        })
-                     .Gap(kWideGap)
-                     .Padding(kDialogPadding),
-      .keyboard = {"cmdBlock"},
-      .unasked = true};
+  return ChangeAlertLayout(
+      "frmStarUpAlert",
+      {Put("lblApproval").As(Role::kWrapped).Wide(kMessageWidth),
+       Put("lblSection").As(Role::kStrong), Put("lblApplication").As(Role::kPath),
+       Put("lblPath").As(Role::kPath), Put("lblAdvise").As(Role::kWrapped).Wide(kMessageWidth)});
 }
 
 // What an alert tells of may run on until it is answered: it takes the keyboard as it comes.
